@@ -1,6 +1,6 @@
 // White space, blanks and letter case of UTF-16 code units, the same on every system.
 //
-//   CompareNoCase(u"DATA.CSV", u"data.csv");  // true
+//   ToUpper(u'\u00E9');                  // U+00C9
 //   TrimWhiteSpace(u"\t a b \u00A0");         // u"a b"
 //
 // Case is folded unit by unit with Unicode's simple upper-case mapping: lengths never change and
@@ -45,8 +45,5 @@ constexpr std::u16string_view TrimBlanks(std::u16string_view text) noexcept {
 
 // Unicode's simple upper-case mapping of one code unit; units without one come back unchanged.
 QUENRA_HOST_API char16_t ToUpper(char16_t unit) noexcept;
-
-// Whether both texts have the same length and agree unit by unit after ToUpper.
-QUENRA_HOST_API bool CompareNoCase(std::u16string_view left, std::u16string_view right) noexcept;
 
 }  // namespace quenra

@@ -19,7 +19,8 @@ class DataCoreUtil {
   // compared without regard to case.
   QUENRA_HOST_API static void SetOption(std::u16string_view name, const VARIANT* value);
 
-  // Whether two names are equal without regard to case.
+  // Whether two names are equal without regard to case: the same length, and unit by unit equal
+  // after ToUpper (CoreSupport/CharacterClasses.h).
   QUENRA_HOST_API static bool CompareFoldCase(std::u16string_view left,
                                               std::u16string_view right) noexcept;
 };
