@@ -122,7 +122,6 @@ bool TakeFraction(Scanner& scanner, ParsedDateTime& value) noexcept {
   if (!scanner.TakeSeparator(u'.') || !scanner.TakeNumber(0, 999, fraction, &length)) return false;
   if (length == 1) fraction *= 100;
   if (length == 2) fraction *= 10;
-  if (fraction > 999) return false;
   value.time.wMilliseconds = static_cast<WORD>(fraction);
   value.fractionalSeconds = true;
   return true;
