@@ -52,11 +52,6 @@ class TypeInference {
   std::size_t lastRecordSize() const noexcept { return lastRecordSize_; }
 
  private:
-  struct Value {
-    FieldType type;
-    DateClass date;  // when `type` is a date's
-  };
-
   void StartFromDeclaredColumns();
   bool ReadRecord();
   bool IsHeader() const;
