@@ -1,8 +1,7 @@
 #include "reading/OpenTextDataset.h"
 
 #include "host/CoreSupport/EventLogTimer.h"
-#include "reading/DelimitedReader.h"
-#include "reading/FixedWidthReader.h"
+#include "reading/ReaderFactory.h"
 #include "schema/LocaleDefaults.h"
 #include "schema/SchemaIniPaths.h"
 #include "schema/SchemaIniReader.h"
@@ -13,12 +12,6 @@ namespace {
 
 constexpr int kOpenEventType = 2;
 
-template <class ConcreteReader>
-ReaderPtr Make(const TextDatasetDescription& description) {
-  return {new ConcreteReader(description),
-          [](Reader* reader) { delete static_cast<ConcreteReader*>(reader); }};
-}
-
 // The only column of a table whose file holds nothing. Names made for columns that exist count
 // from 1, so this one is told apart.
 FieldDefinition EmptyTableField() {
@@ -28,18 +21,6 @@ FieldDefinition EmptyTableField() {
 }
 
 }  // namespace
-
-ReaderPtr MakeReader(const TextDatasetDescription& description) {
-  return description.options.fixedLength ? Make<FixedWidthReader>(description)
-                                         : Make<DelimitedReader>(description);
-}
-
-ReaderPtr MakeDataReader(const TextDatasetDescription& description) {
-  ReaderPtr reader = MakeReader(description);
-  reader->ReadRecord();
-  if (description.options.columnNameHeader) reader->ReadRecord();
-  return reader;
-}
 
 TextDatasetDescription DescribeFile(std::u16string_view folder, std::u16string_view name) {
   TextDatasetDescription description;

@@ -1,13 +1,12 @@
 // Turns the lines of a text file into records, and finds out how the file is laid out.
 //
-//   ReaderPtr reader = MakeReader(description);
+//   ReaderPtr reader = MakeReader(description);  // reading/ReaderFactory.h
 //   if (!reader->IsOpen()) ...
 //   while (reader->ReadRecord()) Use(reader->record());
 //
 // A reader is made for one scan or for one walk through the file; it is not opened again.
 #pragma once
 
-#include <memory>
 #include <string>
 #include <vector>
 
@@ -55,7 +54,7 @@ class Reader {
 
  protected:
   explicit Reader(const TextDatasetDescription& description);
-  // Readers are owned as what they are (see MakeReader), so this needs not be virtual.
+  // Readers are owned as what they are (see ReaderPtr), so this needs not be virtual.
   ~Reader() = default;
 
   // Reads the header row through the inference, and tries the other record terminator when the
@@ -80,14 +79,5 @@ class Reader {
   std::size_t cursor_ = 0;   // in line_
   bool lineUsedUp_ = true;   // the next character comes from the next line
 };
-
-using ReaderPtr = std::unique_ptr<Reader, void (*)(Reader*)>;
-
-// A reader of the description's format, standing before the first record, with the description's
-// record terminator. The file may have failed to open. The description is not looked at again.
-ReaderPtr MakeReader(const TextDatasetDescription& description);
-
-// The same, standing on the first data record: the header row, if there is one, has been read.
-ReaderPtr MakeDataReader(const TextDatasetDescription& description);
 
 }  // namespace TextFile
