@@ -1,9 +1,10 @@
-// Feeds arbitrary text to the coordinate recogniser. The bytes are UTF-8-like: ASCII stands for itself, two
-// and three byte forms for other UTF-16 code units, so that the marks are found by mutation; a byte FF
-// divides two texts.
+// Feeds arbitrary text to the coordinate recogniser. The bytes are UTF-8-like: ASCII stands for
+// itself, two and three byte forms for other UTF-16 code units, so that the marks are found by
+// mutation; a byte FF divides two texts.
 //
-// Holds: nothing crashes; what is accepted reads under its own and under every other format code, with the
-// same values, finite and within the range of latitude and longitude; what is refused leaves zeros.
+// Holds: nothing crashes; what is accepted reads under its own and under every other format code,
+// with the same values, finite and within the range of latitude and longitude; what is refused
+// leaves zeros.
 
 #include <cmath>
 #include <cstddef>

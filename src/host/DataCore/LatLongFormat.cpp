@@ -15,7 +15,8 @@ using latlong::LetterSide;
 using latlong::Notation;
 using latlong::StandardPair;
 
-// A bare pair of numbers is a position when one of them has this many decimals; `24.0, 26.0` is not.
+// A bare pair of numbers is a position when one of them has this many decimals; `24.0, 26.0` is
+// not.
 constexpr int kPlainDecimals = 3;
 
 // By what a pair says that it is one, and which half is the latitude.
@@ -37,7 +38,8 @@ struct Format {
            (decimalComma ? 1 << 9 : 0) | (twoTexts ? 1 << 10 : 0);
   }
 
-  // A code that Encode never gives decodes to a format that widens nothing or as little as its bits say.
+  // A code that Encode never gives decodes to a format that widens nothing or as little as its bits
+  // say.
   static Format Decode(std::int32_t code) noexcept {
     Format format;
     const std::int32_t notation = code & 15;
@@ -83,8 +85,9 @@ Evidence EvidenceOf(const Coordinate& a, const Coordinate& b) noexcept {
   return a.degreeMark || b.degreeMark ? Evidence::kMarks : Evidence::kNumbers;
 }
 
-// Gives each half its axis: by letter or label, else by the other half's, else latitude first; longitude
-// first only where the column's order says so and nothing else fits. Fails when both are the same or a latitude exceeds 90 degrees.
+// Gives each half its axis: by letter or label, else by the other half's, else latitude first;
+// longitude first only where the column's order says so and nothing else fits. Fails when both are
+// the same or a latitude exceeds 90 degrees.
 bool SettleAxes(Coordinate& a, Coordinate& b, const Format& hint) noexcept {
   const auto other = [](Axis axis) {
     return axis == Axis::kLatitude ? Axis::kLongitude : Axis::kLatitude;
@@ -109,8 +112,9 @@ bool IsFlightPlan(const Pair& pair) noexcept {
          fits(pair.second);
 }
 
-// Whether compact digits are plain: whole numbers beside a letter are house numbers as well, so they touch
-// it ("0045N", not "1200 N"); and a latitude is not written wider than the longitude, as in grids.
+// Whether compact digits are plain: whole numbers beside a letter are house numbers as well, so
+// they touch it ("0045N", not "1200 N"); and a latitude is not written wider than the longitude, as
+// in grids.
 bool IsCompactPlain(const Pair& pair) noexcept {
   const auto touches = [](const Coordinate& half) { return !IsWhole(half) || half.letterTouches; };
   const bool latitudeFirst = pair.first.axis == Axis::kLatitude;
@@ -120,8 +124,8 @@ bool IsCompactPlain(const Pair& pair) noexcept {
          touches(pair.second) && latitudeDigits <= longitudeDigits;
 }
 
-// Whether a hemisphere letter on one half only belongs to that half without doubt: it stands at an end
-// of the text, or a separator keeps it from the other half.
+// Whether a hemisphere letter on one half only belongs to that half without doubt: it stands at an
+// end of the text, or a separator keeps it from the other half.
 bool IsLoneLetterClear(const Pair& pair) noexcept {
   if (pair.twoTexts) return true;
   if (pair.first.letterS || !pair.first.degreeMark || !pair.second.degreeMark) return false;
@@ -130,7 +134,8 @@ bool IsLoneLetterClear(const Pair& pair) noexcept {
                         pair.second.letterSide == LetterSide::kAfter);
 }
 
-// Whether degrees with hemisphere letters are plain; `known` when the column is known to hold such pairs.
+// Whether degrees with hemisphere letters are plain; `known` when the column is known to hold such
+// pairs.
 bool AreLettersPlain(const Pair& pair, bool known) noexcept {
   const Coordinate& a = pair.first;
   const Coordinate& b = pair.second;
@@ -157,8 +162,9 @@ bool AreLabelsPlain(const Pair& pair) noexcept {
   return pair.twoTexts && plain(pair.first) && plain(pair.second);
 }
 
-// Whether the comma is a decimal symbol without doubt, in a pair without letters: it is not what separates
-// the halves, and where only a blank does so, the numbers do not read as grouped thousands.
+// Whether the comma is a decimal symbol without doubt, in a pair without letters: it is not what
+// separates the halves, and where only a blank does so, the numbers do not read as grouped
+// thousands.
 bool IsDecimalCommaClear(const Pair& pair) noexcept {
   const Coordinate& a = pair.first;
   const Coordinate& b = pair.second;
@@ -168,8 +174,8 @@ bool IsDecimalCommaClear(const Pair& pair) noexcept {
   return a.hasSign || b.hasSign || a.decimals > 3 || b.decimals > 3;
 }
 
-// Whether numbers without letters and labels are plain; `known` when the column is known to hold such
-// pairs.
+// Whether numbers without letters and labels are plain; `known` when the column is known to hold
+// such pairs.
 bool AreNumbersPlain(const Pair& pair, bool known) noexcept {
   const Coordinate& a = pair.first;
   const Coordinate& b = pair.second;
@@ -177,7 +183,8 @@ bool AreNumbersPlain(const Pair& pair, bool known) noexcept {
   if (a.groups > 1) return a.degreeMark && b.degreeMark;
   if (known) return true;
   if (pair.twoTexts ? !(a.degreeMark || b.degreeMark) : a.degreeMark != b.degreeMark) return false;
-  return !IsWhole(a) && !IsWhole(b) && (a.decimals >= kPlainDecimals || b.decimals >= kPlainDecimals);
+  return !IsWhole(a) && !IsWhole(b) &&
+         (a.decimals >= kPlainDecimals || b.decimals >= kPlainDecimals);
 }
 
 // Whether `hint` is of a column of decimal degrees that are told to be so as this pair's are.
@@ -249,15 +256,17 @@ bool ReadPair(const char* position, CommaUse commaUse, Pair& pair) noexcept {
   return *position == '\0';
 }
 
-// Whether a comma between digits may also be read as a separator: "46,8" in a column of "46.123,8.456".
+// Whether a comma between digits may also be read as a separator: "46,8" in a column of
+// "46.123,8.456".
 bool CommaCanSeparate(const Format& hint) noexcept {
   return hint.notation == Notation::kDecimalDegrees && hint.evidence == Evidence::kNumbers &&
          !hint.decimalComma && !hint.twoTexts;
 }
 
 bool ReadSingle(std::u16string_view text, const Format& hint, Result& result) noexcept {
+  if (!latlong::MayStartCoordinate(text)) return false;
   FoldedText folded;
-  if (!latlong::MayStartCoordinate(text) || !folded.Fold(text)) return false;
+  if (!folded.Fold(text)) return false;
   StandardPair standard;
   if (ReadStandard(folded, standard)) {
     result.format.notation = standard.notation;
@@ -298,6 +307,9 @@ bool AnswerFormat(bool read, const Result& result, std::int32_t& format) noexcep
 
 }  // namespace
 
+// Members, although they need no state: callers hold one object per reader, as of the host's class.
+// NOLINTBEGIN(readability-convert-member-functions-to-static)
+
 bool LatLongFormat::IsLatLong(std::u16string_view text, std::int32_t& format) const noexcept {
   Result result;
   return AnswerFormat(ReadSingle(text, Format{}, result), result, format);
@@ -320,12 +332,15 @@ bool LatLongFormat::ParseLatLong(std::u16string_view text, std::int32_t format, 
 }
 
 bool LatLongFormat::ParseLatLong(std::u16string_view firstText, std::u16string_view secondText,
-                                 std::int32_t format, double& first, double& second) const noexcept {
+                                 std::int32_t format, double& first,
+                                 double& second) const noexcept {
   Result result;
   const bool read = ReadTwo(firstText, secondText, Format::Decode(format), result);
   first = read ? result.first : 0;
   second = read ? result.second : 0;
   return read;
 }
+
+// NOLINTEND(readability-convert-member-functions-to-static)
 
 }  // namespace quenra

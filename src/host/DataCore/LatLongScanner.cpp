@@ -7,14 +7,13 @@ namespace {
 
 constexpr char kRefused = '\0';
 
-// The folded form of each ASCII character. Control characters and punctuation that no notation has are
-// refused.
+// The folded form of each ASCII character. Control characters and punctuation that no notation has
+// are refused.
 constexpr std::array<char, 128> MakeAsciiFolding() {
   std::array<char, 128> table{};
-  for (char c = '0'; c <= '9'; ++c) table[static_cast<std::size_t>(c)] = c;
-  for (char c = 'A'; c <= 'Z'; ++c) table[static_cast<std::size_t>(c)] = c;
-  for (char c = 'a'; c <= 'z'; ++c) table[static_cast<std::size_t>(c)] = c;
-  for (char c : std::string_view(" +-.,:;/=?_()[]'\"")) table[static_cast<std::size_t>(c)] = c;
+  constexpr std::string_view kKept =
+      " +-.,:;/=?_()[]'\"0123456789ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz";
+  for (const char c : kKept) table[static_cast<unsigned char>(c)] = c;
   table['\t'] = ' ';
   return table;
 }
@@ -64,8 +63,18 @@ inline char ToUpper(char c) noexcept {
 // "lat", "lon", "geo:", "POINT", "SRID".
 bool StartsCoordinate(char c) noexcept {
   switch (ToUpper(c)) {
-    case '+': case '-': case '.': case '(': case '[':
-    case 'N': case 'S': case 'E': case 'W': case 'L': case 'G': case 'P':
+    case '+':
+    case '-':
+    case '.':
+    case '(':
+    case '[':
+    case 'N':
+    case 'S':
+    case 'E':
+    case 'W':
+    case 'L':
+    case 'G':
+    case 'P':
       return true;
     default:
       return IsDigit(c);
@@ -90,8 +99,8 @@ constexpr std::array<std::uint64_t, 16> kPowersOfTen = {
     100000000000000,
     1000000000000000,
 };
-constexpr int kMaxKeptDecimals = 15;   // with three digits of degrees they fit 64 bits
-constexpr int kMaxIntegerDigits = 9;   // DDDMMSSss
+constexpr int kMaxKeptDecimals = 15;      // with three digits of degrees they fit 64 bits
+constexpr int kMaxIntegerDigits = 9;      // DDDMMSSss
 constexpr int kSexagesimalDecimals = 10;  // 180 degrees in 10^-10 seconds stay below 2^53
 constexpr std::uint64_t kExactLimit = std::uint64_t{1} << 53;
 
@@ -104,12 +113,13 @@ const char* EndOfLetters(const char* position) noexcept {
   return position;
 }
 
-// 'N', 'S', 'E' or 'W' for a letter or word that names a hemisphere, else '\0'. There is no 'O': it is
-// east in some languages and west in others.
+// 'N', 'S', 'E' or 'W' for a letter or word that names a hemisphere, else '\0'. There is no 'O': it
+// is east in some languages and west in others.
 char HemisphereOf(const char* begin, const char* end) noexcept {
   const std::ptrdiff_t length = end - begin;
   const char first = ToUpper(*begin);
-  if (length == 1) return first == 'N' || first == 'S' || first == 'E' || first == 'W' ? first : '\0';
+  if (length == 1)
+    return first == 'N' || first == 'S' || first == 'E' || first == 'W' ? first : '\0';
   if (length != 4 && length != 5) return '\0';
   for (const std::string_view word : {"north", "south", "east", "west"}) {
     const char* position = begin;
@@ -118,8 +128,8 @@ char HemisphereOf(const char* begin, const char* end) noexcept {
   return '\0';
 }
 
-// Reads a mark written in letters, which may be followed by blanks, digits or a hemisphere: "deg N",
-// "degN", but not "degree".
+// Reads a mark written in letters, which may be followed by blanks, digits or a hemisphere: "deg
+// N", "degN", but not "degree".
 bool ReadWordMark(const char*& position, std::string_view word) noexcept {
   const char* after = position;
   if (!ReadWord(after, word)) return false;
@@ -188,7 +198,8 @@ void ReadSecondMark(const char*& position, bool minutesInLetters, Coordinate& ha
   }
 }
 
-// Puts the last group's fraction into the half and computes degrees in one correctly rounded division.
+// Puts the last group's fraction into the half and computes degrees in one correctly rounded
+// division.
 void FinishSexagesimal(std::uint64_t degrees, std::uint64_t minutes, std::uint64_t seconds,
                        const Number& last, Coordinate& half) noexcept {
   int kept = last.keptDecimals;
@@ -211,7 +222,8 @@ bool IsMinutesOrSeconds(const Number& number) noexcept {
   return number.integerDigits >= 1 && number.integerDigits <= 2 && number.integer < 60;
 }
 
-// "27.15.45", "27.15.45.2", "27.15.45,2": `first` was read as 27.15, `position` is at the second dot.
+// "27.15.45", "27.15.45.2", "27.15.45,2": `first` was read as 27.15, `position` is at the second
+// dot.
 bool ReadDotted(const char*& position, const Number& first, Coordinate& half) noexcept {
   if (first.comma || first.decimals > 2 || first.fraction >= 60) return false;
   ++position;
@@ -234,10 +246,17 @@ Joint FindJoint(const char*& position, bool afterMark) noexcept {
     joint = Joint::kMark;
   } else {
     switch (*p++) {
-      case ' ': joint = Joint::kBlank; break;
-      case ':': joint = Joint::kColon; break;
-      case '-': joint = Joint::kHyphen; break;
-      default: return Joint::kNone;
+      case ' ':
+        joint = Joint::kBlank;
+        break;
+      case ':':
+        joint = Joint::kColon;
+        break;
+      case '-':
+        joint = Joint::kHyphen;
+        break;
+      default:
+        return Joint::kNone;
     }
   }
   if (!IsDigit(*p)) return Joint::kNone;
@@ -247,7 +266,8 @@ Joint FindJoint(const char*& position, bool afterMark) noexcept {
 
 enum class GroupResult { kRead, kAbsent, kWrong };
 
-// Reads minutes or seconds at `position`. A number with a degree mark is absent: it starts the other half.
+// Reads minutes or seconds at `position`. A number with a degree mark is absent: it starts the
+// other half.
 GroupResult ReadGroup(const char*& position, CommaUse commaUse, Number& number) noexcept {
   const char* p = position;
   if (!ReadNumber(p, commaUse, number)) return GroupResult::kAbsent;
@@ -336,7 +356,8 @@ Axis ReadLabel(const char*& position) noexcept {
 }
 
 // Takes the hemisphere [begin, end) into the half. Fails when it is none, or contradicts the label.
-bool TakeHemisphere(const char* begin, const char* end, LetterSide side, Coordinate& half) noexcept {
+bool TakeHemisphere(const char* begin, const char* end, LetterSide side,
+                    Coordinate& half) noexcept {
   const char hemisphere = HemisphereOf(begin, end);
   if (hemisphere == '\0') return false;
   const Axis axis = hemisphere == 'N' || hemisphere == 'S' ? Axis::kLatitude : Axis::kLongitude;
@@ -356,7 +377,8 @@ bool ReadLeadingHemisphere(const char*& position, Coordinate& half) noexcept {
   return true;
 }
 
-// Reads the hemisphere behind the value, if there is one. Fails on one that contradicts sign or label.
+// Reads the hemisphere behind the value, if there is one. Fails on one that contradicts sign or
+// label.
 bool ReadTrailingHemisphere(const char*& position, Coordinate& half) noexcept {
   const char* begin = position;
   SkipBlank(begin);
@@ -374,7 +396,7 @@ bool ReadTrailingHemisphere(const char*& position, Coordinate& half) noexcept {
 bool FoldedText::Fold(std::u16string_view text) noexcept {
   if (text.size() > kMaxTextLength) return false;
   char* out = bytes_.data();
-  char previous = ' ';   // swallows leading blanks
+  char previous = ' ';    // swallows leading blanks
   bool pairable = false;  // the previous byte is a single minute mark
   for (const char16_t c : text) {
     const char folded = FoldCharacter(c);
@@ -442,7 +464,7 @@ double ValueOf(const Number& number) noexcept {
     // Both operands are exact, so the quotient is rounded once.
     if (scaled <= kExactLimit) return static_cast<double>(scaled) / static_cast<double>(scale);
   }
-  std::array<char, kMaxTextLength> digits;
+  std::array<char, kMaxTextLength> digits{};
   std::size_t length = 0;
   for (const char* p = number.begin; p != number.end; ++p) digits[length++] = *p == ',' ? '.' : *p;
   double value = 0;

@@ -24,8 +24,8 @@ inline constexpr std::size_t kMaxTextLength = 128;
 inline constexpr char kDegreeMark = '\x01';
 
 // A text in the narrow alphabet of the grammar, terminated by '\0': ASCII digits, letters and
-// punctuation stand for themselves, every minus is '-', a run of blanks is one ' ' and falls away at
-// both ends, and two minute marks in a row are '"'.
+// punctuation stand for themselves, every minus is '-', a run of blanks is one ' ' and falls away
+// at both ends, and two minute marks in a row are '"'.
 class FoldedText {
  public:
   // False when `text` is too long, blank, or bears a character that no notation has.
@@ -33,7 +33,7 @@ class FoldedText {
   const char* Begin() const noexcept { return bytes_.data(); }
 
  private:
-  std::array<char, kMaxTextLength + 1> bytes_;  // left unset until Fold: it is filled once a text
+  std::array<char, kMaxTextLength + 1> bytes_{};
 };
 
 // True when a text that starts like this can be a coordinate: a look at the first character that is
@@ -57,8 +57,8 @@ double ValueOf(const Number& number) noexcept;
 
 enum class CommaUse { kDecimalOrSeparator, kSeparator };
 
-// Reads digits with an optional fraction ("12", "12.5", "12,5", ".5"). `position` moves past the number,
-// and stays when there is none.
+// Reads digits with an optional fraction ("12", "12.5", "12,5", ".5"). `position` moves past the
+// number, and stays when there is none.
 bool ReadNumber(const char*& position, CommaUse commaUse, Number& number) noexcept;
 
 enum class Axis : std::uint8_t { kUnknown, kLatitude, kLongitude };
@@ -79,25 +79,23 @@ struct Coordinate {
   LetterSide letterSide = LetterSide::kNone;
   bool decimalComma = false;
   bool degreeMark = false;
-  bool letterS = false;         // the seconds are marked by the letter s, which also is the south
-  bool letterTouches = false;   // no blank between the digits and the hemisphere letter
+  bool letterS = false;        // the seconds are marked by the letter s, which also is the south
+  bool letterTouches = false;  // no blank between the digits and the hemisphere letter
   bool hasLabel = false;
   bool hasSign = false;
   bool negative = false;  // by sign, or south or west
 };
 
-// Reads label, hemisphere and value at `position`, which moves past them. False when there is no coordinate,
-// or one that is out of its range; `position` and `coordinate` are then unspecified.
+// Reads label, hemisphere and value at `position`, which moves past them. False when there is no
+// coordinate, or one that is out of its range; `position` and `coordinate` are then unspecified.
 bool ReadCoordinate(const char*& position, CommaUse commaUse, Coordinate& coordinate) noexcept;
 
-// Splits the digits of DDMM, DDMMSS and the like; an odd count has three digits of degrees. Fails on other
-// counts, and on minutes or seconds of 60 and more.
+// Splits the digits of DDMM, DDMMSS and the like; an odd count has three digits of degrees. Fails
+// on other counts, and on minutes or seconds of 60 and more.
 bool SplitCompact(const Number& number, Coordinate& coordinate) noexcept;
 
 inline bool IsDigit(char c) noexcept { return c >= '0' && c <= '9'; }
-inline bool IsLetter(char c) noexcept {
-  return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
-}
+inline bool IsLetter(char c) noexcept { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); }
 inline void SkipBlank(const char*& position) noexcept { position += *position == ' ' ? 1 : 0; }
 
 // Reads an ASCII word in either case, given in lower case. `position` stays when it is another one.

@@ -42,7 +42,8 @@ bool ReadName(const char*& position) noexcept {
 }
 
 // Degrees of an ISO 6709 number whose degrees have `degreeDigits` digits.
-bool ReadIsoValue(const char*& position, int degreeDigits, Signed& value, Coordinate& half) noexcept {
+bool ReadIsoValue(const char*& position, int degreeDigits, Signed& value,
+                  Coordinate& half) noexcept {
   if (!ReadSigned(position, CommaUse::kDecimalOrSeparator, value) || !value.hasSign) return false;
   const int more = value.number.integerDigits - degreeDigits;
   if (more == 0) {
@@ -71,8 +72,8 @@ bool ReadIso6709(const char* position, StandardPair& pair) noexcept {
   Signed second;
   Coordinate latitude;
   Coordinate longitude;
-  if (!ReadIsoValue(position, 2, first, latitude) || !ReadIsoValue(position, 3, second, longitude) ||
-      latitude.groups != longitude.groups) {
+  if (!ReadIsoValue(position, 2, first, latitude) ||
+      !ReadIsoValue(position, 3, second, longitude) || latitude.groups != longitude.groups) {
     return false;
   }
   // The closing solidus is often left out. Without it only decimals tell a position from a sum.
@@ -165,10 +166,19 @@ bool ReadWktPoint(const char* position, StandardPair& pair) noexcept {
 
 bool ReadAny(const char* text, StandardPair& pair) noexcept {
   switch (*text) {
-    case '+': case '-': return ReadIso6709(text, pair);
-    case 'g': case 'G': return ReadGeoUri(text, pair);
-    case 'p': case 'P': case 's': case 'S': return ReadWktPoint(text, pair);
-    default: return false;
+    case '+':
+    case '-':
+      return ReadIso6709(text, pair);
+    case 'g':
+    case 'G':
+      return ReadGeoUri(text, pair);
+    case 'p':
+    case 'P':
+    case 's':
+    case 'S':
+      return ReadWktPoint(text, pair);
+    default:
+      return false;
   }
 }
 

@@ -29,8 +29,8 @@ struct StandardPair {
   Notation notation = Notation::kNone;
 };
 
-// True when the whole text is one of the three notations and within the range of latitude and longitude.
-// `pair` is unspecified otherwise.
+// True when the whole text is one of the three notations and within the range of latitude and
+// longitude. `pair` is unspecified otherwise.
 bool ReadStandard(const FoldedText& text, StandardPair& pair) noexcept;
 
 }  // namespace quenra::latlong

@@ -1,5 +1,3 @@
-#include "host/DataCore/LatLongFormat.h"
-
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -10,6 +8,8 @@
 #include <random>
 #include <string>
 #include <vector>
+
+#include "host/DataCore/LatLongFormat.h"
 
 namespace quenra {
 namespace {
@@ -44,7 +44,8 @@ std::u16string Decode(const std::string& bytes) {
       text += static_cast<char16_t>((byte(0) & 0x1F) << 6 | (byte(1) & 0x3F));
       i += 2;
     } else {
-      text += static_cast<char16_t>((byte(0) & 0x0F) << 12 | (byte(1) & 0x3F) << 6 | (byte(2) & 0x3F));
+      text +=
+          static_cast<char16_t>((byte(0) & 0x0F) << 12 | (byte(1) & 0x3F) << 6 | (byte(2) & 0x3F));
       i += 3;
     }
   }
@@ -125,11 +126,14 @@ bool HasAnyOf(const std::u16string& text, const std::u16string& characters) {
   return text.find_first_of(characters) != std::u16string::npos;
 }
 
-// Whether the first of two texts is the longitude: its letter or label says so, or the other's does.
+// Whether the first of two texts is the longitude: its letter or label says so, or the other's
+// does.
 bool FirstIsLongitude(const Case& c) {
-  // Words that bear another axis' letter ("deg", "sec", "lon") are told apart by their vowel or label.
+  // Words that bear another axis' letter ("deg", "sec", "lon") are told apart by their vowel or
+  // label.
   const auto axis = [](std::u16string text) {
-    if (text.find(u"lat") != std::u16string::npos || text.find(u"Lat") != std::u16string::npos) return 1;
+    if (text.find(u"lat") != std::u16string::npos || text.find(u"Lat") != std::u16string::npos)
+      return 1;
     if (text.find(u"lon") != std::u16string::npos || text.find(u"Lon") != std::u16string::npos ||
         text.find(u"lng") != std::u16string::npos) {
       return 2;
@@ -284,7 +288,7 @@ TEST(LatLongFormatTest, SouthAndSecondsAreNotMixedUp) {
   EXPECT_NEAR(Read(u"40d07m22.8s, 74d07m22.8s").second, 40.123, kTolerance);
   EXPECT_NEAR(Read(u"40d07m22.8sS 74d07m22.8sE").second, -40.123, kTolerance);
   EXPECT_NEAR(Read(u"40d07m22.8ss 74d07m22.8se").second, -40.123, kTolerance);
-  EXPECT_FALSE(Read(u"40d07m22.8s 74d07m22.8e").accepted);  // either
+  EXPECT_FALSE(Read(u"40d07m22.8s 74d07m22.8e").accepted);   // either
   EXPECT_FALSE(Read(u"41d07m22.8S E74d07m22.8S").accepted);  // either
   EXPECT_FALSE(Read(u"41°07'22.8S E74°07'22.8").accepted);   // letters on two sides
 }
@@ -304,7 +308,8 @@ TEST(LatLongFormatTest, TwoTextsWithLettersAreReadInEitherOrder) {
 }
 
 TEST(LatLongFormatTest, WhatIsAcceptedReadsTheSameUnderEveryFormat) {
-  std::vector<std::int32_t> formats = {0, -1, 1, 0x7FFFFFFF, std::numeric_limits<std::int32_t>::min()};
+  std::vector<std::int32_t> formats = {0, -1, 1, 0x7FFFFFFF,
+                                       std::numeric_limits<std::int32_t>::min()};
   const std::vector<Case> cases = AllCases();
   for (const Case& c : cases) {
     if (c.accept) formats.push_back(Read(c).format);
@@ -410,9 +415,14 @@ TEST(LatLongFormatTest, EveryPrefixOfACaseIsJudgedWithoutHarm) {
 }
 
 TEST(LatLongFormatTest, DecimalsAreRoundedCorrectly) {
-  const char* const numbers[] = {"0.1",       "40.4183318",         "-74.6411133",
-                                 "0.30000000000000004", "12.345678901234567", "89.99999999999999999999",
-                                 "1.0000000000000002",  "-0.000000000000001"};
+  const char* const numbers[] = {"0.1",
+                                 "40.4183318",
+                                 "-74.6411133",
+                                 "0.30000000000000004",
+                                 "12.345678901234567",
+                                 "89.99999999999999999999",
+                                 "1.0000000000000002",
+                                 "-0.000000000000001"};
   for (const char* number : numbers) {
     SCOPED_TRACE(number);
     const std::string text(number);
@@ -459,9 +469,9 @@ struct Half {
 
 std::u16string DecimalMinutes(const Half& h) {
   // Cut, not rounded: 59.9999999 must not print as 60.
-  return Print("%02u.%06u", h.M(), h.thousandths % 60000 * 100 / 6 > 999999
-                                       ? 999999U
-                                       : h.thousandths % 60000 * 100 / 6);
+  return Print(
+      "%02u.%06u", h.M(),
+      h.thousandths % 60000 * 100 / 6 > 999999 ? 999999U : h.thousandths % 60000 * 100 / 6);
 }
 
 std::u16string Seconds(const Half& h) { return Print("%02u.%03u", h.S(), h.Ms()); }
@@ -497,7 +507,8 @@ std::vector<std::u16string> PrintEach(const Half& h) {
 
 Half RandomHalf(std::mt19937& random, bool isLatitude) {
   const std::uint32_t limit = (isLatitude ? 90U : 180U) * 3600000U;
-  return {isLatitude, (random() & 1) != 0, std::uniform_int_distribution<std::uint32_t>(0, limit)(random)};
+  return {isLatitude, (random() & 1) != 0,
+          std::uniform_int_distribution<std::uint32_t>(0, limit)(random)};
 }
 
 bool HasLetters(const std::u16string& half) { return HasAnyOf(half, u"NSEW"); }
