@@ -225,7 +225,9 @@ bool IsMinutesOrSeconds(const Number& number) noexcept {
 // "27.15.45", "27.15.45.2", "27.15.45,2": `first` was read as 27.15, `position` is at the second
 // dot.
 bool ReadDotted(const char*& position, const Number& first, Coordinate& half) noexcept {
-  if (first.comma || first.decimals > 2 || first.fraction >= 60) return false;
+  if (first.integerDigits == 0 || first.comma || first.decimals > 2 || first.fraction >= 60) {
+    return false;
+  }
   ++position;
   Number last;
   if (!ReadNumber(position, CommaUse::kDecimalOrSeparator, last) || !IsMinutesOrSeconds(last)) {
