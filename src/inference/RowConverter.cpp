@@ -21,30 +21,30 @@ DATE FractionOfDay(const SYSTEMTIME& time) noexcept {
   return (seconds * 1000 + time.wMilliseconds) / kMillisecondsPerDay;
 }
 
-void SetNull(VARIANT& value) noexcept { V_VT(&value) = VT_NULL; }
+void SetNull(VARIANT& value) noexcept { value.vt = VT_NULL; }
 
 void SetDouble(VARIANT& value, double number) noexcept {
-  V_VT(&value) = VT_R8;
-  V_R8(&value) = number;
+  value.vt = VT_R8;
+  value.dblVal = number;
 }
 
 void SetNumber(VARIANT& value, FieldType type, const NumberValue& number) noexcept {
   switch (type) {
     case FieldType::kSmallInteger:
-      V_VT(&value) = VT_I2;
-      V_I2(&value) = static_cast<SHORT>(number.integer);
+      value.vt = VT_I2;
+      value.iVal = static_cast<SHORT>(number.integer);
       break;
     case FieldType::kInteger:
-      V_VT(&value) = VT_I4;
-      V_I4(&value) = static_cast<LONG>(number.integer);
+      value.vt = VT_I4;
+      value.lVal = static_cast<LONG>(number.integer);
       break;
     case FieldType::kBigInteger:
-      V_VT(&value) = VT_I8;
-      V_I8(&value) = number.integer;
+      value.vt = VT_I8;
+      value.llVal = number.integer;
       break;
     case FieldType::kSingle:
-      V_VT(&value) = VT_R4;
-      V_R4(&value) = number.single;
+      value.vt = VT_R4;
+      value.fltVal = number.single;
       break;
     default:
       SetDouble(value, number.real);
@@ -186,23 +186,23 @@ bool RowConverter::SetDate(VARIANT& value, FieldType type, const ParsedDateTime&
     return false;
 
   if (type != FieldType::kTimestampOffset) {
-    V_VT(&value) = VT_DATE;
-    V_DATE(&value) = date;
+    value.vt = VT_DATE;
+    value.date = date;
     return true;
   }
   IUnknown* timestamp = MakeTimestamp(date, parsed.offsetMinutes);
   if (timestamp == nullptr) return false;
-  V_VT(&value) = VT_UNKNOWN;
-  V_UNKNOWN(&value) = timestamp;
+  value.vt = VT_UNKNOWN;
+  value.punkVal = timestamp;
   return true;
 }
 
 void RowConverter::SetText(std::size_t field, std::u16string_view text) {
   if (!plan_[field].wanted) return;
   VARIANT& value = row_[field];
-  V_BSTR(&value) = ::SysAllocStringLen(AsOle(text.data()), static_cast<UINT>(text.size()));
-  if (V_BSTR(&value) == nullptr) throw std::bad_alloc();
-  V_VT(&value) = VT_BSTR;
+  value.bstrVal = ::SysAllocStringLen(AsOle(text.data()), static_cast<UINT>(text.size()));
+  if (value.bstrVal == nullptr) throw std::bad_alloc();
+  value.vt = VT_BSTR;
 }
 
 // A text column whose values hold coordinates, with its virtual fields, and in the form with two
@@ -261,7 +261,7 @@ void RowConverter::Report(std::size_t field, std::size_t column, std::u16string_
 
 void RowConverter::MoveValue(std::size_t field, VARIANT& slot) noexcept {
   slot = row_[field];
-  V_VT(&row_[field]) = VT_EMPTY;
+  row_[field].vt = VT_EMPTY;
 }
 
 const std::u16string* RowConverter::MessageOf(std::size_t field) const noexcept {

@@ -47,9 +47,11 @@ class SectionText {
     text_ += value;
     text_ += u'\n';
   }
-  void Line(std::u16string_view key, char16_t value) { Line(key, std::u16string_view(&value, 1)); }
-  void Line(std::u16string_view key, bool value) { Line(key, value ? u"True" : u"False"); }
-  void Line(std::u16string_view key, std::uint32_t value) { Line(key, Decimal(value)); }
+  void Character(std::u16string_view key, char16_t value) {
+    Line(key, std::u16string_view(&value, 1));
+  }
+  void Flag(std::u16string_view key, bool value) { Line(key, value ? u"True" : u"False"); }
+  void Number(std::u16string_view key, std::uint32_t value) { Line(key, Decimal(value)); }
 
   static std::u16string Decimal(std::int64_t value) {
     const std::string digits = std::to_string(value);
@@ -83,9 +85,9 @@ std::u16string ColumnLine(const FieldDefinition& field) {
 void AddNumberLines(const NumberFormat::Settings& number, SectionText& text) {
   using NumberFormat::Settings;
   const auto given = [&](Settings::Option option) { return (number.specified & option) != 0; };
-  if (given(Settings::kDecimalSymbol)) text.Line(u"DecimalSymbol", number.decimalSymbol);
-  if (given(Settings::kNumberDigits)) text.Line(u"NumberDigits", number.digits);
-  if (given(Settings::kLeadingZeros)) text.Line(u"NumberLeadingZeros", number.leadingZeros);
+  if (given(Settings::kDecimalSymbol)) text.Character(u"DecimalSymbol", number.decimalSymbol);
+  if (given(Settings::kNumberDigits)) text.Number(u"NumberDigits", number.digits);
+  if (given(Settings::kLeadingZeros)) text.Flag(u"NumberLeadingZeros", number.leadingZeros);
 }
 
 void AddCurrencyLines(const CurrencySettings& currency, SectionText& text) {
@@ -93,16 +95,16 @@ void AddCurrencyLines(const CurrencySettings& currency, SectionText& text) {
     return (currency.specified & option) != 0;
   };
   if (given(CurrencySettings::kSymbol))
-    text.Line(u"CurrencySymbol", std::u16string_view(currency.symbol));
+    text.Line(u"CurrencySymbol", currency.symbol);
   if (given(CurrencySettings::kPositiveFormat))
-    text.Line(u"CurrencyPosFormat", std::u16string_view(currency.positiveFormat));
-  if (given(CurrencySettings::kDigits)) text.Line(u"CurrencyDigits", currency.digits);
+    text.Line(u"CurrencyPosFormat", currency.positiveFormat);
+  if (given(CurrencySettings::kDigits)) text.Number(u"CurrencyDigits", currency.digits);
   if (given(CurrencySettings::kNegativeFormat))
-    text.Line(u"CurrencyNegFormat", std::u16string_view(currency.negativeFormat));
+    text.Line(u"CurrencyNegFormat", currency.negativeFormat);
   if (given(CurrencySettings::kThousandSymbol))
-    text.Line(u"CurrencyThousandSymbol", currency.thousandSymbol);
+    text.Character(u"CurrencyThousandSymbol", currency.thousandSymbol);
   if (given(CurrencySettings::kDecimalSymbol))
-    text.Line(u"CurrencyDecimalSymbol", currency.decimalSymbol);
+    text.Character(u"CurrencyDecimalSymbol", currency.decimalSymbol);
 }
 
 // ---------------------------------------------------------------------------------------------
@@ -227,22 +229,22 @@ void WriteOrThrow(const SchemaIniPaths& paths, std::u16string_view name,
 std::u16string SchemaSectionText(std::u16string_view sectionName, const SchemaOptions& options) {
   SectionText text(sectionName);
   if (options.IsSpecified(SchemaOptions::kFormat))
-    text.Line(u"Format", std::u16string_view(FormatOf(options)));
+    text.Line(u"Format", FormatOf(options));
   if (options.IsSpecified(SchemaOptions::kColNameHeader))
-    text.Line(u"ColNameHeader", options.columnNameHeader);
+    text.Flag(u"ColNameHeader", options.columnNameHeader);
   if (options.IsSpecified(SchemaOptions::kMaxScanRows))
-    text.Line(u"MaxScanRows", options.maxScanRows);
+    text.Number(u"MaxScanRows", options.maxScanRows);
   for (const auto& [index, field] : options.columns)
-    text.Line(u"Col" + SectionText::Decimal(index + 1), std::u16string_view(ColumnLine(field)));
+    text.Line(u"Col" + SectionText::Decimal(index + 1), ColumnLine(field));
   if (options.IsSpecified(SchemaOptions::kCharacterSet))
-    text.Line(u"CharacterSet", std::u16string_view(options.ansi ? u"ANSI" : u"OEM"));
+    text.Line(u"CharacterSet", options.ansi ? u"ANSI" : u"OEM");
   if (options.IsSpecified(SchemaOptions::kDateTimeFormat))
-    text.Line(u"DateTimeFormat", std::u16string_view(options.dateTimeFormat));
+    text.Line(u"DateTimeFormat", options.dateTimeFormat);
   if (options.IsSpecified(SchemaOptions::kTextDelimiter)) {
     if (options.textDelimiter == 0)
-      text.Line(u"TextDelimiter", std::u16string_view(u"NONE"));
+      text.Line(u"TextDelimiter", u"NONE");
     else
-      text.Line(u"TextDelimiter", options.textDelimiter);
+      text.Character(u"TextDelimiter", options.textDelimiter);
   }
   AddNumberLines(options.number, text);
   AddCurrencyLines(options.currency, text);
