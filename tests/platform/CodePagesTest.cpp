@@ -172,7 +172,9 @@ TEST(CodePagesTest, RandomBytesDecodeAsTheReferenceSays) {
     const std::u16string expected = ReferenceDecode(bytes, &wellFormed);
     ASSERT_EQ(Decode(CP_UTF8, bytes), expected);
     ASSERT_EQ(!Decode(CP_UTF8, bytes, MB_ERR_INVALID_CHARS).empty(), wellFormed);
-    if (wellFormed) ASSERT_EQ(Encode(CP_UTF8, expected), bytes);
+    if (wellFormed) {
+      ASSERT_EQ(Encode(CP_UTF8, expected), bytes);
+    }
   }
 }
 

@@ -29,7 +29,7 @@ TEST(FileNamesTest, EveryNameSurvivesTheRoundTrip) {
                                 "\xF0\x9F", "\xC3", "\x80", "\xED\xB2\x80", "\xFF"};
   for (int round = 0; round < 20000; ++round) {
     std::string name;
-    for (unsigned i = random() % 6; i > 0; --i) name += pieces[random() % std::size(pieces)];
+    for (auto i = random() % 6; i > 0; --i) name += pieces[random() % std::size(pieces)];
     ASSERT_EQ(NativeFromFileName(FileNameFromNative(name)), name);
   }
 }

@@ -26,10 +26,12 @@ std::u16string NameOf(LCID lcid) {
   return count == 0 ? u"(failed)" : std::u16string(name, static_cast<std::size_t>(count) - 1);
 }
 
+using Variables = std::map<std::string, std::string>;
+
 // Sets the variables that name the user's locale and puts the old ones back.
 class UserEnvironment {
  public:
-  explicit UserEnvironment(const std::map<std::string, std::string>& values) {
+  explicit UserEnvironment(const Variables& values) {
     for (const char* name : {"LC_ALL", "LC_NUMERIC", "LC_TIME", "LC_MONETARY", "LANG"}) {
       const char* const old = std::getenv(name);
       if (old != nullptr) old_[name] = old;
@@ -51,7 +53,7 @@ class UserEnvironment {
   }
 
  private:
-  std::map<std::string, std::string> old_;
+  Variables old_;
 };
 
 struct LocaleCase {
@@ -172,7 +174,7 @@ TEST(LocaleInfoTest, BareLanguagesStandForTheirMainCountry) {
 
 TEST(LocaleInfoTest, UserLocaleComesFromTheEnvironment) {
   struct Case {
-    std::map<std::string, std::string> environment;
+    Variables environment;
     std::u16string name;
     std::u16string decimal;
     std::u16string order;
@@ -209,7 +211,7 @@ TEST(LocaleInfoTest, UserLocaleComesFromTheEnvironment) {
 }
 
 TEST(LocaleInfoTest, UserOverridesCanBeLeftOut) {
-  const UserEnvironment environment({{"LC_NUMERIC", "de_DE"}, {"LANG", "en_US"}});
+  const UserEnvironment environment(Variables{{"LC_NUMERIC", "de_DE"}, {"LANG", "en_US"}});
   EXPECT_EQ(Value(LOCALE_USER_DEFAULT, LOCALE_SDECIMAL), u",");
   EXPECT_EQ(Value(LOCALE_USER_DEFAULT, LOCALE_SDECIMAL | LOCALE_NOUSEROVERRIDE), u".");
 }
@@ -231,12 +233,12 @@ TEST(LocaleInfoTest, AnsiCodePageIsThatOfTheUsersLanguage) {
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.lang);
-    const UserEnvironment environment({{"LANG", c.lang}});
+    const UserEnvironment environment(Variables{{"LANG", c.lang}});
     EXPECT_EQ(::GetACP(), c.ansi);
     EXPECT_EQ(::GetOEMCP(), c.oem);
     EXPECT_TRUE(::IsValidCodePage(::GetACP()));
   }
-  const UserEnvironment environment({{"LANG", "ru_RU"}});
+  const UserEnvironment environment(Variables{{"LANG", "ru_RU"}});
   char16_t text[2];
   EXPECT_EQ(::MultiByteToWideChar(CP_ACP, 0, "\xCC", 1, text, 2), 1);
   EXPECT_EQ(text[0], u'\u041C');
