@@ -1,11 +1,10 @@
-#include "platform/Modules.h"
-
 #include <gtest/gtest.h>
 
 #include <string>
 #include <string_view>
 
 #include "platform/FileNames.h"
+#include "platform/Modules.h"
 
 // The test program is a module like any other: it carries a string table of its own. The programs
 // that hold this test export their symbols (ENABLE_EXPORTS), or the table could not be found.

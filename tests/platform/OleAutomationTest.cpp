@@ -1,11 +1,10 @@
-#include "platform/OleAutomation.h"
-
 #include <gtest/gtest.h>
 
 #include <cstddef>
 #include <string>
 #include <thread>
 
+#include "platform/OleAutomation.h"
 #include "platform/OleText.h"
 
 namespace {
@@ -140,7 +139,8 @@ TEST(VariantTest, NullArgumentsAreInvalid) {
 
 TEST(VariantTest, UnknownTypesAreRefusedAndLeftAlone) {
   VARIANT value = LongVariant(1);
-  for (const int vt : {15, 99, int{VT_BYREF}, VT_BYREF | VT_NULL, VT_ARRAY | VT_EMPTY, VT_VECTOR | VT_I4}) {
+  for (const int vt :
+       {15, 99, int{VT_BYREF}, VT_BYREF | VT_NULL, VT_ARRAY | VT_EMPTY, VT_VECTOR | VT_I4}) {
     value.vt = static_cast<VARTYPE>(vt);
     EXPECT_EQ(::VariantClear(&value), DISP_E_BADVARTYPE) << vt;
     EXPECT_EQ(value.vt, vt);
@@ -263,15 +263,24 @@ TEST(VariantConversionTest, LimitsAreExact) {
     HRESULT hr;
   };
   const Case cases[] = {
-      {127, VT_I1, S_OK},           {128, VT_I1, DISP_E_OVERFLOW},
-      {255.4, VT_UI1, S_OK},        {255.5, VT_UI1, DISP_E_OVERFLOW},
-      {-1, VT_UI1, DISP_E_OVERFLOW}, {32767, VT_I2, S_OK},
-      {32768, VT_I2, DISP_E_OVERFLOW}, {2147483647, VT_I4, S_OK},
-      {2147483648.0, VT_I4, DISP_E_OVERFLOW}, {-2147483648.0, VT_I4, S_OK},
-      {-2147483649.0, VT_I4, DISP_E_OVERFLOW}, {9223372036854775808.0, VT_I8, DISP_E_OVERFLOW},
-      {-9223372036854775808.0, VT_I8, S_OK}, {9223372036854775808.0, VT_UI8, S_OK},
-      {1e39, VT_R4, DISP_E_OVERFLOW}, {1e300, VT_CY, DISP_E_OVERFLOW},
-      {2958465.9, VT_DATE, S_OK},   {2958466, VT_DATE, DISP_E_OVERFLOW},
+      {127, VT_I1, S_OK},
+      {128, VT_I1, DISP_E_OVERFLOW},
+      {255.4, VT_UI1, S_OK},
+      {255.5, VT_UI1, DISP_E_OVERFLOW},
+      {-1, VT_UI1, DISP_E_OVERFLOW},
+      {32767, VT_I2, S_OK},
+      {32768, VT_I2, DISP_E_OVERFLOW},
+      {2147483647, VT_I4, S_OK},
+      {2147483648.0, VT_I4, DISP_E_OVERFLOW},
+      {-2147483648.0, VT_I4, S_OK},
+      {-2147483649.0, VT_I4, DISP_E_OVERFLOW},
+      {9223372036854775808.0, VT_I8, DISP_E_OVERFLOW},
+      {-9223372036854775808.0, VT_I8, S_OK},
+      {9223372036854775808.0, VT_UI8, S_OK},
+      {1e39, VT_R4, DISP_E_OVERFLOW},
+      {1e300, VT_CY, DISP_E_OVERFLOW},
+      {2958465.9, VT_DATE, S_OK},
+      {2958466, VT_DATE, DISP_E_OVERFLOW},
   };
   for (const Case& c : cases) {
     VARIANT result;
@@ -559,16 +568,11 @@ struct DateCase {
 
 // wYear, wMonth, wDayOfWeek, wDay, wHour, wMinute, wSecond, wMilliseconds
 const DateCase kDates[] = {
-    {{1899, 12, 6, 30, 0, 0, 0, 0}, 0},
-    {{1899, 12, 6, 30, 6, 0, 0, 0}, 0.25},
-    {{1899, 12, 5, 29, 6, 0, 0, 0}, -1.25},
-    {{1899, 12, 5, 29, 0, 0, 0, 0}, -1},
-    {{1900, 1, 1, 1, 0, 0, 0, 0}, 2},
-    {{1900, 3, 4, 1, 0, 0, 0, 0}, 61},
-    {{1970, 1, 4, 1, 0, 0, 0, 0}, 25569},
-    {{2024, 2, 4, 29, 12, 0, 0, 0}, 45351.5},
-    {{100, 1, 5, 1, 0, 0, 0, 0}, -657434},
-    {{9999, 12, 5, 31, 18, 0, 0, 0}, 2958465.75},
+    {{1899, 12, 6, 30, 0, 0, 0, 0}, 0},     {{1899, 12, 6, 30, 6, 0, 0, 0}, 0.25},
+    {{1899, 12, 5, 29, 6, 0, 0, 0}, -1.25}, {{1899, 12, 5, 29, 0, 0, 0, 0}, -1},
+    {{1900, 1, 1, 1, 0, 0, 0, 0}, 2},       {{1900, 3, 4, 1, 0, 0, 0, 0}, 61},
+    {{1970, 1, 4, 1, 0, 0, 0, 0}, 25569},   {{2024, 2, 4, 29, 12, 0, 0, 0}, 45351.5},
+    {{100, 1, 5, 1, 0, 0, 0, 0}, -657434},  {{9999, 12, 5, 31, 18, 0, 0, 0}, 2958465.75},
 };
 
 TEST(OleDateTest, DatesFollowTableBothWays) {
