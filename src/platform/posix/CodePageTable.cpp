@@ -1,6 +1,7 @@
 #include "platform/posix/CodePageTable.h"
 
 #include <unicode/ucnv.h>
+#include <unicode/unorm2.h>
 
 #include <map>
 #include <mutex>
@@ -20,21 +21,21 @@ struct NamedCodePage {
 
 // Names of tables that agree with Windows' where ICU has several of one code page.
 constexpr NamedCodePage kNames[] = {
-    {437, "ibm-437"},           {737, "ibm-737"},           {775, "ibm-775"},
-    {850, "ibm-850"},           {852, "ibm-852"},           {855, "ibm-855"},
-    {857, "ibm-857"},           {858, "ibm-858"},           {860, "ibm-860"},
-    {861, "ibm-861"},           {862, "ibm-862"},           {863, "ibm-863"},
-    {864, "ibm-864"},           {865, "ibm-865"},           {866, "ibm-866"},
-    {869, "ibm-869"},           {720, "ibm-720"},           {874, "windows-874-2000"},
-    {932, "ibm-943_P15A-2003"}, {936, "windows-936-2000"},  {949, "windows-949-2000"},
-    {950, "windows-950-2000"},  {1250, "windows-1250"},     {1251, "windows-1251"},
-    {1252, "windows-1252"},     {1253, "windows-1253"},     {1254, "windows-1254"},
-    {1255, "windows-1255"},     {1256, "windows-1256"},     {1257, "windows-1257"},
-    {1258, "windows-1258"},     {10000, "macintosh"},       {20127, "US-ASCII"},
-    {20866, "KOI8-R"},          {21866, "KOI8-U"},          {28591, "ISO-8859-1"},
-    {28592, "ISO-8859-2"},      {28593, "ISO-8859-3"},      {28594, "ISO-8859-4"},
-    {28595, "ISO-8859-5"},      {28596, "ISO-8859-6"},      {28597, "ISO-8859-7"},
-    {28598, "ISO-8859-8"},      {28599, "ISO-8859-9"},      {28603, "ISO-8859-13"},
+    {437, "ibm-437"},           {737, "ibm-737"},          {775, "ibm-775"},
+    {850, "ibm-850"},           {852, "ibm-852"},          {855, "ibm-855"},
+    {857, "ibm-857"},           {858, "ibm-858"},          {860, "ibm-860"},
+    {861, "ibm-861"},           {862, "ibm-862"},          {863, "ibm-863"},
+    {864, "ibm-864"},           {865, "ibm-865"},          {866, "ibm-866"},
+    {869, "ibm-869"},           {720, "ibm-720"},          {874, "windows-874-2000"},
+    {932, "ibm-943_P15A-2003"}, {936, "windows-936-2000"}, {949, "windows-949-2000"},
+    {950, "windows-950-2000"},  {1250, "windows-1250"},    {1251, "windows-1251"},
+    {1252, "windows-1252"},     {1253, "windows-1253"},    {1254, "windows-1254"},
+    {1255, "windows-1255"},     {1256, "windows-1256"},    {1257, "windows-1257"},
+    {1258, "windows-1258"},     {10000, "macintosh"},      {20127, "US-ASCII"},
+    {20866, "KOI8-R"},          {21866, "KOI8-U"},         {28591, "ISO-8859-1"},
+    {28592, "ISO-8859-2"},      {28593, "ISO-8859-3"},     {28594, "ISO-8859-4"},
+    {28595, "ISO-8859-5"},      {28596, "ISO-8859-6"},     {28597, "ISO-8859-7"},
+    {28598, "ISO-8859-8"},      {28599, "ISO-8859-9"},     {28603, "ISO-8859-13"},
     {28605, "ISO-8859-15"},
 };
 
@@ -91,6 +92,19 @@ std::uint16_t EncodeOne(UConverter* converter, char16_t c) {
   const auto first = static_cast<unsigned char>(bytes[0]);
   if (count == 1) return first;
   return static_cast<std::uint16_t>(first * 256 + static_cast<unsigned char>(bytes[1]));
+}
+
+// The ASCII letter that `c` is with a mark upon it, else kUndefined. Windows' tables of single-byte
+// code pages let it stand for the letter that they lack (A with macron is A in 1252).
+std::uint16_t BaseLetter(const UNormalizer2* normalizer, char16_t c) {
+  UChar parts[16];
+  UErrorCode status = U_ZERO_ERROR;
+  const int32_t count = unorm2_normalize(normalizer, &c, 1, parts, 16, &status);
+  if (U_FAILURE(status) || count < 2) return CodePageTable::kUndefined;
+  const char16_t base = parts[0];
+  const bool isLetter = (base >= u'A' && base <= u'Z') || (base >= u'a' && base <= u'z');
+  const bool isMark = parts[1] >= 0x0300 && parts[1] <= 0x036F;
+  return isLetter && isMark ? base : CodePageTable::kUndefined;
 }
 
 bool IsSurrogate(std::uint32_t c) { return (c & 0xF800u) == 0xD800u; }
@@ -162,6 +176,8 @@ std::unique_ptr<CodePageTable> CodePageTable::Load(UINT codePage) {
   }
   if (codePage == 932) table->defaultCharacter_ = 0x30FB;
 
+  const UNormalizer2* const normalizer = unorm2_getNFDInstance(&status);
+  const bool fitLetters = rows == 0 && normalizer != nullptr;
   table->encode_.resize(0x10000, kUndefined);
   for (std::uint32_t c = 0; c < 0x10000; ++c) {
     const auto unit = static_cast<char16_t>(c);
@@ -169,6 +185,9 @@ std::unique_ptr<CodePageTable> CodePageTable::Load(UINT codePage) {
       table->encode_[c] = static_cast<std::uint16_t>(c);
     } else if (!IsSurrogate(c)) {
       table->encode_[c] = EncodeOne(converter.get(), unit);
+      if (table->encode_[c] == kUndefined && fitLetters) {
+        table->encode_[c] = BaseLetter(normalizer, unit);
+      }
     }
   }
   // What a single byte decodes to always encodes to it again, patched bytes included.
