@@ -42,7 +42,7 @@ class ClassFactory : public IClassFactory {
 
   // Objects of our classes are not aggregated: CLASS_E_NOAGGREGATION with an outer object.
   HRESULT STDMETHODCALLTYPE CreateInstance(IUnknown* outer, REFIID iid, void** result) override
-  try {
+      try {
     if (result == nullptr) return E_POINTER;
     *result = nullptr;
     if (outer != nullptr) return CLASS_E_NOAGGREGATION;

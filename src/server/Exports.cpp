@@ -1,9 +1,8 @@
 // The module's entries.
-#include "host/interfaces/HostInternalUnknown.h"
-#include "server/ClassTable.h"
-
 #include "host/com/ComCatch.h"
 #include "host/com/LiveObjects.h"
+#include "host/interfaces/HostInternalUnknown.h"
+#include "server/ClassTable.h"
 
 using quenra::ClassEntry;
 using quenra::ComPtr;

@@ -26,7 +26,7 @@ class SingletonClassFactory final : public ClassFactory<T>, public ISingleton {
   ULONG STDMETHODCALLTYPE Release() override { return ClassFactory<T>::Release(); }
 
   HRESULT STDMETHODCALLTYPE CreateInstance(IUnknown* outer, REFIID iid, void** result) override
-  try {
+      try {
     if (result == nullptr) return E_POINTER;
     *result = nullptr;
     if (outer != nullptr) return CLASS_E_NOAGGREGATION;

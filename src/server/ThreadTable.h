@@ -38,9 +38,9 @@ class ThreadTable {
   // The thread must have no entry yet. Nothing changes when memory is exhausted (std::bad_alloc).
   void Insert(Entry entry) {
     Bucket& bucket = BucketOf(entry.thread);
-    const auto place = std::upper_bound(
-        bucket.begin(), bucket.end(), KeyOf(entry.thread),
-        [](DWORD key, const Entry& other) { return key < KeyOf(other.thread); });
+    const auto place =
+        std::upper_bound(bucket.begin(), bucket.end(), KeyOf(entry.thread),
+                         [](DWORD key, const Entry& other) { return key < KeyOf(other.thread); });
     bucket.insert(place, std::move(entry));
   }
 
