@@ -1,0 +1,48 @@
+# Settings that hold for every target.
+
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+set(CMAKE_CXX_VISIBILITY_PRESET hidden)
+set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
+
+# Program, module and host library side by side: the program finds both in its own folder.
+set(CMAKE_RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/bin")
+set(CMAKE_LIBRARY_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/bin")
+set(CMAKE_BUILD_RPATH_USE_ORIGIN ON)
+
+# Where host library and module are installed, from the prefix and from the program's folder.
+if(WIN32)
+  set(QUENRA_MODULE_INSTALL_FOLDER "${CMAKE_INSTALL_BINDIR}")
+  set(QUENRA_MODULE_FOLDER_FROM_PROGRAM ".")
+  set(QUENRA_LIBRARY_PREFIX "")
+  add_compile_definitions(UNICODE _UNICODE NOMINMAX WIN32_LEAN_AND_MEAN)
+else()
+  # Not CMAKE_INSTALL_LIBDIR: the program finds this folder relative to its own, and Debian's
+  # multi-arch name in it would only make that path longer.
+  set(QUENRA_MODULE_INSTALL_FOLDER "lib/quenra")
+  set(QUENRA_MODULE_FOLDER_FROM_PROGRAM "../lib/quenra")
+  set(QUENRA_LIBRARY_PREFIX "lib")
+endif()
+
+if(NOT CMAKE_BUILD_TYPE AND NOT CMAKE_CONFIGURATION_TYPES)
+  set(CMAKE_BUILD_TYPE Release CACHE STRING "Build type" FORCE)
+endif()
+
+if(SANITIZE)
+  add_compile_options(-fsanitize=${SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  add_link_options(-fsanitize=${SANITIZE})
+endif()
+if(SANITIZE OR CMAKE_BUILD_TYPE STREQUAL "Debug")
+  # Bounds and iterator checks of the standard library, without a change of its layout.
+  add_compile_definitions(_GLIBCXX_ASSERTIONS)
+endif()
+if(BUILD_FUZZERS)
+  if(NOT CMAKE_CXX_COMPILER_ID MATCHES "Clang")
+    message(FATAL_ERROR "BUILD_FUZZERS needs clang++ (use the preset fuzz)")
+  endif()
+  # Coverage counters for libFuzzer in every library; its main() comes with the targets alone.
+  add_compile_options(-fsanitize=fuzzer-no-link)
+endif()
