@@ -68,10 +68,10 @@ enum VARENUM {
 // Ten-thousandths of a currency unit.
 union CY {
   struct {
-    std::uint32_t Lo;
-    std::int32_t Hi;
-  } parts;
-  std::int64_t int64;
+    ULONG Lo;
+    LONG Hi;
+  };
+  LONGLONG int64;
 };
 
 struct SAFEARRAYBOUND {
