@@ -3,6 +3,7 @@
 #include <cstdlib>
 
 #include "host/CoreSupport/DatetimeHelper.h"
+#include "host/com/ComPtr.h"
 
 namespace TextTables {
 
@@ -85,15 +86,9 @@ IsoText IsoUnixTime(LONG seconds) noexcept {
 }
 
 bool ReadTimestamp(IUnknown* object, Timestamp& timestamp) noexcept {
-  if (object == nullptr) return false;
-  quenra::HostTimestampOffset* values = nullptr;
-  if (FAILED(object->QueryInterface(quenra::IID_HostTimestampOffset,
-                                    reinterpret_cast<void**>(&values))))
-    return false;
-  const bool read = !FAILED(values->GetDate(&timestamp.date)) &&
-                    !FAILED(values->GetOffsetMinutes(&timestamp.offsetMinutes));
-  values->Release();
-  return read;
+  const auto values = quenra::QueryFor<quenra::HostTimestampOffset>(object);
+  return values && !FAILED(values->GetDate(&timestamp.date)) &&
+         !FAILED(values->GetOffsetMinutes(&timestamp.offsetMinutes));
 }
 
 }  // namespace TextTables

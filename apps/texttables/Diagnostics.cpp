@@ -1,6 +1,7 @@
 #include "Diagnostics.h"
 
 #include <algorithm>
+#include <utility>
 #include <vector>
 
 #include "Bstr.h"
@@ -42,9 +43,8 @@ std::vector<ChainedError> TakeChain() {
   std::vector<ChainedError> errors;
   quenra::ComPtr<IErrorInfo> info;
   if (::GetErrorInfo(0, info.Receive()) != S_OK || !info) return errors;
-  quenra::ComPtr<quenra::HostChainedError> error;
-  if (FAILED(info->QueryInterface(quenra::IID_HostChainedError,
-                                  reinterpret_cast<void**>(error.Receive())))) {
+  auto error = info.As<quenra::HostChainedError>();
+  if (!error) {
     errors.push_back(ReadPlain(info.Get()));
     return errors;
   }
