@@ -2,7 +2,8 @@
 #   unit_tests    platform, host and core, linked with them
 #   module_tests  the built module through its exports alone
 #   cli_tests     the built program alone
-# Each writes its results to <build>/test-results/<name>.json, from which scripts/test counts.
+# and include_rules, which holds the includes of src/ and apps/ against the architecture.
+# Each program writes its results to <build>/test-results/<name>.json, from which scripts/test counts.
 
 find_package(GTest REQUIRED)
 
@@ -60,4 +61,8 @@ if(cli_test_sources AND TARGET quenraDataSourcesFile AND TARGET texttables)
   add_test_program(cli_tests ${cli_test_sources})
   target_link_libraries(cli_tests PRIVATE nlohmann_json::nlohmann_json)
   add_dependencies(cli_tests quenraDataSourcesFile texttables)
+endif()
+
+if(NOT WIN32)
+  add_test(NAME include_rules COMMAND "${PROJECT_SOURCE_DIR}/scripts/check-includes")
 endif()
