@@ -1,6 +1,7 @@
 #include "platform/posix/CodePageTable.h"
 
 #include <unicode/ucnv.h>
+#include <unicode/unorm2.h>
 
 #include <map>
 #include <mutex>
@@ -93,6 +94,19 @@ std::uint16_t EncodeOne(UConverter* converter, char16_t c) {
   return static_cast<std::uint16_t>(first * 256 + static_cast<unsigned char>(bytes[1]));
 }
 
+// The ASCII letter that `c` is with a mark upon it, else kUndefined. Windows' tables of single-byte
+// code pages let it stand for the letter that they lack (A with macron is A in 1252).
+std::uint16_t BaseLetter(const UNormalizer2* normalizer, char16_t c) {
+  UChar parts[16];
+  UErrorCode status = U_ZERO_ERROR;
+  const int32_t count = unorm2_normalize(normalizer, &c, 1, parts, 16, &status);
+  if (U_FAILURE(status) || count < 2) return CodePageTable::kUndefined;
+  const char16_t base = parts[0];
+  const bool isLetter = (base >= u'A' && base <= u'Z') || (base >= u'a' && base <= u'z');
+  const bool isMark = parts[1] >= 0x0300 && parts[1] <= 0x036F;
+  return isLetter && isMark ? base : CodePageTable::kUndefined;
+}
+
 bool IsSurrogate(std::uint32_t c) { return (c & 0xF800u) == 0xD800u; }
 
 }  // namespace
@@ -162,6 +176,8 @@ std::unique_ptr<CodePageTable> CodePageTable::Load(UINT codePage) {
   }
   if (codePage == 932) table->defaultCharacter_ = 0x30FB;
 
+  const UNormalizer2* const normalizer = unorm2_getNFDInstance(&status);
+  const bool fitLetters = rows == 0 && normalizer != nullptr;
   table->encode_.resize(0x10000, kUndefined);
   for (std::uint32_t c = 0; c < 0x10000; ++c) {
     const auto unit = static_cast<char16_t>(c);
@@ -169,6 +185,9 @@ std::unique_ptr<CodePageTable> CodePageTable::Load(UINT codePage) {
       table->encode_[c] = static_cast<std::uint16_t>(c);
     } else if (!IsSurrogate(c)) {
       table->encode_[c] = EncodeOne(converter.get(), unit);
+      if (table->encode_[c] == kUndefined && fitLetters) {
+        table->encode_[c] = BaseLetter(normalizer, unit);
+      }
     }
   }
   // What a single byte decodes to always encodes to it again, patched bytes included.

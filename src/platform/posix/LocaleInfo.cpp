@@ -11,7 +11,7 @@ namespace {
 
 constexpr LCTYPE kFlags = LOCALE_NOUSEROVERRIDE | LOCALE_USE_CP_ACP | LOCALE_RETURN_NUMBER;
 
-// Every locale that Windows ships shows two decimals and a zero before the decimal symbol.
+// ICU has no such settings; these are what nearly every locale of Windows has.
 constexpr int kDigits = 2;
 constexpr int kLeadingZeros = 1;
 
