@@ -14,6 +14,13 @@ namespace quenra {
 template <class Interface>
 inline constexpr const IID& kInterfaceId = Interface::kMissingInterfaceId;
 
+// The interface that `Interface` extends. An interface that extends another than IUnknown
+// specialises this beside itself; a query for the other is then answered on the same face.
+template <class Interface>
+struct BaseInterface {
+  using Type = IUnknown;
+};
+
 template <>
 inline constexpr const IID& kInterfaceId<IUnknown> = IID_IUnknown;
 template <>

@@ -105,5 +105,9 @@ inline constexpr IID IID_IDatasetFileStat2 =
     {0xc83d2e07, 0xaa1c, 0x4e33, {0xba, 0xc6, 0x6d, 0x44, 0x91, 0xe4, 0x69, 0xe6}};
 template <>
 inline constexpr const IID& kInterfaceId<IDatasetFileStat2> = IID_IDatasetFileStat2;
+template <>
+struct BaseInterface<IDatasetFileStat2> {
+  using Type = IDatasetFileStat;
+};
 
 }  // namespace quenra

@@ -38,6 +38,10 @@ inline constexpr IID IID_IPlugInWorkspaceFactoryHelper2 =
     {0x33556592, 0x6b0a, 0x494f, {0xa0, 0x6a, 0x46, 0xe9, 0xf7, 0x69, 0xd8, 0x88}};
 template <>
 inline constexpr const IID& kInterfaceId<IPlugInWorkspaceFactoryHelper2> = IID_IPlugInWorkspaceFactoryHelper2;
+template <>
+struct BaseInterface<IPlugInWorkspaceFactoryHelper2> {
+  using Type = IPlugInWorkspaceFactoryHelper;
+};
 
 // Named switches, compared without regard to case, that later workspaces inherit.
 struct IWorkspaceFactoryOpenOptions : public IUnknown {

@@ -1,0 +1,22 @@
+// On Windows: the registry.
+#include "host/com/ProgIds.h"
+
+#ifdef _WIN32
+
+namespace quenra {
+
+void RegisterProgId(const CLSID&, std::u16string_view) {}
+
+HRESULT ProgIdOfClass(const CLSID& classId, BSTR* progId) noexcept {
+  *progId = nullptr;
+  LPOLESTR text = nullptr;
+  const HRESULT result = ::ProgIDFromCLSID(classId, &text);
+  if (FAILED(result)) return result;
+  *progId = ::SysAllocString(text);
+  ::CoTaskMemFree(text);
+  return *progId != nullptr ? S_OK : E_OUTOFMEMORY;
+}
+
+}  // namespace quenra
+
+#endif
