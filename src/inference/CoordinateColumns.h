@@ -1,0 +1,24 @@
+// Which columns hold latitudes and longitudes as text, and the fields that they get.
+#pragma once
+
+#include <vector>
+
+#include "host/DataCore/LatLongFormat.h"
+#include "inference/ColumnState.h"
+#include "reading/Record.h"
+#include "schema/FieldDefinition.h"
+
+namespace TextFile {
+
+// Tests one row: a column stays a candidate only while each of its texts holds both coordinates,
+// or forms them together with the text of the next column.
+void DetectCoordinates(const quenra::LatLongFormat& format, const Record& record,
+                       ColumnStates& columns) noexcept;
+
+// Puts the virtual coordinate fields behind the fields of the candidates: `fields` holds one
+// field a column, and `columns` their states.
+//   one text:   Location, Location_X, Location_Y
+//   two texts:  Lat, Lon, Lat_D, Lon_D
+void InsertCoordinateFields(const ColumnStates& columns, std::vector<FieldDefinition>& fields);
+
+}  // namespace TextFile

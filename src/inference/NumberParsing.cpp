@@ -1,0 +1,147 @@
+#include "inference/NumberParsing.h"
+
+#include <charconv>
+#include <limits>
+#include <string>
+
+#include "host/CoreSupport/CharacterClasses.h"
+
+namespace TextFile {
+
+namespace {
+
+using quenra::TrimWhiteSpace;
+
+// A text as narrow characters, on the stack for every number of ordinary length.
+class NarrowText {
+ public:
+  explicit NarrowText(std::size_t capacity) {
+    if (capacity > sizeof(local_)) {
+      heap_.resize(capacity);
+      begin_ = heap_.data();
+    }
+    end_ = begin_;
+  }
+  NarrowText(const NarrowText&) = delete;
+  NarrowText& operator=(const NarrowText&) = delete;
+
+  void Append(char c) noexcept { *end_++ = c; }
+  const char* begin() const noexcept { return begin_; }
+  const char* end() const noexcept { return end_; }
+
+ private:
+  char local_[128];
+  std::string heap_;
+  char* begin_ = local_;
+  char* end_ = local_;
+};
+
+// The whole of [begin, end) as one value; false when anything is left over or out of range.
+template <class Number>
+bool ReadWhole(const char* begin, const char* end, Number& number) noexcept {
+  const auto [last, error] = std::from_chars(begin, end, number);
+  return error == std::errc() && last == end;
+}
+
+template <class Integer>
+bool ReadInteger(const char* begin, const char* end, NumberValue& value) noexcept {
+  Integer integer = 0;
+  if (!ReadWhole(begin, end, integer)) return false;
+  value.integer = integer;
+  return true;
+}
+
+bool ReadAs(FieldType type, const char* begin, const char* end, NumberValue& value) noexcept {
+  switch (type) {
+    case FieldType::kSmallInteger:
+      return ReadInteger<std::int16_t>(begin, end, value);
+    case FieldType::kInteger:
+      return ReadInteger<std::int32_t>(begin, end, value);
+    case FieldType::kBigInteger:
+      return ReadInteger<std::int64_t>(begin, end, value);
+    case FieldType::kSingle:
+      return ReadWhole(begin, end, value.single);
+    case FieldType::kDouble:
+      return ReadWhole(begin, end, value.real);
+    default:
+      return false;
+  }
+}
+
+// Copies the text with "." as decimal symbol and without grouping symbols. False when a character
+// is not ASCII.
+bool Narrow(const NumberFormat::Settings& settings, std::u16string_view text, NarrowText& narrow) {
+  const char16_t grouping = settings.GroupingSymbol();
+  for (const char16_t unit : text) {
+    if (unit > 127) return false;
+    if (unit == grouping) continue;
+    narrow.Append(unit == settings.decimalSymbol ? '.' : static_cast<char>(unit));
+  }
+  return true;
+}
+
+bool HasOnlyNumberCharacters(std::u16string_view text) noexcept {
+  for (const char16_t unit : text) {
+    const bool digit = unit >= u'0' && unit <= u'9';
+    if (!digit && unit != u'.' && unit != u',' && unit != u'-' && unit != u'+' && unit != u'E' &&
+        unit != u'e')
+      return false;
+  }
+  return true;
+}
+
+}  // namespace
+
+bool NumberFormat::IsValidGrouping(const Settings& settings, std::u16string_view text) noexcept {
+  const char16_t grouping = settings.GroupingSymbol();
+  bool found = false;
+  std::size_t groupLength = 0;
+  std::size_t i = 0;
+  for (; i < text.size() && text[i] != settings.decimalSymbol; ++i) {
+    if (text[i] != grouping) {
+      ++groupLength;
+      continue;
+    }
+    if (found ? groupLength != 3 : groupLength > 3) return false;
+    found = true;
+    groupLength = 0;
+  }
+  if (!found || (groupLength != 3 && groupLength != 0)) return false;
+  if (i == text.size()) return true;
+  for (const char16_t unit : text.substr(i + 1))
+    if (unit == grouping || unit == settings.decimalSymbol) return false;
+  return true;
+}
+
+bool NumberFormat::Convert(const Settings& settings, std::u16string_view text, FieldType type,
+                           NumberValue& value) {
+  // Judged before trimming: white space counts as part of its group.
+  const bool grouped = text.find(settings.GroupingSymbol()) != std::u16string_view::npos;
+  if (grouped && !IsValidGrouping(settings, text)) return false;
+
+  text = TrimWhiteSpace(text);
+  NarrowText narrow(text.size());
+  if (!Narrow(settings, text, narrow)) return false;
+  const char* begin = narrow.begin();
+  if (begin != narrow.end() && *begin == '+') ++begin;
+  return ReadAs(type, begin, narrow.end(), value);
+}
+
+FieldType NumberFormat::Classify(const Settings& settings, std::u16string_view text,
+                                 std::uint32_t version) {
+  text = TrimWhiteSpace(text);
+  NumberValue real;
+  if (!HasOnlyNumberCharacters(text) || !Convert(settings, text, FieldType::kDouble, real))
+    return FieldType::kUndetermined;
+  NumberValue whole;
+  if (Convert(settings, text, FieldType::kInteger, whole) &&
+      static_cast<double>(whole.integer) == real.real)
+    return FieldType::kInteger;
+  if (version >= kFirstVersionWithNewTypes &&
+      Convert(settings, text, FieldType::kBigInteger, whole) &&
+      static_cast<double>(whole.integer) == real.real)
+    return FieldType::kBigInteger;
+  return FieldType::kDouble;
+}
+
+}  // namespace TextFile

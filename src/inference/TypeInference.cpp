@@ -1,0 +1,293 @@
+#include "inference/TypeInference.h"
+
+#include <algorithm>
+#include <charconv>
+#include <string>
+
+#include "host/CoreSupport/CharacterClasses.h"
+#include "host/CoreSupport/QUENRALocale.h"
+#include "inference/CoordinateColumns.h"
+#include "inference/NumberParsing.h"
+
+namespace TextFile {
+
+namespace {
+
+constexpr std::size_t kDefaultUpperLimit = 100;  // rows
+constexpr std::size_t kLowerLimit = 10;          // rows, while a column is still open
+constexpr std::size_t kLowerLimitWhenDeclared = 1;
+
+// The type of a column that has seen values of both types.
+FieldType Merge(FieldType column, FieldType value) noexcept {
+  if (column == FieldType::kUndetermined) return value;
+  if (value == FieldType::kUndetermined || column == value) return column;
+  if (!IsNumericType(column) || !IsNumericType(value)) return FieldType::kString;
+  for (const FieldType wider : {FieldType::kDouble, FieldType::kSingle, FieldType::kBigInteger,
+                                FieldType::kInteger})
+    if (column == wider || value == wider) return wider;
+  return FieldType::kSmallInteger;
+}
+
+// The first dated value seeds the set; each later one narrows it. A set that has run empty is
+// seeded afresh.
+void MergeDateOrders(DateOrders& orders, DateOrders found) noexcept {
+  if (orders.empty())
+    orders = found;
+  else
+    orders.IntersectWith(found);
+}
+
+DateOrder LocaleDateOrder() {
+  const std::u16string order = quenra::QUENRALocale::Value(LOCALE_IDATE, 2);
+  if (order == u"1") return DateOrder::kDayMonthYear;
+  return order == u"2" ? DateOrder::kYearMonthDay : DateOrder::kMonthDayYear;
+}
+
+std::u16string GeneratedName(std::size_t position) {
+  char digits[24];
+  const auto end = std::to_chars(digits, digits + sizeof(digits), position + 1).ptr;
+  return u"Field" + std::u16string(digits, end);
+}
+
+}  // namespace
+
+TypeInference::TypeInference(Reader& reader, SchemaOptions& options,
+                             const OpenOptions& openOptions)
+    : reader_(reader), options_(options), openOptions_(openOptions) {
+  StartFromDeclaredColumns();
+}
+
+void TypeInference::StartFromDeclaredColumns() {
+  columns_.clear();
+  if (options_.columns.empty()) return;
+  columns_.resize(static_cast<std::size_t>(options_.columns.rbegin()->first) + 1);
+  for (const auto& [index, definition] : options_.columns)
+    columns_[static_cast<std::size_t>(index)] = ColumnState(definition);
+}
+
+bool TypeInference::ReadRecord() {
+  if (!reader_.ReadRecord()) return false;
+  lastRecordSize_ = reader_.record().size();
+  return true;
+}
+
+// ---------------------------------------------------------------------------------------------
+// Header
+// ---------------------------------------------------------------------------------------------
+
+HeaderReading TypeInference::ReadHeader() {
+  HeaderReading reading;
+  reader_.Rewind();
+  reading.foundRecord = ReadRecord();
+  reading.reachedEnd = reader_.StreamAtEnd();
+  if (!options_.IsSpecified(SchemaOptions::kColNameHeader))
+    options_.columnNameHeader = reading.foundRecord && IsHeader();
+  if (options_.columnNameHeader) {
+    if (reading.foundRecord) NameColumns();
+    return reading;
+  }
+  // A first row that ends in a line end may still be all there is.
+  if (!reading.reachedEnd && !ReadRecord()) reading.reachedEnd = true;
+  reader_.Rewind();
+  return reading;
+}
+
+void TypeInference::ForgetHeader() {
+  StartFromDeclaredColumns();
+}
+
+bool TypeInference::IsHeader() const {
+  const Record& record = reader_.record();
+  for (std::size_t i = 0; i < record.size(); ++i) {
+    DateClass date;
+    const FieldType type = Classify(record[i], date);
+    if (type != FieldType::kString && type != FieldType::kUndetermined) return false;
+  }
+  return true;
+}
+
+void TypeInference::NameColumns() {
+  const Record& record = reader_.record();
+  if (columns_.size() < record.size()) columns_.resize(record.size());
+  for (std::size_t i = 0; i < record.size(); ++i)
+    if (columns_[i].name.empty()) columns_[i].name = quenra::TrimBlanks(record[i]);
+}
+
+// ---------------------------------------------------------------------------------------------
+// Rows
+// ---------------------------------------------------------------------------------------------
+
+// The type of one value, whatever its column is.
+FieldType TypeInference::Classify(std::u16string_view text, DateClass& date) const {
+  if (text.empty()) return FieldType::kUndetermined;
+  if (ClassifyDate(text, openOptions_.fieldTypeVersion, openOptions_.inferTimeOnlyFields, date))
+    return date.type;
+  const std::u16string& symbol = options_.currency.symbol;
+  if (text.find(symbol) != std::u16string_view::npos) {
+    double amount = 0;
+    if (ParseCurrency(options_.currency, text, amount)) return FieldType::kDouble;
+  }
+  const FieldType number =
+      NumberFormat::Classify(options_.number, text, openOptions_.fieldTypeVersion);
+  return number == FieldType::kUndetermined ? FieldType::kString : number;
+}
+
+bool TypeInference::Scan() {
+  const bool allDeclared = std::all_of(columns_.begin(), columns_.end(), [](const ColumnState& c) {
+    return c.declared != nullptr;
+  });
+  const std::size_t lowerLimit = allDeclared ? kLowerLimitWhenDeclared : kLowerLimit;
+  // Columns that are first met in a row keep their candidacy even when no coordinates are wanted.
+  if (!openOptions_.generateLatLongFields)
+    for (ColumnState& column : columns_) column.coordinateCandidate = false;
+
+  for (std::size_t rows = 0; AnotherRowIsWanted(rows, lowerLimit) && ReadRecord(); ++rows) {
+    needsMoreRows_ = false;
+    if (!ClassifyRow()) return false;
+    if (openOptions_.generateLatLongFields)
+      DetectCoordinates(latLong_, reader_.record(), columns_);
+    needsMoreRows_ = MoreRowsWouldTell();
+  }
+  DecideDecimalSymbol();
+  return true;
+}
+
+bool TypeInference::AnotherRowIsWanted(std::size_t rows, std::size_t lowerLimit) const noexcept {
+  if (rows < lowerLimit) return true;
+  if (!needsMoreRows_) return false;
+  if (openOptions_.readAsManyRowsAsNeeded) return true;
+  if (!options_.IsSpecified(SchemaOptions::kMaxScanRows)) return rows < kDefaultUpperLimit;
+  return options_.maxScanRows == 0 || rows < options_.maxScanRows;
+}
+
+bool TypeInference::MoreRowsWouldTell() const noexcept {
+  return std::any_of(columns_.begin(), columns_.end(), [](const ColumnState& column) {
+    return column.type == FieldType::kUndetermined || IsIntegerType(column.type) ||
+           (IsDateType(column.type) && column.dateOrders.size() >= 2);
+  });
+}
+
+bool TypeInference::ClassifyRow() {
+  const Record& record = reader_.record();
+  for (std::size_t i = 0; i < record.size(); ++i) {
+    const std::u16string_view text = record[i];
+    if (i >= columns_.size()) {
+      if (options_.columnNameHeader) {
+        if (!text.empty()) return false;
+        continue;
+      }
+      columns_.emplace_back();
+    }
+    if (text.empty()) continue;
+    columns_[i].hasValue = true;
+    if (columns_[i].declared != nullptr)
+      CheckDeclared(columns_[i], text);
+    else if (columns_[i].type != FieldType::kString)
+      ClassifyField(columns_[i], text);
+  }
+  return true;
+}
+
+// A declared column keeps its type, but a date without a pattern takes the kind of the last date
+// that was read, and a floating-point number settles the decimal symbol.
+void TypeInference::CheckDeclared(ColumnState& column, std::u16string_view text) {
+  if (IsDateType(column.type) && !column.HasDatePattern()) {
+    DateClass date;
+    if (!ClassifyDate(text, openOptions_.fieldTypeVersion, openOptions_.inferTimeOnlyFields, date))
+      return;
+    column.type = date.type;
+    column.fractionalSeconds = date.fractionalSeconds;
+    MergeDateOrders(column.dateOrders, date.orders);
+  } else if (column.type == FieldType::kSingle || column.type == FieldType::kDouble) {
+    CheckDecimalSymbol(text);
+  }
+}
+
+void TypeInference::CheckDecimalSymbol(std::u16string_view text) {
+  const std::uint32_t version = openOptions_.fieldTypeVersion;
+  if (NumberFormat::Classify(options_.number, text, version) != FieldType::kUndetermined) return;
+  if (TypeWithOtherDecimalSymbol(text) == FieldType::kString) return;
+  char16_t& decimal = options_.number.decimalSymbol;
+  decimal = NumberFormat::SwappedDecimalSymbol(decimal);
+}
+
+FieldType TypeInference::TypeWithOtherDecimalSymbol(std::u16string_view text) const {
+  NumberFormat::Settings swapped = options_.number;
+  swapped.decimalSymbol = NumberFormat::SwappedDecimalSymbol(swapped.decimalSymbol);
+  const FieldType type = NumberFormat::Classify(swapped, text, openOptions_.fieldTypeVersion);
+  return type == FieldType::kUndetermined ? FieldType::kString : type;
+}
+
+void TypeInference::ClassifyField(ColumnState& column, std::u16string_view text) {
+  DateClass date;
+  column.type = Merge(column.type, Classify(text, date));
+  if (column.alternative == FieldType::kUndetermined && column.type != FieldType::kString) {
+    column.coordinateCandidate = false;
+    if (!IsIntegerType(column.type)) column.alternative = column.type;
+  }
+  if (IsDateType(column.type)) {
+    MergeDateOrders(column.dateOrders, date.orders);
+    column.fractionalSeconds |= date.fractionalSeconds;
+  }
+  if (column.type == FieldType::kTimeOnly) column.fractionalSeconds |= date.fractionalSeconds;
+  if (column.type == FieldType::kDouble) doubleSeen_ = true;
+  const bool decimalGiven = (options_.number.specified & NumberFormat::Settings::kDecimalSymbol) != 0;
+  if (!doubleSeen_ && !decimalGiven && column.alternative == FieldType::kUndetermined)
+    column.alternative = TypeWithOtherDecimalSymbol(text);
+}
+
+// Takes the other decimal symbol when that makes numbers of text columns and breaks no column of
+// whole numbers. A value that was already read as a number with decimals speaks against it.
+void TypeInference::DecideDecimalSymbol() {
+  const bool decimalGiven = (options_.number.specified & NumberFormat::Settings::kDecimalSymbol) != 0;
+  if (doubleSeen_ || decimalGiven) return;
+  const auto gains = [](const ColumnState& column) {
+    return column.type == FieldType::kString && column.alternative == FieldType::kDouble &&
+           column.hasValue;
+  };
+  const auto breaks = [](const ColumnState& column) {
+    return IsIntegerType(column.type) && column.alternative == FieldType::kString;
+  };
+  if (std::none_of(columns_.begin(), columns_.end(), gains)) return;
+  if (std::any_of(columns_.begin(), columns_.end(), breaks)) return;
+
+  for (ColumnState& column : columns_) {
+    if (column.alternative != FieldType::kDouble || !column.hasValue ||
+        column.type == FieldType::kDouble)
+      continue;
+    column.type = FieldType::kDouble;
+    column.coordinateCandidate = false;
+  }
+  char16_t& decimal = options_.number.decimalSymbol;
+  decimal = NumberFormat::SwappedDecimalSymbol(decimal);
+}
+
+// ---------------------------------------------------------------------------------------------
+// Result
+// ---------------------------------------------------------------------------------------------
+
+void TypeInference::WriteFields(std::vector<FieldDefinition>& fields) const {
+  fields.clear();
+  fields.reserve(columns_.size());
+  for (std::size_t i = 0; i < columns_.size(); ++i) fields.push_back(MakeField(columns_[i], i));
+  InsertCoordinateFields(columns_, fields);
+}
+
+FieldDefinition TypeInference::MakeField(const ColumnState& column, std::size_t position) const {
+  FieldDefinition field;
+  if (column.declared != nullptr) field = *column.declared;
+  field.name = column.name.empty() ? GeneratedName(position) : column.name;
+  field.type = column.type == FieldType::kUndetermined ? FieldType::kString : column.type;
+  if (IsDateType(field.type) || field.type == FieldType::kTimeOnly) {
+    field.dateFormat.version = openOptions_.fieldTypeVersion;
+    field.dateFormat.type = field.type;
+    field.dateFormat.fractionalSeconds = column.fractionalSeconds;
+    if (!column.HasDatePattern()) {
+      const DateOrder single = column.dateOrders.Single();
+      field.dateFormat.order = single != DateOrder::kAny ? single : LocaleDateOrder();
+    }
+  }
+  return field;
+}
+
+}  // namespace TextFile

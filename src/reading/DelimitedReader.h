@@ -1,0 +1,39 @@
+// Records whose fields are separated by one character and may be quoted.
+#pragma once
+
+#include "reading/Reader.h"
+
+namespace TextFile {
+
+// Splitting, with the apostrophe as text delimiter:
+//   a,'b,c',d           [a] [b,c] [d]
+//   a,'say ''hi''',b    [a] [say 'hi'] [b]
+//   x, 'q',y            [x] [q] [y]       white space before an opening quote is dropped
+//   x,ab'c,y            [x] [ab'c] [y]    a quote inside unquoted text is a character
+// Fields are not trimmed, blank lines are no records, and a quoted field may hold line ends.
+class DelimitedReader final : public Reader {
+ public:
+  explicit DelimitedReader(const TextDatasetDescription& description);
+
+  bool ReadRecord() override;
+
+  // Tries the current delimiter, then ",", ";", tab, "|" and blank.
+  bool Scan(SchemaOptions& options, std::vector<FieldDefinition>& fields,
+            const OpenOptions& openOptions) override;
+
+ private:
+  enum class Single { kReject, kAccept };  // a record of one field
+
+  void TakeFields();
+  bool TakeQuote(bool quoting);
+  void EndRecord();
+  bool Attempt(Single single, SchemaOptions& options, std::vector<FieldDefinition>& fields,
+               const OpenOptions& openOptions);
+  bool TryDelimiter(char16_t candidate, Single single, SchemaOptions& options,
+                    std::vector<FieldDefinition>& fields, const OpenOptions& openOptions);
+
+  char16_t delimiter_;
+  char16_t textDelimiter_;  // 0: no quoting
+};
+
+}  // namespace TextFile

@@ -1,0 +1,26 @@
+// Records cut into fields by the declared widths of the columns.
+#pragma once
+
+#include "reading/Reader.h"
+
+namespace TextFile {
+
+// Widths count UTF-16 code units of the decoded line. Every field loses its blanks at both ends.
+// A short line has fewer fields than there are columns; what lies behind the last column is
+// dropped. Without columns there are no records.
+class FixedWidthReader final : public Reader {
+ public:
+  explicit FixedWidthReader(const TextDatasetDescription& description);
+
+  bool ReadRecord() override;
+  bool Scan(SchemaOptions& options, std::vector<FieldDefinition>& fields,
+            const OpenOptions& openOptions) override;
+
+ private:
+  void SetWidths(const std::vector<FieldDefinition>& fields);
+  void TakeFields();
+
+  std::vector<std::int64_t> widths_;  // of the file's columns, left to right
+};
+
+}  // namespace TextFile

@@ -1,0 +1,83 @@
+// Turns the lines of a text file into records, and finds out how the file is laid out.
+//
+//   ReaderPtr reader = MakeReader(description);  // reading/ReaderFactory.h
+//   if (!reader->IsOpen()) ...
+//   while (reader->ReadRecord()) Use(reader->record());
+//
+// A reader is made for one scan or for one walk through the file; it is not opened again.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "inference/OpenOptions.h"
+#include "reading/Record.h"
+#include "reading/TextDatasetDescription.h"
+#include "reading/TextLineStream.h"
+
+namespace TextFile {
+
+class TypeInference;
+
+class Reader {
+ public:
+  Reader(const Reader&) = delete;
+  Reader& operator=(const Reader&) = delete;
+
+  // Replaces the current record by the next row of the file. False when there is none: the record
+  // is then empty.
+  virtual bool ReadRecord() = 0;
+
+  // Reads the beginning of the file to settle delimiter, decimal symbol, record terminator, header
+  // and columns, and writes them to `options` and `fields`. False when the file cannot be read as
+  // a table of this kind; `options` may then hold what was tried last.
+  virtual bool Scan(SchemaOptions& options, std::vector<FieldDefinition>& fields,
+                    const OpenOptions& openOptions) = 0;
+
+  // Whether the file could be opened.
+  bool IsOpen() const noexcept { return stream_.IsOpen(); }
+
+  const Record& record() const noexcept { return record_; }
+
+  // No record is held, and the file has no more.
+  bool AtEnd() const noexcept { return record_.empty() && stream_.AtEnd(); }
+
+  // Whether a read has met the end of the file, whatever record is held.
+  bool StreamAtEnd() const noexcept { return stream_.AtEnd(); }
+
+  // Goes back to the first byte of the data. Called between records only; the record stays.
+  void Rewind();
+
+  // LF or CR: ends lines and records. A switch makes LF CR, and CR LF.
+  char recordTerminator() const noexcept { return stream_.lineDelimiter(); }
+  void SwitchRecordTerminator() noexcept { stream_.SwitchLineDelimiter(); }
+
+ protected:
+  explicit Reader(const TextDatasetDescription& description);
+  // Readers are owned as what they are (see ReaderPtr), so this needs not be virtual.
+  ~Reader() = default;
+
+  // Reads the header row through the inference, and tries the other record terminator when the
+  // first record spans the whole file; the one that cuts the file is kept, also in `options`.
+  void ReadHeader(TypeInference& inference, SchemaOptions& options);
+
+  // The next character of the file, the end of a line as the record terminator. False when no
+  // line is left.
+  bool TakeCharacter(char16_t& unit);
+  // The character that TakeCharacter would take from the current line.
+  char16_t PeekCharacter() const noexcept;
+
+  char16_t TerminatorUnit() const noexcept {
+    return static_cast<unsigned char>(stream_.lineDelimiter());
+  }
+
+  Record record_;
+
+ private:
+  TextLineStream stream_;
+  std::u16string line_;      // ends in a zero unit
+  std::size_t cursor_ = 0;   // in line_
+  bool lineUsedUp_ = true;   // the next character comes from the next line
+};
+
+}  // namespace TextFile

@@ -1,0 +1,19 @@
+// What is known of one text table. Every reader is made from it.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "schema/TableSchema.h"
+
+namespace TextFile {
+
+struct TextDatasetDescription {
+  std::u16string name;  // the file's name, extension included
+  std::u16string path;  // its full path
+  SchemaOptions options;
+  bool loaded = false;  // set by OpenTextDataset; the options and fields are final then
+  std::vector<FieldDefinition> fields;
+};
+
+}  // namespace TextFile

@@ -1,0 +1,275 @@
+#include "reading/TextLineStream.h"
+
+#include <algorithm>
+#include <boost/filesystem.hpp>
+#include <cstring>
+#include <fstream>
+#include <locale>
+
+#include "platform/FileNames.h"
+#include "reading/TextDecoding.h"
+
+namespace TextFile {
+
+namespace {
+
+// Ends the input of a text file, as in the days when files had no exact length.
+constexpr char kTextEnd = 0x1A;
+
+// The mark's probe looks at no more than this, though a UTF-32 mark has four bytes.
+constexpr std::size_t kProbeBytes = 3;
+
+std::string_view DropCarriageReturn(std::string_view bytes) noexcept {
+  if (!bytes.empty() && bytes.back() == '\r') bytes.remove_suffix(1);
+  return bytes;
+}
+
+}  // namespace
+
+bool TextLineStream::Open(const std::u16string& path, LineEnding ending) {
+  bytes_.reset();
+  const boost::filesystem::path native(NativeFromFileName(path));
+  boost::system::error_code ignored;
+  // A folder opens as a stream and then fails to read; a pipe could make the caller wait for ever.
+  if (!boost::filesystem::is_regular_file(native, ignored)) return false;
+  auto file = std::make_unique<std::filebuf>();
+  file->pubimbue(std::locale::classic());
+  if (file->open(native.c_str(), std::ios::in | std::ios::binary) == nullptr) return false;
+  Open(std::move(file), ending);
+  return true;
+}
+
+void TextLineStream::Open(std::unique_ptr<std::streambuf> bytes, LineEnding ending,
+                          std::size_t blockSize) {
+  bytes_ = std::move(bytes);
+  terminateLines_ = ending == kTerminateLines;
+  lineDelimiter_ = '\n';
+  blockSize_ = blockSize;
+  next_ = end_ = 0;
+  blockStart_ = 0;
+  exhausted_ = false;
+  ProbeByteOrderMark();
+  atEnd_ = !IsReadable() || !Available();
+}
+
+void TextLineStream::ProbeByteOrderMark() {
+  while (end_ < kProbeBytes && ReadMore()) {
+  }
+  unsigned char probe[kProbeBytes + 1] = {};
+  for (std::size_t i = 0; i < std::min(end_, kProbeBytes) && block_[i] != '\n'; ++i)
+    probe[i] = static_cast<unsigned char>(block_[i]);
+
+  encoding_ = TextEncoding::kUndetermined;
+  dataStart_ = 0;
+  if (probe[0] == 0xEF && probe[1] == 0xBB && probe[2] == 0xBF) {
+    encoding_ = TextEncoding::kUtf8;
+    dataStart_ = 3;
+  } else if (probe[0] == 0xFE && probe[1] == 0xFF) {
+    encoding_ = TextEncoding::kUtf16BE;
+    dataStart_ = 2;
+  } else if (probe[0] == 0x00 && probe[1] == 0x00 && probe[2] == 0xFE && probe[3] == 0xFF) {
+    encoding_ = TextEncoding::kUtf32BE;
+    dataStart_ = 4;
+  } else if (probe[0] == 0xFF && probe[1] == 0xFE) {
+    const bool wide = probe[2] == 0 && probe[3] == 0;
+    encoding_ = wide ? TextEncoding::kUtf32LE : TextEncoding::kUtf16LE;
+    dataStart_ = wide ? 4 : 2;
+  }
+  next_ = std::min<std::size_t>(end_, dataStart_);
+  if (Is8Bit()) CutAtTextEnd(next_);
+}
+
+// Reads one block behind what has not been handed out yet. False when nothing came.
+bool TextLineStream::ReadMore() {
+  if (exhausted_) return false;
+  if (next_ != 0) {
+    std::memmove(block_.get(), block_.get() + next_, end_ - next_);
+    blockStart_ += next_;
+    end_ -= next_;
+    next_ = 0;
+  }
+  if (capacity_ - end_ < blockSize_) {
+    // Doubling keeps the cost of a record of any length linear in its length.
+    const std::size_t capacity = std::max(end_ + blockSize_, 2 * capacity_);
+    auto larger = std::make_unique_for_overwrite<char[]>(capacity);
+    if (end_ != 0) std::memcpy(larger.get(), block_.get(), end_);
+    block_ = std::move(larger);
+    capacity_ = capacity;
+  }
+  std::streamsize count = 0;
+  try {
+    count = bytes_->sgetn(block_.get() + end_, static_cast<std::streamsize>(blockSize_));
+  } catch (const std::ios_base::failure&) {
+    // The device failed in the middle of the file: what came before it is still delivered.
+    count = 0;
+  }
+  if (count <= 0) {
+    exhausted_ = true;
+    return false;
+  }
+  end_ += static_cast<std::size_t>(count);
+  return true;
+}
+
+// Lets the text end before the first byte 1A in block_[from, end_).
+void TextLineStream::CutAtTextEnd(std::size_t from) noexcept {
+  if (from == end_) return;
+  const char* begin = block_.get() + from;
+  const void* hit = std::memchr(begin, kTextEnd, end_ - from);
+  if (hit == nullptr) return;
+  end_ = from + static_cast<std::size_t>(static_cast<const char*>(hit) - begin);
+  exhausted_ = true;
+}
+
+// Whether a byte can be taken; reads on when all have been.
+bool TextLineStream::Available() {
+  if (next_ < end_) return true;
+  if (!ReadMore()) return false;
+  if (Is8Bit()) CutAtTextEnd(0);
+  return next_ < end_;
+}
+
+bool TextLineStream::ReadLine(std::u16string& line) {
+  if (!IsOpen() || !IsReadable() || atEnd_ || !Available()) {
+    atEnd_ = true;
+    if (encoding_ == TextEncoding::kUndetermined) encoding_ = TextEncoding::kUtf8;
+    return false;
+  }
+  Decode(TakeLineBytes(), line);
+  return true;
+}
+
+std::string_view TextLineStream::TakeLineBytes() {
+  if (encoding_ == TextEncoding::kUtf16LE) return TakeUtf16Line();
+  if (lineDelimiter_ != '\n') return TakeCarriageReturnLine();
+  bool found = false;
+  const std::string_view bytes = TakeRaw(found);
+  return found ? DropCarriageReturn(bytes) : bytes;
+}
+
+// The bytes up to the line delimiter, which is consumed, or to the end of the data. The view lives
+// until the next read.
+std::string_view TextLineStream::TakeRaw(bool& delimiterFound) {
+  std::size_t scanned = 0;
+  for (;;) {
+    const std::size_t count = end_ - next_;
+    if (scanned < count) {
+      const char* begin = block_.get() + next_;
+      const void* hit = std::memchr(begin + scanned, lineDelimiter_, count - scanned);
+      if (hit != nullptr) {
+        const auto length = static_cast<std::size_t>(static_cast<const char*>(hit) - begin);
+        next_ += length + 1;
+        delimiterFound = true;
+        return {begin, length};
+      }
+      scanned = count;
+    }
+    if (!ReadMore()) {
+      atEnd_ = true;
+      delimiterFound = false;
+      next_ = end_;
+      return {block_.get() + end_ - count, count};
+    }
+    if (Is8Bit()) CutAtTextEnd(scanned);
+  }
+}
+
+// Carriage returns end lines, but those of CR LF have already become line feeds in text mode.
+std::string_view TextLineStream::TakeCarriageReturnLine() {
+  lineBytes_.clear();
+  for (;;) {
+    bool found = false;
+    lineBytes_ += TakeRaw(found);
+    if (!found || !Available() || block_[next_] != '\n') return lineBytes_;
+    ++next_;
+    lineBytes_ += '\n';
+    if (!Available()) {
+      atEnd_ = true;
+      return lineBytes_;
+    }
+  }
+}
+
+// The delimiter byte may be the low byte of another character: then it belongs to the line. The
+// byte put back is a line feed even when carriage returns end the lines, which only happens to
+// files whose first record spans the whole file.
+std::string_view TextLineStream::TakeUtf16Line() {
+  bool found = false;
+  const std::string_view piece = TakeRaw(found);
+  if (!found) return piece;
+  if (next_ < end_ && block_[next_] == 0) {
+    ++next_;
+    return piece;
+  }
+  lineBytes_ = piece;
+  while (found && Available() && block_[next_] != 0) {
+    lineBytes_ += '\n';
+    lineBytes_ += TakeRaw(found);
+  }
+  if (!found) return lineBytes_;
+  if (Available())
+    ++next_;
+  else
+    atEnd_ = true;
+  return lineBytes_;
+}
+
+void TextLineStream::Decode(std::string_view bytes, std::u16string& line) {
+  if (encoding_ == TextEncoding::kUtf16LE) {
+    DecodeUtf16LE(bytes, line);
+  } else {
+    // Text ends at a zero byte; what follows up to the line's end is dropped.
+    const std::size_t zero = bytes.find('\0');
+    if (zero != std::string_view::npos) bytes = bytes.substr(0, zero);
+    if (encoding_ == TextEncoding::kUtf8) {
+      DecodeUtf8(bytes, line);
+    } else if (encoding_ == TextEncoding::kAnsi) {
+      DecodeAnsi(bytes, line);
+    } else if (!DecodeStrictUtf8(bytes, line)) {
+      encoding_ = TextEncoding::kAnsi;
+      DecodeAnsi(bytes, line);
+    }
+    line.push_back(u'\0');
+  }
+  // The conversion of 8-bit text keeps its terminating zero, so this strips UTF-16 alone.
+  if (!line.empty() && line.back() == u'\r') line.pop_back();
+  const bool terminated = !line.empty() && line.back() == u'\0';
+  if (terminateLines_ && !terminated) line.push_back(u'\0');
+  if (!terminateLines_ && terminated) line.pop_back();
+}
+
+bool TextLineStream::SkipTo(char byte) {
+  const bool wide = encoding_ == TextEncoding::kUtf16LE;
+  while (IsOpen() && IsReadable() && !atEnd_ && Available()) {
+    const char* begin = block_.get() + next_;
+    const void* hit = std::memchr(begin, byte, end_ - next_);
+    if (hit == nullptr) {
+      next_ = end_;
+      continue;
+    }
+    next_ += static_cast<std::size_t>(static_cast<const char*>(hit) - begin);
+    if (!wide) return true;
+    if (end_ - next_ < 2) ReadMore();
+    const bool aligned = (blockStart_ + next_ - dataStart_) % 2 == 0;
+    if (aligned && end_ - next_ >= 2 && block_[next_ + 1] == 0) return true;
+    ++next_;
+  }
+  atEnd_ = true;
+  return false;
+}
+
+void TextLineStream::Rewind() {
+  if (!IsOpen()) return;
+  if (blockStart_ <= dataStart_) {
+    // The block still begins with the file: nothing has to be read again.
+    next_ = std::min(end_, static_cast<std::size_t>(dataStart_ - blockStart_));
+  } else {
+    bytes_->pubseekpos(static_cast<std::streamoff>(dataStart_), std::ios::in);
+    blockStart_ = dataStart_;
+    next_ = end_ = 0;
+    exhausted_ = false;
+  }
+  atEnd_ = !IsReadable() || !Available();
+}
+
+}  // namespace TextFile
