@@ -16,8 +16,8 @@ struct CommandName {
   const char* name;
 };
 constexpr CommandName kCommands[] = {
-    {Command::kList, "list"},   {Command::kDescribe, "describe"}, {Command::kRows, "rows"},
-    {Command::kCount, "count"}, {Command::kStat, "stat"},         {Command::kClaim, "claim"},
+    {Command::kList, "list"},     {Command::kDescribe, "describe"}, {Command::kRows, "rows"},
+    {Command::kCount, "count"},   {Command::kStat, "stat"},         {Command::kClaim, "claim"},
     {Command::kLocale, "locale"},
 };
 
@@ -100,7 +100,8 @@ struct RawArguments {
 };
 
 void AddGlobalOptions(CLI::App& app, RawArguments& raw, GlobalOptions& global) {
-  app.add_option("--module", raw.moduleFile, "The data source's module, instead of the installed one")
+  app.add_option("--module", raw.moduleFile,
+                 "The data source's module, instead of the installed one")
       ->type_name("FILE");
   app.add_option("--locale", raw.locale, "The user's locale, such as de-DE")->type_name("NAME");
   app.add_option("--ansi-code-page", raw.ansiCodePage, "The code page of ANSI files, such as 1252")
@@ -190,7 +191,8 @@ void FillGlobalOptions(const CLI::App& app, const RawArguments& raw, GlobalOptio
     global.ansiCodePage = NumberOf<unsigned>(raw.ansiCodePage, "--ansi-code-page");
   if (app.count("--field-type-version") > 0) global.fieldTypeVersion = TextOf(raw.fieldTypeVersion);
   if (app.count("--event-log") > 0) global.eventLogFile = TextOf(raw.eventLogFile);
-  for (const std::string& option : raw.hostOptions) global.hostOptions.push_back(HostOptionOf(option));
+  for (const std::string& option : raw.hostOptions)
+    global.hostOptions.push_back(HostOptionOf(option));
 }
 
 void FillRowOptions(const CLI::App& command, const RawArguments& raw, bool json, RowOptions& rows) {

@@ -60,8 +60,8 @@ void RunLocale(const CommandLine& line, Output& output) {
     if (entry.type == LOCALE_IDATE) value = ReadableDateOrder(value);
     text.AddLine({PlainCell(entry.name), TextCell(value)});
   }
-  text.AddLine({PlainCell("ANSI code page"),
-                PlainCell(std::to_string(QUENRALocale::GetAnsiCodePage()))});
+  text.AddLine(
+      {PlainCell("ANSI code page"), PlainCell(std::to_string(QUENRALocale::GetAnsiCodePage()))});
   text.End();
 }
 

@@ -27,7 +27,8 @@ struct RowJob {
   Output& output;
 };
 
-void CopyRows(const RowJob& job, std::optional<std::uint64_t> limit, bool quiet, bool showProgress) {
+void CopyRows(const RowJob& job, std::optional<std::uint64_t> limit, bool quiet,
+              bool showProgress) {
   Progress progress(showProgress);
   const Terminal::DeferInterrupts defer;
   for (std::uint64_t row = 0; !limit || row < *limit; ++row) {
@@ -62,11 +63,16 @@ void RunRows(const CommandLine& line, Output& output) {
   const auto writer = MakeRowWriter(format, output);
   RowSlots slots(plan.slots);
   // Rows that scroll by on the terminal are progress enough.
-  const bool showProgress = !line.global.quiet &&
-                            (format == RowFormat::kNone || !Terminal::StandardOutputIsTerminal());
+  const bool showProgress =
+      !line.global.quiet && (format == RowFormat::kNone || !Terminal::StandardOutputIsTerminal());
   writer->Begin(plan.columns);
-  CopyRows({*cursor, *values, slots, *writer, output}, line.rows.limit, line.global.quiet,
-           showProgress);
+  try {
+    CopyRows({*cursor, *values, slots, *writer, output}, line.rows.limit, line.global.quiet,
+             showProgress);
+  } catch (const Refusal&) {
+    writer->End();  // the rows before the refusal are good
+    throw;
+  }
   writer->End();
 }
 

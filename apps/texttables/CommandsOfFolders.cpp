@@ -63,8 +63,8 @@ std::vector<FolderEntry> EntriesOf(const std::u16string& folder) {
   std::filesystem::directory_iterator place(PathOf(folder), error);
   while (!error && place != std::filesystem::directory_iterator()) {
     std::error_code unknown;  // an entry that vanishes meanwhile is no directory
-    entries.push_back({FileNameFromNative(place->path().filename().native()),
-                       place->is_directory(unknown)});
+    entries.push_back(
+        {FileNameFromNative(place->path().filename().native()), place->is_directory(unknown)});
     place.increment(error);
   }
   if (error) throw SystemRefusal(error.value(), folder);
@@ -78,14 +78,16 @@ std::vector<FolderEntry> EntriesFrom(const std::u16string& folder,
   std::vector<FolderEntry> entries;
   for (const std::u16string& name : names) {
     std::error_code unknown;
-    entries.push_back({name, std::filesystem::is_directory(PathOf(folder) / PathOf(name), unknown)});
+    entries.push_back(
+        {name, std::filesystem::is_directory(PathOf(folder) / PathOf(name), unknown)});
   }
   return entries;
 }
 
 ComPtr<quenra::HostFileNames> FileNamesOf(const std::vector<FolderEntry>& entries) {
   ComPtr<quenra::HostFileNames> list;
-  Check(quenra::CreateComponentInstance(quenra::CLSID_HostFileNames, list.Receive()), u"file names");
+  Check(quenra::CreateComponentInstance(quenra::CLSID_HostFileNames, list.Receive()),
+        u"file names");
   for (const FolderEntry& entry : entries) {
     const Bstr name(entry.name);
     Check(list->Add(name.Get(), entry.isDirectory ? VARIANT_TRUE : VARIANT_FALSE), entry.name);

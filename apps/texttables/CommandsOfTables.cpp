@@ -118,10 +118,14 @@ void AppendJson(const FileFacts& facts, Output& output) {
 
 std::string ReadableMode(LONG mode) {
   switch (mode) {
-    case 2: return "writable";
-    case 4: return "readable";
-    case 6: return "readable, writable";
-    default: return "neither readable nor writable";
+    case 2:
+      return "writable";
+    case 4:
+      return "readable";
+    case 6:
+      return "readable, writable";
+    default:
+      return "neither readable nor writable";
   }
 }
 
@@ -133,8 +137,8 @@ void AppendText(const FileFacts& facts, Output& output) {
   text.AddLine({PlainCell("Size"), PlainCell(size)});
   const char* const names[kTimeKinds] = {"Created", "Last read", "Last written"};
   for (LONG kind = 0; kind < kTimeKinds; ++kind)
-    text.AddLine({PlainCell(names[kind]),
-                  PlainCell(std::string(IsoUnixTime(facts.times[kind]).View()))});
+    text.AddLine(
+        {PlainCell(names[kind]), PlainCell(std::string(IsoUnixTime(facts.times[kind]).View()))});
   text.AddLine({PlainCell("Mode"), PlainCell(ReadableMode(facts.mode))});
   text.End();
 }

@@ -42,20 +42,34 @@ std::vector<Field> FieldsOf(quenra::IPlugInDatasetHelper& dataset, const std::u1
 
 std::string FieldTypeName(LONG type) {
   switch (type) {
-    case 0: return "SmallInteger";
-    case 1: return "Integer";
-    case 2: return "Single";
-    case 3: return "Double";
-    case 4: return "String";
-    case 5: return "Date";
-    case 6: return "ObjectId";
-    case 10: return "Guid";
-    case 11: return "GlobalId";
-    case 13: return "BigInteger";
-    case 14: return "DateOnly";
-    case 15: return "TimeOnly";
-    case 16: return "TimestampOffset";
-    default: return "Type" + std::to_string(type);
+    case 0:
+      return "SmallInteger";
+    case 1:
+      return "Integer";
+    case 2:
+      return "Single";
+    case 3:
+      return "Double";
+    case 4:
+      return "String";
+    case 5:
+      return "Date";
+    case 6:
+      return "ObjectId";
+    case 10:
+      return "Guid";
+    case 11:
+      return "GlobalId";
+    case 13:
+      return "BigInteger";
+    case 14:
+      return "DateOnly";
+    case 15:
+      return "TimeOnly";
+    case 16:
+      return "TimestampOffset";
+    default:
+      return "Type" + std::to_string(type);
   }
 }
 

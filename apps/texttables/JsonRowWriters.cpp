@@ -55,17 +55,26 @@ class JsonLinesRowWriter : public RowWriter {
   void AppendValue(const VARIANT& value, LONG fieldType) {
     switch (value.vt) {
       case VT_EMPTY:
-      case VT_NULL: return output_.Append("null");
-      case VT_I2: return AppendShortest(output_, value.iVal);
-      case VT_I4: return AppendShortest(output_, value.lVal);
-      case VT_I8: return AppendShortest(output_, value.llVal);
-      case VT_R4: return AppendJsonNumber(output_, value.fltVal);
-      case VT_R8: return AppendJsonNumber(output_, value.dblVal);
-      case VT_BSTR: return AppendJsonString(output_, ViewOf(value.bstrVal));
-      case VT_DATE: return AppendDateOrNumber(
-          IsoDate(value.date, DatePartsOfField(fieldType)), value.date);
-      case VT_UNKNOWN: return AppendTimestamp(value.punkVal);
-      default: return AppendJsonString(output_, ConvertedText(value));
+      case VT_NULL:
+        return output_.Append("null");
+      case VT_I2:
+        return AppendShortest(output_, value.iVal);
+      case VT_I4:
+        return AppendShortest(output_, value.lVal);
+      case VT_I8:
+        return AppendShortest(output_, value.llVal);
+      case VT_R4:
+        return AppendJsonNumber(output_, value.fltVal);
+      case VT_R8:
+        return AppendJsonNumber(output_, value.dblVal);
+      case VT_BSTR:
+        return AppendJsonString(output_, ViewOf(value.bstrVal));
+      case VT_DATE:
+        return AppendDateOrNumber(IsoDate(value.date, DatePartsOfField(fieldType)), value.date);
+      case VT_UNKNOWN:
+        return AppendTimestamp(value.punkVal);
+      default:
+        return AppendJsonString(output_, ConvertedText(value));
     }
   }
 
@@ -90,18 +99,27 @@ class TypedRowWriter : public RowWriter {
   // Everything but the closing brace.
   void AppendValue(const VARIANT& value) {
     switch (value.vt) {
-      case VT_EMPTY: return output_.Append("{\"VT_EMPTY\":null");
-      case VT_NULL: return output_.Append("{\"VT_NULL\":null");
-      case VT_I2: return AppendInteger("{\"VT_I2\":", value.iVal);
-      case VT_I4: return AppendInteger("{\"VT_I4\":", value.lVal);
-      case VT_I8: return AppendInteger("{\"VT_I8\":", value.llVal);
-      case VT_R4: return AppendFloating("{\"VT_R4\":", value.fltVal);
-      case VT_R8: return AppendFloating("{\"VT_R8\":", value.dblVal);
-      case VT_DATE: return AppendFloating("{\"VT_DATE\":", value.date);
+      case VT_EMPTY:
+        return output_.Append("{\"VT_EMPTY\":null");
+      case VT_NULL:
+        return output_.Append("{\"VT_NULL\":null");
+      case VT_I2:
+        return AppendInteger("{\"VT_I2\":", value.iVal);
+      case VT_I4:
+        return AppendInteger("{\"VT_I4\":", value.lVal);
+      case VT_I8:
+        return AppendInteger("{\"VT_I8\":", value.llVal);
+      case VT_R4:
+        return AppendFloating("{\"VT_R4\":", value.fltVal);
+      case VT_R8:
+        return AppendFloating("{\"VT_R8\":", value.dblVal);
+      case VT_DATE:
+        return AppendFloating("{\"VT_DATE\":", value.date);
       case VT_BSTR:
         output_.Append("{\"VT_BSTR\":");
         return AppendJsonString(output_, ViewOf(value.bstrVal));
-      case VT_UNKNOWN: return AppendObject(value.punkVal);
+      case VT_UNKNOWN:
+        return AppendObject(value.punkVal);
       default:
         // Kinds that only another module could deliver go by their number.
         output_.Append("{\"VT_");

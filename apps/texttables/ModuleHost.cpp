@@ -7,7 +7,6 @@
 #include "host/CoreSupport/Components.h"
 #include "host/interfaces/DataSourceClasses.h"
 #include "host/interfaces/HostClasses.h"
-#include "platform/Modules.h"
 
 namespace TextTables {
 

@@ -12,6 +12,7 @@
 #include "CommandLine.h"
 #include "host/com/ComPtr.h"
 #include "host/interfaces/PlugInWorkspaceFactory.h"
+#include "platform/Modules.h"
 
 namespace TextTables {
 

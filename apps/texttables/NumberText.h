@@ -29,8 +29,7 @@ void AppendPlain(Output& output, Number value) {
   if (size != 0 && (!(size < Number(1e15)) || size < Number(1e-5)))
     return AppendShortest(output, value);
   char* place = output.Reserve(kNumberRoom);
-  output.Commit(
-      std::to_chars(place, place + kNumberRoom, value, std::chars_format::fixed).ptr);
+  output.Commit(std::to_chars(place, place + kNumberRoom, value, std::chars_format::fixed).ptr);
 }
 
 }  // namespace TextTables

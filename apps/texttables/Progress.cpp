@@ -43,8 +43,8 @@ std::string ProgressLine(std::uint64_t rows, std::uint64_t bytes, double seconds
   std::string line = Grouped(rows) + " rows";
   if (bytes > 0) line += ", " + ReadableBytes(bytes);
   if (seconds > 0)
-    line += ", " + Grouped(static_cast<std::uint64_t>(static_cast<double>(rows) / seconds)) +
-            " rows/s";
+    line +=
+        ", " + Grouped(static_cast<std::uint64_t>(static_cast<double>(rows) / seconds)) + " rows/s";
   return line;
 }
 

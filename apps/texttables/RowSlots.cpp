@@ -12,7 +12,8 @@ namespace {
 
 UsageError UnknownColumn(const std::vector<Field>& fields, const std::u16string& name) {
   std::string text = "there is no column \"" + Utf8(name) + "\"; columns: ";
-  for (std::size_t i = 0; i < fields.size(); ++i) text += (i > 0 ? ", " : "") + Utf8(fields[i].name);
+  for (std::size_t i = 0; i < fields.size(); ++i)
+    text += (i > 0 ? ", " : "") + Utf8(fields[i].name);
   return UsageError(text);
 }
 

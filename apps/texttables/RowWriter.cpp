@@ -15,11 +15,16 @@ class NoRowWriter : public RowWriter {
 
 std::unique_ptr<RowWriter> MakeRowWriter(RowFormat format, Output& output) {
   switch (format) {
-    case RowFormat::kTable: return MakeTableRowWriter(output);
-    case RowFormat::kCsv: return MakeCsvRowWriter(output);
-    case RowFormat::kJsonLines: return MakeJsonLinesRowWriter(output);
-    case RowFormat::kTyped: return MakeTypedRowWriter(output);
-    case RowFormat::kNone: break;
+    case RowFormat::kTable:
+      return MakeTableRowWriter(output);
+    case RowFormat::kCsv:
+      return MakeCsvRowWriter(output);
+    case RowFormat::kJsonLines:
+      return MakeJsonLinesRowWriter(output);
+    case RowFormat::kTyped:
+      return MakeTypedRowWriter(output);
+    case RowFormat::kNone:
+      break;
   }
   return std::make_unique<NoRowWriter>(output);
 }

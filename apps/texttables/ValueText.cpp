@@ -20,8 +20,7 @@ void AppendDateOrNumber(Output& output, const IsoText& text, DATE date) {
 void AppendPlainTimestamp(Output& output, IUnknown* object) {
   Timestamp timestamp;
   if (!ReadTimestamp(object, timestamp)) return;
-  AppendDateOrNumber(output, IsoTimestamp(timestamp.date, timestamp.offsetMinutes),
-                     timestamp.date);
+  AppendDateOrNumber(output, IsoTimestamp(timestamp.date, timestamp.offsetMinutes), timestamp.date);
 }
 
 }  // namespace
@@ -29,17 +28,25 @@ void AppendPlainTimestamp(Output& output, IUnknown* object) {
 void AppendPlainValue(Output& output, const VARIANT& value, LONG fieldType) {
   switch (value.vt) {
     case VT_EMPTY:
-    case VT_NULL: return;
-    case VT_I2: return AppendShortest(output, value.iVal);
-    case VT_I4: return AppendShortest(output, value.lVal);
-    case VT_I8: return AppendShortest(output, value.llVal);
-    case VT_R4: return AppendPlain(output, value.fltVal);
-    case VT_R8: return AppendPlain(output, value.dblVal);
+    case VT_NULL:
+      return;
+    case VT_I2:
+      return AppendShortest(output, value.iVal);
+    case VT_I4:
+      return AppendShortest(output, value.lVal);
+    case VT_I8:
+      return AppendShortest(output, value.llVal);
+    case VT_R4:
+      return AppendPlain(output, value.fltVal);
+    case VT_R8:
+      return AppendPlain(output, value.dblVal);
     case VT_DATE:
       return AppendDateOrNumber(output, IsoDate(value.date, DatePartsOfField(fieldType)),
                                 value.date);
-    case VT_UNKNOWN: return AppendPlainTimestamp(output, value.punkVal);
-    default: return AppendUtf8(output, ConvertedText(value));
+    case VT_UNKNOWN:
+      return AppendPlainTimestamp(output, value.punkVal);
+    default:
+      return AppendUtf8(output, ConvertedText(value));
   }
 }
 

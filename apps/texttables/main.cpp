@@ -38,13 +38,20 @@ void ApplyHostSettings(const GlobalOptions& options) {
 
 void RunCommand(const CommandLine& line, Output& output) {
   switch (line.command) {
-    case Command::kList: return RunList(line, output);
-    case Command::kDescribe: return RunDescribe(line, output);
-    case Command::kRows: return RunRows(line, output);
-    case Command::kCount: return RunCount(line, output);
-    case Command::kStat: return RunStat(line, output);
-    case Command::kClaim: return RunClaim(line, output);
-    case Command::kLocale: return RunLocale(line, output);
+    case Command::kList:
+      return RunList(line, output);
+    case Command::kDescribe:
+      return RunDescribe(line, output);
+    case Command::kRows:
+      return RunRows(line, output);
+    case Command::kCount:
+      return RunCount(line, output);
+    case Command::kStat:
+      return RunStat(line, output);
+    case Command::kClaim:
+      return RunClaim(line, output);
+    case Command::kLocale:
+      return RunLocale(line, output);
   }
 }
 
