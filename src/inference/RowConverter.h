@@ -66,13 +66,13 @@ class RowConverter {
   void ConvertDate(std::size_t field, std::size_t column, std::u16string_view text);
   bool SetDate(VARIANT& value, FieldType type, const ParsedDateTime& parsed);
   void SetText(std::size_t field, std::u16string_view text);
-  void SetCoordinates(std::size_t firstField, bool parsed, double first, double second);
-  std::size_t ConvertText(std::size_t field, const Record& record, std::size_t column);
+  void ConvertCoordinateText(std::size_t field, const Record& record, std::size_t column);
+  bool WantsCoordinates(std::size_t virtualField) const noexcept;
   void Report(std::size_t field, std::size_t column, std::u16string_view text, FieldType found);
 
   const std::shared_ptr<const TextDatasetDescription> table_;
   const MessageLoader loadMessage_;
-  const quenra::LatLongFormat latLong_;
+  quenra::LatLongFormat latLong_;
   std::vector<FieldPlan> plan_;   // one entry a field
   std::vector<VARIANT> row_;      // one value a field; texts not moved away are owned here
   std::map<std::size_t, std::u16string> messages_;  // of the row converted last, by field

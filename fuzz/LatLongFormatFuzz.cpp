@@ -1,0 +1,89 @@
+// Feeds arbitrary text to the coordinate recogniser. The bytes are UTF-8-like: ASCII stands for
+// itself, two and three byte forms for other UTF-16 code units, so that the marks are found by
+// mutation; a byte FF divides two texts.
+//
+// Holds: nothing crashes; what is accepted reads under its own and under every other format code,
+// with the same values, finite and within the range of latitude and longitude; what is refused
+// leaves zeros.
+
+#include <cmath>
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+#include <string>
+
+#include "host/DataCore/LatLongFormat.h"
+
+namespace {
+
+void Check(bool holds) {
+  if (!holds) std::abort();
+}
+
+std::u16string Widen(const std::uint8_t* data, std::size_t size) {
+  std::u16string text;
+  for (std::size_t i = 0; i < size;) {
+    if (data[i] >= 0xE0 && i + 2 < size) {
+      text += static_cast<char16_t>((data[i] & 0x0F) << 12 | (data[i + 1] & 0x3F) << 6 |
+                                    (data[i + 2] & 0x3F));
+      i += 3;
+    } else if (data[i] >= 0xC0 && i + 1 < size) {
+      text += static_cast<char16_t>((data[i] & 0x1F) << 6 | (data[i + 1] & 0x3F));
+      i += 2;
+    } else {
+      text += static_cast<char16_t>(data[i++]);
+    }
+  }
+  return text;
+}
+
+// One latitude and one longitude; which is which is not known of two texts.
+void CheckRange(double first, double second, bool twoTexts) {
+  Check(std::isfinite(first) && std::isfinite(second));
+  Check(std::abs(first) <= 180 && std::abs(second) <= 180);
+  Check(std::abs(second) <= 90 || (twoTexts && std::abs(first) <= 90));
+}
+
+template <typename IsLatLong, typename Parse>
+void CheckText(std::int32_t otherFormat, bool twoTexts, IsLatLong isLatLong, Parse parse) {
+  std::int32_t format = -1;
+  const bool accepted = isLatLong(format);
+  Check(accepted ? format > 0 : format == 0);
+  double first = 999;
+  double second = 999;
+  Check(parse(format, first, second) == accepted);
+  CheckRange(first, second, twoTexts);
+  double otherFirst = 999;
+  double otherSecond = 999;
+  const bool read = parse(otherFormat, otherFirst, otherSecond);
+  CheckRange(otherFirst, otherSecond, twoTexts);
+  if (accepted) Check(read && first == otherFirst && second == otherSecond);
+  if (!read) Check(otherFirst == 0 && otherSecond == 0);
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  if (size < 2) return 0;
+  const auto otherFormat = static_cast<std::int32_t>(data[0] | data[1] << 8);
+  data += 2;
+  size -= 2;
+  std::size_t divider = 0;
+  while (divider < size && data[divider] != 0xFF) ++divider;
+  const std::u16string first = Widen(data, divider);
+  const quenra::LatLongFormat latLong;
+  CheckText(
+      otherFormat, false, [&](std::int32_t& format) { return latLong.IsLatLong(first, format); },
+      [&](std::int32_t format, double& x, double& y) {
+        return latLong.ParseLatLong(first, format, x, y);
+      });
+  if (divider == size) return 0;
+  const std::u16string second = Widen(data + divider + 1, size - divider - 1);
+  CheckText(
+      otherFormat, true,
+      [&](std::int32_t& format) { return latLong.IsLatLong(first, second, format); },
+      [&](std::int32_t format, double& a, double& b) {
+        return latLong.ParseLatLong(first, second, format, a, b);
+      });
+  return 0;
+}

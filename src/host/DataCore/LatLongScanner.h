@@ -1,0 +1,104 @@
+// Reads one coordinate, or a number of one, out of folded text. Serves LatLongFormat only.
+//
+// Folding brings the many marks in use to one byte each, so that the grammar is written once:
+//
+//   latlong::FoldedText folded;
+//   if (!folded.Fold(u"40º 7′ 22.8″ N")) return false;
+//   const char* position = folded.Begin();
+//   latlong::Coordinate half;
+//   latlong::ReadCoordinate(position, {}, half);  // half.degrees == 40.123, half.axis == kLatitude
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <string_view>
+
+namespace quenra::latlong {
+
+// Longest text looked at, in UTF-16 code units. The longest notation with blanks, words and a
+// coordinate system's name stays well below it.
+inline constexpr std::size_t kMaxTextLength = 128;
+
+// The folded form of every degree sign. Minute and second marks fold to ' and ".
+inline constexpr char kDegreeMark = '\x01';
+
+// A text in the narrow alphabet of the grammar, terminated by '\0': ASCII digits, letters and
+// punctuation stand for themselves, every minus is '-', a run of blanks is one ' ' and falls away
+// at both ends, and two minute marks in a row are '"'.
+class FoldedText {
+ public:
+  // False when `text` is too long, blank, or bears a character that no notation has.
+  bool Fold(std::u16string_view text) noexcept;
+  const char* Begin() const noexcept { return bytes_.data(); }
+
+ private:
+  std::array<char, kMaxTextLength + 1> bytes_{};
+};
+
+// True when a text that starts like this can be a coordinate: a look at the first character that is
+// not blank, which spares most words the rest.
+bool MayStartCoordinate(std::u16string_view text) noexcept;
+
+// An unsigned decimal number.
+struct Number {
+  const char* begin = nullptr;
+  const char* end = nullptr;
+  std::uint32_t integer = 0;   // of at most 9 digits
+  int integerDigits = 0;       // as written, with leading zeros
+  std::uint64_t fraction = 0;  // its first `keptDecimals` digits
+  int keptDecimals = 0;
+  int decimals = 0;  // as written
+  bool comma = false;
+};
+
+// The number's value, correctly rounded.
+double ValueOf(const Number& number) noexcept;
+
+enum class CommaUse { kDecimalOrSeparator, kSeparator };
+
+// Reads digits with an optional fraction ("12", "12.5", "12,5", ".5"). `position` moves past the
+// number, and stays when there is none.
+bool ReadNumber(const char*& position, CommaUse commaUse, Number& number) noexcept;
+
+enum class Axis : std::uint8_t { kUnknown, kLatitude, kLongitude };
+
+// What stands between degrees and minutes.
+enum class Joint : std::uint8_t { kNone, kMark, kBlank, kColon, kHyphen, kDot, kCompact };
+
+enum class LetterSide : std::uint8_t { kNone, kBefore, kAfter };
+
+// One half of a pair.
+struct Coordinate {
+  double degrees = 0;  // without the sign
+  int groups = 0;      // 1 degrees, 2 degrees and minutes, 3 degrees, minutes and seconds
+  int degreeDigits = 0;
+  int decimals = 0;  // of the last group
+  Axis axis = Axis::kUnknown;
+  Joint joint = Joint::kNone;
+  LetterSide letterSide = LetterSide::kNone;
+  bool decimalComma = false;
+  bool degreeMark = false;
+  bool letterS = false;        // the seconds are marked by the letter s, which also is the south
+  bool letterTouches = false;  // no blank between the digits and the hemisphere letter
+  bool hasLabel = false;
+  bool hasSign = false;
+  bool negative = false;  // by sign, or south or west
+};
+
+// Reads label, hemisphere and value at `position`, which moves past them. False when there is no
+// coordinate, or one that is out of its range; `position` and `coordinate` are then unspecified.
+bool ReadCoordinate(const char*& position, CommaUse commaUse, Coordinate& coordinate) noexcept;
+
+// Splits the digits of DDMM, DDMMSS and the like; an odd count has three digits of degrees. Fails
+// on other counts, and on minutes or seconds of 60 and more.
+bool SplitCompact(const Number& number, Coordinate& coordinate) noexcept;
+
+inline bool IsDigit(char c) noexcept { return c >= '0' && c <= '9'; }
+inline bool IsLetter(char c) noexcept { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); }
+inline void SkipBlank(const char*& position) noexcept { position += *position == ' ' ? 1 : 0; }
+
+// Reads an ASCII word in either case, given in lower case. `position` stays when it is another one.
+bool ReadWord(const char*& position, std::string_view word) noexcept;
+
+}  // namespace quenra::latlong
