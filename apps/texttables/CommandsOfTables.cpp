@@ -1,6 +1,5 @@
 // describe, count and stat.
 #include "AlignedText.h"
-#include "Bstr.h"
 #include "Commands.h"
 #include "DateText.h"
 #include "Failures.h"
@@ -10,6 +9,7 @@
 #include "NumberText.h"
 #include "Progress.h"
 #include "TextEncoding.h"
+#include "host/CoreSupport/BString.h"
 
 namespace TextTables {
 
@@ -26,7 +26,7 @@ struct Description {
 Description Describe(const ModuleHost& host, const TablePath& path) {
   const auto dataset = host.OpenTable(path);
   Description result;
-  Bstr title;
+  quenra::BString title;
   const auto info = dataset.As<quenra::IPlugInDatasetInfo>();
   Check(info ? info->DatasetFileTitle(title.Receive()) : E_NOINTERFACE, path.name);
   result.table = title.View();
