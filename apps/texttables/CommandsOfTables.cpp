@@ -157,8 +157,12 @@ void RunCount(const CommandLine& line, Output& output) {
   const TablePath path = SplitTablePath(line.path);
   const ModuleHost host(line.global);
   const auto counter = host.OpenTable(path).As<quenra::IPlugInRowCount>();
-  LONG count = 0;
-  Check(counter ? counter->CountRows(0, &count) : E_NOINTERFACE, path.name);
+  const auto count = [&] {
+    const WaitingLine waiting = host.Wait(path);
+    LONG rows = 0;
+    Check(counter ? counter->CountRows(0, &rows) : E_NOINTERFACE, path.name);
+    return rows;
+  }();
   AppendShortest(output, count);
   output.Append('\n');
 }

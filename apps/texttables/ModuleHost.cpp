@@ -1,5 +1,7 @@
 #include "ModuleHost.h"
 
+#include <filesystem>
+
 #include "Failures.h"
 #include "ModuleFile.h"
 #include "TextEncoding.h"
@@ -7,6 +9,7 @@
 #include "host/CoreSupport/Variant.h"
 #include "host/interfaces/DataSourceClasses.h"
 #include "host/interfaces/HostClasses.h"
+#include "platform/FileNames.h"
 
 namespace TextTables {
 
@@ -69,7 +72,8 @@ TablePath SplitTablePath(std::u16string_view path) {
   return result;
 }
 
-ModuleHost::ModuleHost(const GlobalOptions& options) : fieldTypeVersion_(options.fieldTypeVersion) {
+ModuleHost::ModuleHost(const GlobalOptions& options)
+    : showProgress_(!options.quiet), fieldTypeVersion_(options.fieldTypeVersion) {
   try {
     Load(options);
     CreateFactory();
@@ -140,8 +144,17 @@ ComPtr<quenra::IPlugInDatasetHelper> ModuleHost::OpenTable(const TablePath& path
   const auto workspace = OpenFolder(path.folder);
   const quenra::BString name(path.name);
   ComPtr<quenra::IPlugInDatasetHelper> dataset;
+  const WaitingLine waiting = Wait(path);
   Check(workspace->OpenDatasetByName(name.Get(), dataset.Receive()), path.name);
   return dataset;
+}
+
+WaitingLine ModuleHost::Wait(const TablePath& path) const {
+  const std::filesystem::path file = std::filesystem::path(NativeFromFileName(path.folder)) /
+                                     std::filesystem::path(NativeFromFileName(path.name));
+  std::error_code error;
+  const std::uintmax_t bytes = std::filesystem::file_size(file, error);
+  return WaitingLine(showProgress_, FileNameBytes(path.name), error ? 0 : bytes);
 }
 
 std::u16string ModuleHost::DelimiterOf(const TablePath& path) const {
