@@ -15,8 +15,6 @@ namespace TextTables {
 
 namespace {
 
-using quenra::ComPtr;
-
 struct Description {
   std::u16string table;
   std::u16string delimiter;

@@ -154,7 +154,7 @@ WaitingLine ModuleHost::Wait(const TablePath& path) const {
                                      std::filesystem::path(NativeFromFileName(path.name));
   std::error_code error;
   const std::uintmax_t bytes = std::filesystem::file_size(file, error);
-  return WaitingLine(showProgress_, FileNameBytes(path.name), error ? 0 : bytes);
+  return {showProgress_, FileNameBytes(path.name), error ? 0 : bytes};
 }
 
 std::u16string ModuleHost::DelimiterOf(const TablePath& path) const {
@@ -168,7 +168,7 @@ std::u16string ModuleHost::DelimiterOf(const TablePath& path) const {
   if (delimiter == 0) return {};
   // The delimiter arrives as one signed byte widened to 16 bits.
   const auto unit = static_cast<char16_t>(delimiter);
-  return std::u16string(1, unit >= 0xFF80 ? static_cast<char16_t>(unit & 0xFF) : unit);
+  return {unit >= 0xFF80 ? static_cast<char16_t>(unit & 0xFF) : unit};
 }
 
 }  // namespace TextTables
