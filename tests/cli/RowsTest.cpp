@@ -1,5 +1,3 @@
-#include <sys/stat.h>
-
 #include "cli/TexttablesTest.h"
 
 namespace {
@@ -275,18 +273,6 @@ TEST_F(ManyRowsTest, ProgressIsShownOnATerminalAndTakenAway) {
   request.arguments.pop_back();
   request.errorsAreTerminal = false;
   EXPECT_EQ(RunProcess(request).errors, "") << "no terminal, no progress";
-}
-
-TEST_F(ManyRowsTest, WaitForASlowFileIsShownAndEndsAtAnInterrupt) {
-  // A pipe that nobody writes to is as slow as a file can be.
-  ASSERT_EQ(::mkfifo((Folder() / "slow.csv").c_str(), 0600), 0);
-  ProcessRequest request = Request({"count", "slow.csv"});
-  request.pauseBeforeReading = std::chrono::milliseconds(1600);
-  request.interruptAfterPause = true;
-  request.errorsAreTerminal = true;
-  const ProcessResult result = RunProcess(request);
-  EXPECT_EQ(result.signal, 2);
-  EXPECT_EQ(result.errors, "\r\x1b[Kreading slow.csv, 1 s\r\x1b[K");
 }
 
 TEST_F(ManyRowsTest, FullDiskIsAnError) {
