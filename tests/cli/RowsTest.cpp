@@ -214,6 +214,41 @@ TEST_F(RowsTest, LongFieldsComeThroughWhole) {
   EXPECT_EQ(Output({"rows", "a.csv"}), "Id,T\n1," + text + "\n2,y\n");
 }
 
+TEST_F(RowsTest, ZeroCharacterEndsItsRecord) {
+  Write("a.csv", std::string("A,B\nx\0y,z\nq,r\n", 15));
+  Write("schema.ini",
+        "[a.csv]\nFormat=CSVDelimited\nColNameHeader=True\nCol1=A Text\nCol2=B Text\n");
+  EXPECT_EQ(Output({"rows", "a.csv", "--format", "typed"}),
+            "[{\"VT_BSTR\":\"x\"},{\"VT_EMPTY\":null}]\n"
+            "[{\"VT_BSTR\":\"q\"},{\"VT_BSTR\":\"r\"}]\n");
+}
+
+TEST_F(RowsTest, HundredThousandColumnsComeThrough) {
+  std::string names;
+  std::string values;
+  for (int i = 0; i < 100000; ++i) {
+    names += (i > 0 ? ",c" : "c") + std::to_string(i);
+    values += i > 0 ? ",x" : "x";
+  }
+  Write("wide.csv", names + "\n" + values + "\n");
+  Write("schema.ini", "[wide.csv]\nFormat=CSVDelimited\nColNameHeader=True\n");
+  EXPECT_TRUE(Output({"rows", "wide.csv"}) == names + "\n" + values + "\n");
+  EXPECT_EQ(Output({"rows", "wide.csv", "--columns", "c99999,c0"}), "c99999,c0\nx,x\n");
+}
+
+TEST_F(RowsTest, FileIsReadToItsByte1A) {
+  Write("a.csv",
+        "Id,N\n1,x\n2,y\n\x1A"
+        "3,z\n");
+  EXPECT_EQ(Output({"rows", "a.csv"}), "Id,N\n1,x\n2,y\n");
+}
+
+TEST_F(RowsTest, ColumnThatIsNotAskedForIsNotConvertedIntoOthers) {
+  Write("a.csv", "Id,Name,Town\n1,Ann,Rome\n2,,Oslo\n");
+  EXPECT_EQ(Output({"rows", "a.csv", "--format", "typed", "--columns", "Name"}),
+            "[{\"VT_BSTR\":\"Ann\"}]\n[{\"VT_NULL\":null}]\n");
+}
+
 TEST_F(RowsTest, TerminalGetsTheTableFormat) {
   Write("a.csv", "Id,Name\n1,Ann\n");
   ProcessRequest request = Request({"rows", "a.csv"});
