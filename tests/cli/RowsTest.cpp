@@ -17,6 +17,16 @@ class RowsTest : public TexttablesTest {
   }
 };
 
+// The bytes of UTF-16, little end first.
+std::string Utf16(std::u16string_view text) {
+  std::string bytes;
+  for (const char16_t unit : text) {
+    bytes += static_cast<char>(unit & 0xFF);
+    bytes += static_cast<char>(unit >> 8);
+  }
+  return bytes;
+}
+
 TEST_F(RowsTest, JsonLinesHaveNaturalValues) {
   WriteAllTypes();
   const std::string expected =
@@ -178,12 +188,8 @@ TEST_F(RowsTest, JsonEscapesControlCharactersAndKeepsOtherText) {
 }
 
 TEST_F(RowsTest, LoneSurrogatesAreEscapedInJsonAndReplacedElsewhere) {
-  // UTF-16LE with its mark: T, then a lone high surrogate, a lone low one, and a pair.
-  const std::string bytes(
-      "\xFF\xFET\0\n\0a\0\x00\xD8\n\0\x00\xDC"
-      "b\0\n\0\x3D\xD8\x00\xDE\n\0",
-      26);
-  Write("a.txt", bytes);
+  Write("a.txt", Utf16(u"\xFEFFT\na\xD800\n\xDC00"
+                       u"b\n\xD83D\xDE00\n"));
   Write("schema.ini", "[a.txt]\nFormat=CSVDelimited\nColNameHeader=True\nCol1=T Text\n");
   EXPECT_EQ(Output({"rows", "a.txt", "--json"}),
             "{\"T\":\"a\\ud800\"}\n{\"T\":\"\\udc00b\"}\n{\"T\":\"\xF0\x9F\x98\x80\"}\n");
