@@ -49,7 +49,7 @@ void RunLocale(const CommandLine& line, Output& output) {
       AppendJsonString(output, QUENRALocale::Value(entry.type, kValueUnits));
       output.Append(',');
     }
-    output.Append("\"ansiCodePage\":");
+    output.Append(R"("ansiCodePage":)");
     AppendShortest(output, QUENRALocale::GetAnsiCodePage());
     output.Append("}\n");
     return;

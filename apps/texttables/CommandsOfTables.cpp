@@ -34,25 +34,25 @@ Description Describe(const ModuleHost& host, const TablePath& path) {
 }
 
 void AppendJson(const Description& description, Output& output) {
-  output.Append("{\"table\": ");
+  output.Append(R"({"table": )");
   AppendJsonString(output, description.table);
-  output.Append(", \"delimiter\": ");
+  output.Append(R"(, "delimiter": )");
   AppendJsonString(output, description.delimiter);
-  output.Append(", \"fields\": [");
+  output.Append(R"(, "fields": [)");
   bool first = true;
   for (const Field& field : description.fields) {
-    output.Append(first ? "{\"name\": " : ", {\"name\": ");
+    output.Append(first ? R"({"name": )" : R"(, {"name": )");
     first = false;
     AppendJsonString(output, field.name);
-    output.Append(", \"type\": ");
+    output.Append(R"(, "type": )");
     AppendJsonString(output, FieldTypeName(field.type));
-    output.Append(", \"typeCode\": ");
+    output.Append(R"(, "typeCode": )");
     AppendShortest(output, field.type);
-    output.Append(", \"length\": ");
+    output.Append(R"(, "length": )");
     AppendShortest(output, field.length);
-    output.Append(", \"precision\": ");
+    output.Append(R"(, "precision": )");
     AppendShortest(output, field.precision);
-    output.Append(", \"tag\": ");
+    output.Append(R"(, "tag": )");
     AppendJsonString(output, field.tag);
     output.Append('}');
   }
@@ -103,13 +103,13 @@ FileFacts FactsOf(const ModuleHost& host, const TablePath& path) {
 }
 
 void AppendJson(const FileFacts& facts, Output& output) {
-  output.Append("{\"size\": ");
+  output.Append(R"({"size": )");
   AppendShortest(output, facts.size);
   for (LONG kind = 0; kind < kTimeKinds; ++kind) {
-    output.Append(kind == 0 ? ", \"times\": [" : ", ");
+    output.Append(kind == 0 ? R"(, "times": [)" : ", ");
     AppendShortest(output, facts.times[kind]);
   }
-  output.Append("], \"mode\": ");
+  output.Append(R"(], "mode": )");
   AppendShortest(output, facts.mode);
   output.Append("}\n");
 }

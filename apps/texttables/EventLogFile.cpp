@@ -15,17 +15,17 @@ namespace {
 using quenra::EventLogRecord;
 
 void AppendMember(Output& output, std::string_view key, std::u16string_view value) {
-  output.Append(",\"");
+  output.Append(R"(,")");
   output.Append(key);
-  output.Append("\":");
+  output.Append(R"(":)");
   AppendJsonString(output, value);
 }
 
 template <class Number>
 void AppendMember(Output& output, std::string_view key, Number value) {
-  output.Append(",\"");
+  output.Append(R"(,")");
   output.Append(key);
-  output.Append("\":");
+  output.Append(R"(":)");
   AppendShortest(output, value);
 }
 
@@ -42,20 +42,20 @@ std::string LineOf(const EventLogRecord& record) {
   StringOutput line;
   switch (record.kind) {
     case EventLogRecord::Kind::kBegin:
-      line.Append("{\"event\":\"begin\"");
+      line.Append(R"({"event":"begin")");
       AppendTimerMembers(line, record);
       break;
     case EventLogRecord::Kind::kEnd:
-      line.Append("{\"event\":\"end\"");
+      line.Append(R"({"event":"end")");
       AppendTimerMembers(line, record);
       AppendMember(line, "seconds", record.seconds);
       break;
     case EventLogRecord::Kind::kMessage:
-      line.Append("{\"event\":\"message\"");
+      line.Append(R"({"event":"message")");
       AppendMember(line, "text", record.text);
       break;
     case EventLogRecord::Kind::kError:
-      line.Append("{\"event\":\"error\",\"code\":");
+      line.Append(R"({"event":"error","code":)");
       AppendJsonString(line, HexCode(static_cast<HRESULT>(record.code)));
       AppendMember(line, "text", record.text);
       break;

@@ -100,31 +100,31 @@ class TypedRowWriter : public RowWriter {
   void AppendValue(const VARIANT& value) {
     switch (value.vt) {
       case VT_EMPTY:
-        return output_.Append("{\"VT_EMPTY\":null");
+        return output_.Append(R"({"VT_EMPTY":null)");
       case VT_NULL:
-        return output_.Append("{\"VT_NULL\":null");
+        return output_.Append(R"({"VT_NULL":null)");
       case VT_I2:
-        return AppendInteger("{\"VT_I2\":", value.iVal);
+        return AppendInteger(R"({"VT_I2":)", value.iVal);
       case VT_I4:
-        return AppendInteger("{\"VT_I4\":", value.lVal);
+        return AppendInteger(R"({"VT_I4":)", value.lVal);
       case VT_I8:
-        return AppendInteger("{\"VT_I8\":", value.llVal);
+        return AppendInteger(R"({"VT_I8":)", value.llVal);
       case VT_R4:
-        return AppendFloating("{\"VT_R4\":", value.fltVal);
+        return AppendFloating(R"({"VT_R4":)", value.fltVal);
       case VT_R8:
-        return AppendFloating("{\"VT_R8\":", value.dblVal);
+        return AppendFloating(R"({"VT_R8":)", value.dblVal);
       case VT_DATE:
-        return AppendFloating("{\"VT_DATE\":", value.date);
+        return AppendFloating(R"({"VT_DATE":)", value.date);
       case VT_BSTR:
-        output_.Append("{\"VT_BSTR\":");
+        output_.Append(R"({"VT_BSTR":)");
         return AppendJsonString(output_, ViewOf(value.bstrVal));
       case VT_UNKNOWN:
         return AppendObject(value.punkVal);
       default:
         // Kinds that only another module could deliver go by their number.
-        output_.Append("{\"VT_");
+        output_.Append(R"({"VT_)");
         AppendShortest(output_, value.vt);
-        output_.Append("\":");
+        output_.Append(R"(":)");
         return AppendJsonString(output_, ConvertedText(value));
     }
   }
@@ -143,10 +143,10 @@ class TypedRowWriter : public RowWriter {
 
   void AppendObject(IUnknown* object) {
     Timestamp timestamp;
-    if (!ReadTimestamp(object, timestamp)) return output_.Append("{\"VT_UNKNOWN\":null");
-    output_.Append("{\"VT_UNKNOWN\":{\"date\":");
+    if (!ReadTimestamp(object, timestamp)) return output_.Append(R"({"VT_UNKNOWN":null)");
+    output_.Append(R"({"VT_UNKNOWN":{"date":)");
     AppendJsonNumber(output_, timestamp.date);
-    output_.Append(",\"offsetMinutes\":");
+    output_.Append(R"(,"offsetMinutes":)");
     AppendShortest(output_, timestamp.offsetMinutes);
     output_.Append('}');
   }

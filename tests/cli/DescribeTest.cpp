@@ -62,7 +62,7 @@ TEST_F(DescribeTest, DelimiterIsEmptyForFixedLengthAndEscapedForTabs) {
             Document("t.tsv", "\\t",
                      Field("Id", "Integer", 1, 4) + ", " + Field("Name", "String", 4, 8000)));
   Write("s.csv", "Id;Name\n1;Ann\n");
-  EXPECT_EQ(Output({"describe", "s.csv", "--json"}).substr(0, 36),
+  EXPECT_EQ(Output({"describe", "s.csv", "--json"}).substr(0, 37),
             "{\"table\": \"s.csv\", \"delimiter\": \";\", ");
 }
 
@@ -72,7 +72,7 @@ TEST_F(DescribeTest, DelimiterAboveAsciiIsOneCharacter) {
         "B\n1\xA7"
         "2\n");
   Write("schema.ini", "[a.txt]\nFormat=Delimited(\xA7)\nColNameHeader=True\n");
-  EXPECT_EQ(Output({"describe", "a.txt", "--json"}).substr(0, 37),
+  EXPECT_EQ(Output({"describe", "a.txt", "--json"}).substr(0, 38),
             "{\"table\": \"a.txt\", \"delimiter\": \"\xC2\xA7\", ");
 }
 

@@ -58,9 +58,13 @@ TEST_F(WarningTest, QuietSilencesWarnings) {
 
 TEST_F(WarningTest, FileNamesAreSpelledAsTheyAre) {
   WriteMismatches("caf\xE9.csv");
-  EXPECT_EQ(Run({"rows", "caf\xE9.csv", "--format", "none"}).errors,
-            Warning("In file caf\xE9.csv, field value 7.5 does not match inferred type of field N. "
-                    "Generated schema.ini. Restart and try again."));
+  const ProcessResult result = Run({"rows", "caf\xE9.csv", "--format", "none"});
+  EXPECT_EQ(result.exitCode, 0);
+  EXPECT_EQ(result.errors.rfind("texttables: warning: 0x80040955: In file caf\xE9.csv, field value "
+                                "7.5 does not match inferred type of field N. ",
+                                0),
+            0u)
+      << result.errors;
 }
 
 class RefusalTest : public TexttablesTest {};

@@ -1,5 +1,3 @@
-#include <sys/stat.h>
-
 #include "cli/TexttablesTest.h"
 
 namespace {
@@ -18,6 +16,16 @@ class RowsTest : public TexttablesTest {
           "Col9=Time Date HH:mm\n");
   }
 };
+
+// The bytes of UTF-16, little end first.
+std::string Utf16(std::u16string_view text) {
+  std::string bytes;
+  for (const char16_t unit : text) {
+    bytes += static_cast<char>(unit & 0xFF);
+    bytes += static_cast<char>(unit >> 8);
+  }
+  return bytes;
+}
 
 TEST_F(RowsTest, JsonLinesHaveNaturalValues) {
   WriteAllTypes();
@@ -180,12 +188,8 @@ TEST_F(RowsTest, JsonEscapesControlCharactersAndKeepsOtherText) {
 }
 
 TEST_F(RowsTest, LoneSurrogatesAreEscapedInJsonAndReplacedElsewhere) {
-  // UTF-16LE with its mark: T, then a lone high surrogate, a lone low one, and a pair.
-  const std::string bytes(
-      "\xFF\xFET\0\n\0a\0\x00\xD8\n\0\x00\xDC"
-      "b\0\n\0\x3D\xD8\x00\xDE\n\0",
-      26);
-  Write("a.txt", bytes);
+  Write("a.txt", Utf16(u"\xFEFFT\na\xD800\n\xDC00"
+                       u"b\n\xD83D\xDE00\n"));
   Write("schema.ini", "[a.txt]\nFormat=CSVDelimited\nColNameHeader=True\nCol1=T Text\n");
   EXPECT_EQ(Output({"rows", "a.txt", "--json"}),
             "{\"T\":\"a\\ud800\"}\n{\"T\":\"\\udc00b\"}\n{\"T\":\"\xF0\x9F\x98\x80\"}\n");
@@ -214,6 +218,41 @@ TEST_F(RowsTest, LongFieldsComeThroughWhole) {
   const std::string text(3000000, 'x');
   Write("a.csv", "Id,T\n1," + text + "\n2,y\n");
   EXPECT_EQ(Output({"rows", "a.csv"}), "Id,T\n1," + text + "\n2,y\n");
+}
+
+TEST_F(RowsTest, ZeroCharacterEndsItsRecord) {
+  Write("a.csv", std::string("A,B\nx\0y,z\nq,r\n", 15));
+  Write("schema.ini",
+        "[a.csv]\nFormat=CSVDelimited\nColNameHeader=True\nCol1=A Text\nCol2=B Text\n");
+  EXPECT_EQ(Output({"rows", "a.csv", "--format", "typed"}),
+            "[{\"VT_BSTR\":\"x\"},{\"VT_EMPTY\":null}]\n"
+            "[{\"VT_BSTR\":\"q\"},{\"VT_BSTR\":\"r\"}]\n");
+}
+
+TEST_F(RowsTest, HundredThousandColumnsComeThrough) {
+  std::string names;
+  std::string values;
+  for (int i = 0; i < 100000; ++i) {
+    names += (i > 0 ? ",c" : "c") + std::to_string(i);
+    values += i > 0 ? ",x" : "x";
+  }
+  Write("wide.csv", names + "\n" + values + "\n");
+  Write("schema.ini", "[wide.csv]\nFormat=CSVDelimited\nColNameHeader=True\n");
+  EXPECT_TRUE(Output({"rows", "wide.csv"}) == names + "\n" + values + "\n");
+  EXPECT_EQ(Output({"rows", "wide.csv", "--columns", "c99999,c0"}), "c99999,c0\nx,x\n");
+}
+
+TEST_F(RowsTest, FileIsReadToItsByte1A) {
+  Write("a.csv",
+        "Id,N\n1,x\n2,y\n\x1A"
+        "3,z\n");
+  EXPECT_EQ(Output({"rows", "a.csv"}), "Id,N\n1,x\n2,y\n");
+}
+
+TEST_F(RowsTest, ColumnThatIsNotAskedForIsNotConvertedIntoOthers) {
+  Write("a.csv", "Id,Name,Town\n1,Ann,Rome\n2,,Oslo\n");
+  EXPECT_EQ(Output({"rows", "a.csv", "--format", "typed", "--columns", "Name"}),
+            "[{\"VT_BSTR\":\"Ann\"}]\n[{\"VT_NULL\":null}]\n");
 }
 
 TEST_F(RowsTest, TerminalGetsTheTableFormat) {
@@ -275,18 +314,6 @@ TEST_F(ManyRowsTest, ProgressIsShownOnATerminalAndTakenAway) {
   request.arguments.pop_back();
   request.errorsAreTerminal = false;
   EXPECT_EQ(RunProcess(request).errors, "") << "no terminal, no progress";
-}
-
-TEST_F(ManyRowsTest, WaitForASlowFileIsShownAndEndsAtAnInterrupt) {
-  // A pipe that nobody writes to is as slow as a file can be.
-  ASSERT_EQ(::mkfifo((Folder() / "slow.csv").c_str(), 0600), 0);
-  ProcessRequest request = Request({"count", "slow.csv"});
-  request.pauseBeforeReading = std::chrono::milliseconds(1600);
-  request.interruptAfterPause = true;
-  request.errorsAreTerminal = true;
-  const ProcessResult result = RunProcess(request);
-  EXPECT_EQ(result.signal, 2);
-  EXPECT_EQ(result.errors, "\r\x1b[Kreading slow.csv, 1 s\r\x1b[K");
 }
 
 TEST_F(ManyRowsTest, FullDiskIsAnError) {
