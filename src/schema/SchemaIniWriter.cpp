@@ -41,13 +41,28 @@ std::u16string FormatOf(const SchemaOptions& options) {
   return u"Delimited(" + std::u16string(1, options.delimiter) + u")";
 }
 
+// The pattern behind the keyword of a date. It is read as one token, or as two with whatever they
+// hold; a part with blanks of its own goes into quotes. Patterns that could not be read back, and
+// that of a date with an offset, are left out.
+std::u16string PatternClause(const FieldDefinition& field) {
+  constexpr std::u16string_view kFirstLetters = u"mMdDyYhH";
+  const std::u16string& pattern = field.dateFormat.pattern;
+  const bool dated = field.type == FieldType::kDate || field.type == FieldType::kDateOnly ||
+                     field.type == FieldType::kTimeOnly;
+  if (!dated || pattern.empty() || pattern.find(u'"') != std::u16string::npos ||
+      kFirstLetters.find(pattern.front()) == std::u16string_view::npos)
+    return {};
+  const std::size_t blank = pattern.rfind(u' ');
+  if (blank == std::u16string::npos || pattern.find(u' ') == blank) return u' ' + pattern;
+  return u" \"" + pattern.substr(0, blank) + u"\" " + pattern.substr(blank + 1);
+}
+
 std::u16string ColumnLine(const FieldDefinition& field) {
   const bool quoted = field.name.find(u' ') != std::u16string::npos;
   std::u16string line = quoted ? u'"' + field.name + u'"' : field.name;
   line += u' ';
   line += KeywordOfType(field.type);
-  const bool dated = IsDateType(field.type) || field.type == FieldType::kTimeOnly;
-  if (dated && !field.dateFormat.pattern.empty()) line += u' ' + field.dateFormat.pattern;
+  line += PatternClause(field);
   if (field.hasWidth && field.width >= 1) line += u" Width " + SectionText::Decimal(field.width);
   return line;
 }
@@ -154,6 +169,17 @@ bool RenameSchemaSection(const SchemaIniPaths& paths, std::u16string_view sectio
     if (!HasSection(paths, sectionName)) return;
     SchemaIniFile file(paths, SchemaIniFile::Access::kWrite);
     file.Rename(sectionName, newName);
+    file.Save();
+  });
+}
+
+bool DuplicateSchemaSection(const SchemaIniPaths& paths, std::u16string_view sectionName,
+                            std::u16string_view newName, std::u16string* failure) noexcept {
+  return Guarded(failure, [&] {
+    if (!HasSection(paths, sectionName) && !HasSection(paths, newName)) return;
+    SchemaIniFile file(paths, SchemaIniFile::Access::kWrite);
+    file.Remove(newName);
+    file.Duplicate(sectionName, newName);
     file.Save();
   });
 }

@@ -29,6 +29,12 @@ bool DropSchemaSection(const SchemaIniPaths& paths, std::u16string_view sectionN
 bool RenameSchemaSection(const SchemaIniPaths& paths, std::u16string_view sectionName,
                          std::u16string_view newName, std::u16string* failure = nullptr) noexcept;
 
+// Puts a section `newName` with the same lines behind the section, in place of one of that name.
+// True also when there is no section. The names must differ in more than letter case.
+bool DuplicateSchemaSection(const SchemaIniPaths& paths, std::u16string_view sectionName,
+                            std::u16string_view newName,
+                            std::u16string* failure = nullptr) noexcept;
+
 // Carries the lines of a section, unchanged, to the section `newName` of the same or another
 // schema.ini. Without the section, one that stands under the new name is taken away.
 bool CopySchemaSection(const SchemaIniPaths& from, std::u16string_view sectionName,
