@@ -76,9 +76,12 @@ bool ReadIso6709(const char* position, StandardPair& pair) noexcept {
       !ReadIsoValue(position, 3, second, longitude) || latitude.groups != longitude.groups) {
     return false;
   }
-  // The closing solidus is often left out. Without it only decimals tell a position from a sum.
-  const bool plain = latitude.groups == 1 && latitude.decimals > 0 && longitude.decimals > 0 &&
-                     (latitude.decimals >= kPlainDecimals || longitude.decimals >= kPlainDecimals);
+  // The closing solidus is often left out, as in the time zone database. Without it, whole degrees
+  // could be a sum; minutes below 60 with leading zeros, or decimals, tell a position.
+  const bool plain = latitude.groups >= 2 ||
+                     (latitude.decimals > 0 && longitude.decimals > 0 &&
+                      (latitude.decimals >= kPlainDecimals ||
+                       longitude.decimals >= kPlainDecimals));
   if (!ReadIsoEnd(position, !plain)) return false;
   pair.latitude = first.Apply(latitude.degrees);
   pair.longitude = second.Apply(longitude.degrees);
