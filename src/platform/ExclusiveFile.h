@@ -10,7 +10,7 @@
 
 #include "platform/FileNames.h"
 
-class ExclusiveFile {
+class PLATFORM_API ExclusiveFile {
  public:
   ExclusiveFile() = default;
   // A file that has not replaced another is removed.
