@@ -1,5 +1,6 @@
 #include "plugin/TextFileDatasetHelper.h"
 
+#include <algorithm>
 #include <limits>
 #include <utility>
 
@@ -10,8 +11,10 @@
 #include "plugin/HostObjects.h"
 #include "plugin/TextFileCursorHelper.h"
 #include "plugin/TextFileErrors.h"
+#include "plugin/TextFileLoader.h"
 #include "reading/OpenTextDataset.h"
 #include "reading/ReaderFactory.h"
+#include "schema/SchemaIniPaths.h"
 
 namespace quenra {
 namespace {
@@ -56,6 +59,19 @@ HRESULT TextFileDatasetHelper::EnsureOpen() noexcept try {
   return E_FAIL;
 } catch (...) {
   return HResultFromOpenException(description_->name);
+}
+
+void TextFileDatasetHelper::KeepDatePrecision(
+    const std::vector<TextFile::FieldDefinition>& created) {
+  auto marked = std::make_shared<TextFile::TextDatasetDescription>(*description_);
+  for (std::size_t i = 0; i < std::min(created.size(), marked->fields.size()); ++i)
+    if (marked->fields[i].type == TextFile::FieldType::kDate)
+      marked->fields[i].hasDatePrecision = created[i].hasDatePrecision;
+  description_ = std::move(marked);
+}
+
+TextFile::TableLocation TextFileDatasetHelper::Location() const {
+  return {TextFile::FolderOf(description_->path), description_->name};
 }
 
 std::u16string_view TextFileDatasetHelper::ErrorSource() const noexcept { return kErrorSource; }
@@ -150,27 +166,60 @@ HRESULT STDMETHODCALLTYPE TextFileDatasetHelper::AllowsCopy(VARIANT_BOOL* allowe
   return Answer(allowed, VARIANT_BOOL{VARIANT_TRUE});
 }
 
-HRESULT STDMETHODCALLTYPE TextFileDatasetHelper::CopyDataset(BSTR, HostWorkspace*) {
-  return E_NOTIMPL;
+HRESULT STDMETHODCALLTYPE TextFileDatasetHelper::CopyDataset(BSTR newName,
+                                                             HostWorkspace* target) try {
+  if (ViewOf(newName).empty() || target == nullptr) return E_INVALIDARG;
+  BString folder;
+  if (const HRESULT result = target->WorkspacePath(folder.Receive()); FAILED(result)) return result;
+  TextFile::CopyTableFiles(Location(), {std::u16string(ViewOf(folder.Get())),
+                                        std::u16string(ViewOf(newName))});
+  return S_OK;
+} catch (...) {
+  return HResultFromTableException();
 }
 
 HRESULT STDMETHODCALLTYPE TextFileDatasetHelper::AllowsDelete(VARIANT_BOOL* allowed) {
   return Answer(allowed, VARIANT_BOOL{VARIANT_TRUE});
 }
 
-HRESULT STDMETHODCALLTYPE TextFileDatasetHelper::DeleteDataset() { return E_NOTIMPL; }
+HRESULT STDMETHODCALLTYPE TextFileDatasetHelper::DeleteDataset() try {
+  TextFile::DeleteTableFiles(Location());
+  return S_OK;
+} catch (...) {
+  return HResultFromTableException();
+}
 
 HRESULT STDMETHODCALLTYPE TextFileDatasetHelper::AllowsRename(VARIANT_BOOL* allowed) {
   return Answer(allowed, VARIANT_BOOL{VARIANT_TRUE});
 }
 
-HRESULT STDMETHODCALLTYPE TextFileDatasetHelper::RenameDataset(BSTR, BSTR* resultName) {
-  return Answer<BSTR>(resultName, nullptr, E_NOTIMPL);
+HRESULT STDMETHODCALLTYPE TextFileDatasetHelper::RenameDataset(BSTR newName,
+                                                               BSTR* resultName) try {
+  if (resultName == nullptr) return E_POINTER;
+  *resultName = nullptr;
+  const std::u16string_view name = ViewOf(newName);
+  auto renamed = std::make_shared<TextFile::TextDatasetDescription>(*description_);
+  const TextFile::TableLocation location = Location();
+  TextFile::RenameTableFiles(location, name);
+  renamed->name = name;
+  renamed->path = TextFile::JoinPath(location.folder, name);
+  description_ = std::move(renamed);
+  return CopyToBstr(name, resultName);
+} catch (...) {
+  return HResultFromTableException();
 }
 
 HRESULT STDMETHODCALLTYPE TextFileDatasetHelper::CreateLoader(IUnknown*,
-                                                              IPlugInDatasetLoader** loader) {
-  return Answer<IPlugInDatasetLoader*>(loader, nullptr, E_NOTIMPL);
+                                                              IPlugInDatasetLoader** loader) try {
+  if (loader == nullptr) return E_POINTER;
+  *loader = nullptr;
+  if (const HRESULT result = EnsureOpen(); FAILED(result)) return result;
+  auto writer = std::make_unique<TextFile::RowWriter>(*description_);
+  if (!writer->Open()) return ChainTextFileError(E_FAIL, writer->failure());
+  *loader = MakeObject<TextFileLoader>(std::move(writer)).Detach();
+  return S_OK;
+} catch (...) {
+  return HResultFromCurrentException();
 }
 
 HRESULT STDMETHODCALLTYPE TextFileDatasetHelper::CountRows(LONG, LONG* count) try {

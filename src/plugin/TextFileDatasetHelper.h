@@ -2,12 +2,14 @@
 #pragma once
 
 #include <memory>
+#include <vector>
 
 #include "host/com/ComPtr.h"
 #include "host/com/Implements.h"
 #include "host/interfaces/PlugInDataset.h"
 #include "inference/OpenOptions.h"
 #include "reading/TextDatasetDescription.h"
+#include "schema/TableFiles.h"
 
 namespace quenra {
 
@@ -23,6 +25,10 @@ class TextFileDatasetHelper final
   // Reads the table's layout unless that has been done. After a failure the table is as if nothing
   // had been tried; errors with a text have been chained.
   HRESULT EnsureOpen() noexcept;
+
+  // Carries over which date fields a host has created with precision 1, since no file keeps that.
+  // For a table that is open.
+  void KeepDatePrecision(const std::vector<TextFile::FieldDefinition>& created);
 
   std::u16string_view ClassName() const noexcept override { return u"TextFileDatasetHelper"; }
   std::u16string_view ErrorSource() const noexcept override;
@@ -55,7 +61,8 @@ class TextFileDatasetHelper final
                                               VARIANT fieldMap,
                                               IPlugInCursorHelper** cursor) override;
 
-  // IPlugInFileOperations. The operations themselves are not there yet: E_NOTIMPL.
+  // IPlugInFileOperations. The text file, its section of schema.ini and its metadata file stay
+  // together. A failure chains an error that names the file, and is E_FAIL.
   HRESULT STDMETHODCALLTYPE AllowsCopy(VARIANT_BOOL* allowed) override;
   HRESULT STDMETHODCALLTYPE CopyDataset(BSTR newName, HostWorkspace* target) override;
   HRESULT STDMETHODCALLTYPE AllowsDelete(VARIANT_BOOL* allowed) override;
@@ -63,7 +70,7 @@ class TextFileDatasetHelper final
   HRESULT STDMETHODCALLTYPE AllowsRename(VARIANT_BOOL* allowed) override;
   HRESULT STDMETHODCALLTYPE RenameDataset(BSTR newName, BSTR* resultName) override;
 
-  // IPlugInDatasetLoad. There is no loader yet: E_NOTIMPL.
+  // IPlugInDatasetLoad
   HRESULT STDMETHODCALLTYPE CreateLoader(IUnknown* reserved,
                                          IPlugInDatasetLoader** loader) override;
 
@@ -79,6 +86,8 @@ class TextFileDatasetHelper final
   HRESULT STDMETHODCALLTYPE Reserved2() override;
 
  private:
+  TextFile::TableLocation Location() const;
+
   // Replaced by the opened description, and never changed after that: cursors share it.
   std::shared_ptr<const TextFile::TextDatasetDescription> description_;
   ComPtr<HostFieldCollection> fields_;  // null until the host asks for it

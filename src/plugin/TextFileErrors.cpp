@@ -1,5 +1,6 @@
 #include "plugin/TextFileErrors.h"
 
+#include <new>
 #include <string>
 
 #include "host/DataCore/DataAccessUtil.h"
@@ -7,6 +8,7 @@
 #include "host/interfaces/DataSourceClasses.h"
 #include "resources/ResourceStrings.h"
 #include "resources/StringIds.h"
+#include "schema/TableFiles.h"
 
 namespace quenra {
 namespace {
@@ -25,6 +27,18 @@ std::u16string SchemaIniMessage(std::u16string_view tableName, const TextFile::P
 
 HRESULT ChainTextFileError(HRESULT code, std::u16string_view text) noexcept {
   return DataAccessUtil::ChainError(code, kTextFileErrorSource, text);
+}
+
+HRESULT HResultFromTableException() noexcept try {
+  try {
+    throw;
+  } catch (const TextFile::TableFailure& failure) {
+    return ChainTextFileError(E_FAIL, failure.text);
+  }
+} catch (const std::bad_alloc&) {
+  return E_OUTOFMEMORY;
+} catch (...) {
+  return E_FAIL;
 }
 
 HRESULT HResultFromOpenException(std::u16string_view tableName) noexcept try {

@@ -7,10 +7,14 @@
 #include "host/CoreSupport/Components.h"
 #include "host/com/ComCatch.h"
 #include "host/interfaces/HostClasses.h"
+#include "plugin/NewTableFields.h"
 #include "plugin/TextFileErrors.h"
 #include "plugin/TextFileFolder.h"
 #include "plugin/TextFileNativeType.h"
+#include "reading/OpenTextDataset.h"
+#include "schema/ParseError.h"
 #include "schema/SchemaIniPaths.h"
+#include "schema/TableFiles.h"
 
 namespace quenra {
 namespace {
@@ -116,10 +120,22 @@ HRESULT STDMETHODCALLTYPE TextFileWorkspaceHelper::MetadataFilePath(BSTR name, B
 
 HRESULT STDMETHODCALLTYPE TextFileWorkspaceHelper::CreateTable(BSTR name,
                                                                HostFieldCollection* fields,
-                                                               IPlugInDatasetHelper** dataset) {
+                                                               IPlugInDatasetHelper** dataset) try {
   if (dataset != nullptr) *dataset = nullptr;
   if (ViewOf(name).empty() || fields == nullptr || dataset == nullptr) return E_POINTER;
-  return E_NOTIMPL;
+  std::vector<TextFile::FieldDefinition> definitions;
+  if (const HRESULT result = DefinitionsFrom(*fields, definitions); FAILED(result)) return result;
+  TextFile::CreateTableFiles({workspace_.folder, std::u16string(ViewOf(name))}, definitions);
+  auto created = MakeObject<TextFileDatasetHelper>(
+      TextFile::DescribeFile(workspace_.folder, ViewOf(name)), options_);
+  if (const HRESULT result = created->EnsureOpen(); FAILED(result)) return result;
+  created->KeepDatePrecision(definitions);
+  *dataset = created.Detach();
+  return S_OK;
+} catch (const TextFile::ParseError&) {
+  return HResultFromOpenException(ViewOf(name));
+} catch (...) {
+  return HResultFromTableException();
 }
 
 HRESULT STDMETHODCALLTYPE TextFileWorkspaceHelper::ReservedQuery(VARIANT_BOOL* result) {

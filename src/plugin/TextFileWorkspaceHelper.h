@@ -44,7 +44,7 @@ class TextFileWorkspaceHelper final
   // IPlugInMetadataPath
   HRESULT STDMETHODCALLTYPE MetadataFilePath(BSTR name, BSTR* path) override;
 
-  // IPlugInCreateDataset. Tables cannot be created yet: E_NOTIMPL for good arguments.
+  // IPlugInCreateDataset. Takes the place of a file of that name; a failure leaves it as it was.
   HRESULT STDMETHODCALLTYPE CreateTable(BSTR name, HostFieldCollection* fields,
                                         IPlugInDatasetHelper** dataset) override;
 

@@ -1,51 +1,21 @@
 #include "schema/SchemaIniWriter.h"
 
-#include <algorithm>
-#include <boost/filesystem.hpp>
-#include <fstream>
-#include <stdexcept>
+#include <string>
 
-#include "host/CoreSupport/CharacterClasses.h"
-#include "host/DataCore/DataCoreUtil.h"
-#include "platform/CodePages.h"
-#include "platform/FileNames.h"
-#include "platform/OleText.h"
-#include "reading/TextLineStream.h"
+#include "schema/SchemaIniFile.h"
 
 namespace TextFile {
 
 namespace {
 
-namespace fs = boost::filesystem;
-
-// Why a write has failed. Never leaves this file.
-struct WriteFailure {
-  std::u16string_view reason;
-};
-
-constexpr std::u16string_view kCouldNotCreate = u"Could not create schema.ini.";
-constexpr std::u16string_view kCouldNotWrite = u"Could not write to schema.ini.";
-constexpr std::u16string_view kCouldNotWriteTemporary = u"Could not write to temp schema.ini.";
-constexpr std::u16string_view kCouldNotRead = u"Could not read schema.ini.";
-constexpr std::u16string_view kNameNotText = u"The file's name is not valid text.";
-constexpr std::u16string_view kCouldNotReplace = u"Could not replace schema.ini.";
-
-// ---------------------------------------------------------------------------------------------
-// Section text
-// ---------------------------------------------------------------------------------------------
-
+// Collects the lines of a section.
 class SectionText {
  public:
-  explicit SectionText(std::u16string_view name) : text_(u"[") {
-    text_ += name;
-    text_ += u"]\n";
-  }
-
   void Line(std::u16string_view key, std::u16string_view value) {
-    text_ += key;
-    text_ += u'=';
-    text_ += value;
-    text_ += u'\n';
+    std::u16string line(key);
+    line += u'=';
+    line += value;
+    lines_.push_back(std::move(line));
   }
   void Character(std::u16string_view key, char16_t value) {
     Line(key, std::u16string_view(&value, 1));
@@ -58,10 +28,10 @@ class SectionText {
     return std::u16string(digits.begin(), digits.end());
   }
 
-  std::u16string Take() { return std::move(text_); }
+  SectionLines Take() { return std::move(lines_); }
 
  private:
-  std::u16string text_;
+  SectionLines lines_;
 };
 
 std::u16string FormatOf(const SchemaOptions& options) {
@@ -71,13 +41,28 @@ std::u16string FormatOf(const SchemaOptions& options) {
   return u"Delimited(" + std::u16string(1, options.delimiter) + u")";
 }
 
+// The pattern behind the keyword of a date. It is read as one token, or as two with whatever they
+// hold; a part with blanks of its own goes into quotes. Patterns that could not be read back, and
+// that of a date with an offset, are left out.
+std::u16string PatternClause(const FieldDefinition& field) {
+  constexpr std::u16string_view kFirstLetters = u"mMdDyYhH";
+  const std::u16string& pattern = field.dateFormat.pattern;
+  const bool dated = field.type == FieldType::kDate || field.type == FieldType::kDateOnly ||
+                     field.type == FieldType::kTimeOnly;
+  if (!dated || pattern.empty() || pattern.find(u'"') != std::u16string::npos ||
+      kFirstLetters.find(pattern.front()) == std::u16string_view::npos)
+    return {};
+  const std::size_t blank = pattern.rfind(u' ');
+  if (blank == std::u16string::npos || pattern.find(u' ') == blank) return u' ' + pattern;
+  return u" \"" + pattern.substr(0, blank) + u"\" " + pattern.substr(blank + 1);
+}
+
 std::u16string ColumnLine(const FieldDefinition& field) {
   const bool quoted = field.name.find(u' ') != std::u16string::npos;
   std::u16string line = quoted ? u'"' + field.name + u'"' : field.name;
   line += u' ';
   line += KeywordOfType(field.type);
-  const bool dated = IsDateType(field.type) || field.type == FieldType::kTimeOnly;
-  if (dated && !field.dateFormat.pattern.empty()) line += u' ' + field.dateFormat.pattern;
+  line += PatternClause(field);
   if (field.hasWidth && field.width >= 1) line += u" Width " + SectionText::Decimal(field.width);
   return line;
 }
@@ -107,127 +92,10 @@ void AddCurrencyLines(const CurrencySettings& currency, SectionText& text) {
     text.Character(u"CurrencyDecimalSymbol", currency.decimalSymbol);
 }
 
-// ---------------------------------------------------------------------------------------------
-// Files
-// ---------------------------------------------------------------------------------------------
-
-std::string ToUtf8(std::u16string_view text) {
-  if (text.empty()) return {};
-  // No UTF-16 unit needs more than three bytes.
-  std::string bytes(3 * text.size(), '\0');
-  const int size =
-      ::WideCharToMultiByte(CP_UTF8, 0, AsOle(text.data()), static_cast<int>(text.size()),
-                            bytes.data(), static_cast<int>(bytes.size()), nullptr, nullptr);
-  bytes.resize(static_cast<std::size_t>(std::max(size, 0)));
-  return bytes;
-}
-
-// Whether the text can be written as UTF-8 and read back: it has no lone surrogate.
-bool IsWellFormed(std::u16string_view text) {
-  return text.empty() ||
-         ::WideCharToMultiByte(CP_UTF8, WC_ERR_INVALID_CHARS, AsOle(text.data()),
-                               static_cast<int>(text.size()), nullptr, 0, nullptr, nullptr) > 0;
-}
-
-// Every line of the old file but its blank ones, with the section put in place of the old one.
-class SectionReplacer {
- public:
-  SectionReplacer(std::u16string_view name, std::u16string_view section)
-      : header_(u'[' + std::u16string(name) + u']'), section_(section) {}
-
-  void AddLine(std::u16string_view line) {
-    const bool isHeader = line.starts_with(u'[');
-    if (isHeader) skipping_ = quenra::DataCoreUtil::CompareFoldCase(line, header_);
-    if (isHeader && skipping_) AddSection(line);
-    if (skipping_ || line.empty()) return;
-    text_ += line;
-    text_ += u'\n';
-  }
-
-  // The whole new file.
-  std::u16string Finish() {
-    if (!added_) text_ += section_;
-    return std::move(text_);
-  }
-
- private:
-  // The header line stays as the user has written it.
-  void AddSection(std::u16string_view header) {
-    if (added_) return;
-    added_ = true;
-    text_ += header;
-    text_ += section_.substr(section_.find(u'\n'));
-  }
-
-  const std::u16string header_;
-  const std::u16string_view section_;
-  std::u16string text_;
-  bool skipping_ = false;
-  bool added_ = false;
-};
-
-struct NewFile {
-  std::u16string text;
-  bool hadMark = false;
-};
-
-NewFile ReplaceIn(const std::u16string& schemaIni, SectionReplacer replacer) {
-  TextLineStream stream;
-  if (!stream.Open(schemaIni, TextLineStream::kPlainLines)) throw WriteFailure{kCouldNotRead};
-  switch (stream.encoding()) {
-    case TextEncoding::kUtf16BE:
-    case TextEncoding::kUtf32LE:
-    case TextEncoding::kUtf32BE:
-      throw WriteFailure{kCouldNotRead};
-    default:
-      break;
-  }
-  NewFile file;
-  file.hadMark = stream.encoding() != TextEncoding::kUndetermined;
-  std::u16string line;
-  while (stream.ReadLine(line)) replacer.AddLine(line);
-  file.text = replacer.Finish();
-  return file;
-}
-
-// Writes the finished file under its temporary name and gives it its own; nothing stays behind
-// when that fails.
-void Replace(const SchemaIniPaths& paths, const std::string& bytes, bool existed) {
-  const fs::path temporary(NativeFromFileName(paths.temporary));
-  std::ofstream stream(temporary.c_str(), std::ios::binary | std::ios::trunc);
-  if (!stream.is_open())
-    throw WriteFailure{existed ? kCouldNotWriteTemporary : kCouldNotCreate};
-  stream.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-  stream.close();
-  boost::system::error_code error;
-  if (stream.fail()) {
-    fs::remove(temporary, error);
-    throw WriteFailure{existed ? kCouldNotWriteTemporary : kCouldNotWrite};
-  }
-  fs::rename(temporary, fs::path(NativeFromFileName(paths.schemaIni)), error);
-  if (!error) return;
-  fs::remove(temporary, error);
-  throw WriteFailure{existed ? kCouldNotReplace : kCouldNotCreate};
-}
-
-void WriteOrThrow(const SchemaIniPaths& paths, std::u16string_view name,
-                  const SchemaOptions& options) {
-  if (!IsWellFormed(name)) throw WriteFailure{kNameNotText};
-  const std::u16string section = SchemaSectionText(name, options);
-  boost::system::error_code ignored;
-  const fs::file_status status =
-      fs::symlink_status(fs::path(NativeFromFileName(paths.schemaIni)), ignored);
-  const bool exists = fs::exists(status);
-  const NewFile file =
-      exists ? ReplaceIn(paths.schemaIni, SectionReplacer(name, section)) : NewFile{section};
-  const std::string mark = file.hadMark ? "\xEF\xBB\xBF" : "";
-  Replace(paths, mark + ToUtf8(file.text), exists);
-}
-
 }  // namespace
 
-std::u16string SchemaSectionText(std::u16string_view sectionName, const SchemaOptions& options) {
-  SectionText text(sectionName);
+SectionLines SchemaSectionLines(const SchemaOptions& options) {
+  SectionText text;
   if (options.IsSpecified(SchemaOptions::kFormat))
     text.Line(u"Format", FormatOf(options));
   if (options.IsSpecified(SchemaOptions::kColNameHeader))
@@ -251,20 +119,89 @@ std::u16string SchemaSectionText(std::u16string_view sectionName, const SchemaOp
   return text.Take();
 }
 
+namespace {
+
+// Runs a change of a schema.ini; whatever goes wrong becomes false and the reason.
+template <class Change>
+bool Guarded(std::u16string* failure, const Change& change) noexcept {
+  std::u16string reason;
+  try {
+    change();
+    return true;
+  } catch (const SchemaIniFailure& known) {
+    reason = known.reason;
+  } catch (const std::exception& other) {
+    const std::string_view what = other.what();
+    reason.assign(what.begin(), what.end());
+  }
+  if (failure != nullptr) *failure = std::move(reason);
+  return false;
+}
+
+bool HasSection(const SchemaIniPaths& paths, std::u16string_view name) {
+  return SchemaIniFile(paths, SchemaIniFile::Access::kRead).Find(name) != nullptr;
+}
+
+}  // namespace
+
 bool WriteSchemaSection(const SchemaIniPaths& paths, std::u16string_view sectionName,
                         const SchemaOptions& options, std::u16string* failure) noexcept {
-  try {
-    WriteOrThrow(paths, sectionName, options);
-    return true;
-  } catch (const WriteFailure& reason) {
-    if (failure != nullptr) *failure = reason.reason;
-  } catch (const std::exception& other) {
-    if (failure != nullptr) {
-      const std::string_view what = other.what();
-      failure->assign(what.begin(), what.end());
+  return Guarded(failure, [&] {
+    SchemaIniFile file(paths, SchemaIniFile::Access::kWrite);
+    file.Replace(sectionName, SchemaSectionLines(options));
+    file.Save();
+  });
+}
+
+bool DropSchemaSection(const SchemaIniPaths& paths, std::u16string_view sectionName,
+                       std::u16string* failure) noexcept {
+  return Guarded(failure, [&] {
+    if (!HasSection(paths, sectionName)) return;
+    SchemaIniFile file(paths, SchemaIniFile::Access::kWrite);
+    file.Remove(sectionName);
+    file.Save();
+  });
+}
+
+bool RenameSchemaSection(const SchemaIniPaths& paths, std::u16string_view sectionName,
+                         std::u16string_view newName, std::u16string* failure) noexcept {
+  return Guarded(failure, [&] {
+    if (!HasSection(paths, sectionName)) return;
+    SchemaIniFile file(paths, SchemaIniFile::Access::kWrite);
+    file.Rename(sectionName, newName);
+    file.Save();
+  });
+}
+
+bool DuplicateSchemaSection(const SchemaIniPaths& paths, std::u16string_view sectionName,
+                            std::u16string_view newName, std::u16string* failure) noexcept {
+  return Guarded(failure, [&] {
+    if (!HasSection(paths, sectionName) && !HasSection(paths, newName)) return;
+    SchemaIniFile file(paths, SchemaIniFile::Access::kWrite);
+    file.Remove(newName);
+    file.Duplicate(sectionName, newName);
+    file.Save();
+  });
+}
+
+bool CopySchemaSection(const SchemaIniPaths& from, std::u16string_view sectionName,
+                       const SchemaIniPaths& to, std::u16string_view newName,
+                       std::u16string* failure) noexcept {
+  return Guarded(failure, [&] {
+    const SchemaIniFile source(from, SchemaIniFile::Access::kRead);
+    const SectionLines* lines = source.Find(sectionName);
+    if (lines == nullptr) {
+      // What an earlier file of the new name has left must not describe the copy.
+      if (!HasSection(to, newName)) return;
+      SchemaIniFile target(to, SchemaIniFile::Access::kWrite);
+      target.Remove(newName);
+      target.Save();
+      return;
     }
-  }
-  return false;
+    SchemaIniFile target(to, SchemaIniFile::Access::kWrite);
+    target.Replace(newName, *lines);
+    target.Save();
+  });
 }
 
 }  // namespace TextFile

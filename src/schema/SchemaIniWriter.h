@@ -1,27 +1,47 @@
-// Writes the section of one file into a folder's schema.ini.
+// Writes, drops, renames and copies the section of one file in a folder's schema.ini.
 //
-// The new file is finished under its temporary name and takes the old one's place in one rename,
-// so that schema.ini is never seen half written. Other sections keep their order and their lines;
-// blank lines go. Written as UTF-8, with a byte-order mark only when the old file had a mark.
+// Every function answers whether the change was made. When it was not, schema.ini is as it was and
+// `failure` (may be null) says why; nothing is thrown. Section names are compared without regard to
+// case. A schema.ini in an encoding that is not read (UTF-16 with the high byte first, UTF-32) is
+// never rewritten. Files are written as UTF-8, with a byte-order mark only when the old file had a
+// mark.
 #pragma once
 
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "schema/SchemaIniPaths.h"
 #include "schema/TableSchema.h"
 
 namespace TextFile {
 
-// Replaces the section named `sectionName` (compared without regard to case; its header line stays
-// as it was found), or appends it. Only options that are marked as specified are written, and the
-// columns of `options`. False when schema.ini does not hold the section now: it is then as it was,
-// and `failure` (may be null) says why. A schema.ini in an encoding that is not read (UTF-16 with
-// the high byte first, UTF-32) is never rewritten.
+// Replaces the section, whose header line stays as it was found, or appends it. Only options that
+// are marked as specified are written, and the columns.
 bool WriteSchemaSection(const SchemaIniPaths& paths, std::u16string_view sectionName,
                         const SchemaOptions& options, std::u16string* failure = nullptr) noexcept;
 
-// The lines of a section, each ended by a line feed, from the header line on.
-std::u16string SchemaSectionText(std::u16string_view sectionName, const SchemaOptions& options);
+// Takes the section away. True also when there is none.
+bool DropSchemaSection(const SchemaIniPaths& paths, std::u16string_view sectionName,
+                       std::u16string* failure = nullptr) noexcept;
+
+// Gives the section another header line; its lines stay. True also when there is none.
+bool RenameSchemaSection(const SchemaIniPaths& paths, std::u16string_view sectionName,
+                         std::u16string_view newName, std::u16string* failure = nullptr) noexcept;
+
+// Puts a section `newName` with the same lines behind the section, in place of one of that name.
+// True also when there is no section. The names must differ in more than letter case.
+bool DuplicateSchemaSection(const SchemaIniPaths& paths, std::u16string_view sectionName,
+                            std::u16string_view newName,
+                            std::u16string* failure = nullptr) noexcept;
+
+// Carries the lines of a section, unchanged, to the section `newName` of the same or another
+// schema.ini. Without the section, one that stands under the new name is taken away.
+bool CopySchemaSection(const SchemaIniPaths& from, std::u16string_view sectionName,
+                       const SchemaIniPaths& to, std::u16string_view newName,
+                       std::u16string* failure = nullptr) noexcept;
+
+// The lines of a section, without the header line.
+std::vector<std::u16string> SchemaSectionLines(const SchemaOptions& options);
 
 }  // namespace TextFile

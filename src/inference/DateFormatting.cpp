@@ -1,0 +1,133 @@
+#include "inference/DateFormatting.h"
+
+#include <algorithm>
+#include <charconv>
+#include <cstdlib>
+
+#include "host/CoreSupport/CharacterClasses.h"
+#include "schema/Utf8.h"
+
+namespace TextFile {
+
+namespace {
+
+constexpr std::u16string_view kHourLetters = u"hH";
+constexpr std::u16string_view kTimeWithoutHour = u"hh:mm:ss";
+constexpr std::u16string_view kDateBehindTime = u"yyyy-MM-dd";
+
+constexpr char16_t ToLowerAscii(char16_t unit) noexcept {
+  return unit >= u'A' && unit <= u'Z' ? static_cast<char16_t>(unit + (u'a' - u'A')) : unit;
+}
+
+void AppendPadded(int value, int digits, std::string& bytes) {
+  char buffer[12];
+  const auto end = std::to_chars(buffer, buffer + sizeof(buffer), value).ptr;
+  const auto length = static_cast<int>(end - buffer);
+  bytes.append(static_cast<std::size_t>(std::max(0, digits - length)), '0');
+  bytes.append(buffer, end);
+}
+
+}  // namespace
+
+DatePattern::DatePattern(std::u16string_view pattern) {
+  bool hourSeen = false;
+  for (std::size_t i = 0; i < pattern.size();) {
+    const char16_t unit = pattern[i];
+    if (unit == u'\'') {
+      const std::size_t end = std::min(pattern.find(u'\'', i + 1), pattern.size());
+      AddText(pattern.substr(i + 1, end - i - 1));
+      i = end + 1;
+      continue;
+    }
+    const std::size_t end = std::min(pattern.find_first_not_of(unit, i), pattern.size());
+    const int letters = static_cast<int>(end - i);
+    const bool minutes = hourSeen && (unit == u'm' || (i > 0 && pattern[i - 1] == u':'));
+    switch (ToLowerAscii(unit)) {
+      case u'd':
+        if (letters <= 2) parts_.push_back({Kind::kDay, letters, {}});
+        break;
+      case u'm':
+        parts_.push_back({minutes ? Kind::kMinute : Kind::kMonth, letters, {}});
+        break;
+      case u'y':
+        parts_.push_back({Kind::kYear, letters, {}});
+        break;
+      case u'h':
+        hourSeen = true;
+        parts_.push_back({Kind::kHour, letters, {}});
+        break;
+      case u's':
+        parts_.push_back({Kind::kSecond, letters, {}});
+        break;
+      default:
+        if (unit != u't') AddText(pattern.substr(i, end - i));
+        break;
+    }
+    i = end;
+  }
+}
+
+void DatePattern::AddText(std::u16string_view text) {
+  if (text.empty()) return;
+  if (parts_.empty() || parts_.back().kind != Kind::kText) parts_.push_back({Kind::kText, 0, {}});
+  AppendUtf8(text, parts_.back().text);
+}
+
+void DatePattern::Append(const SYSTEMTIME& time, std::string& bytes) const {
+  for (const Part& part : parts_) {
+    const int digits = std::min(part.letters, 2);
+    switch (part.kind) {
+      case Kind::kText:
+        bytes += part.text;
+        break;
+      case Kind::kDay:
+        AppendPadded(time.wDay, digits, bytes);
+        break;
+      case Kind::kMonth:
+        AppendPadded(time.wMonth, digits, bytes);
+        break;
+      case Kind::kYear:
+        if (part.letters <= 2)
+          AppendPadded(time.wYear % 100, 2, bytes);
+        else
+          AppendPadded(time.wYear, 4, bytes);
+        break;
+      case Kind::kHour:
+        AppendPadded(time.wHour, digits, bytes);
+        break;
+      case Kind::kMinute:
+        AppendPadded(time.wMinute, digits, bytes);
+        break;
+      case Kind::kSecond:
+        AppendPadded(time.wSecond, digits, bytes);
+        if (time.wMilliseconds == 0) break;
+        bytes += '.';
+        AppendPadded(time.wMilliseconds, 3, bytes);
+        break;
+    }
+  }
+}
+
+std::u16string WritingPattern(const DateFieldFormat& format, FieldType type,
+                              std::u16string_view tablePattern) {
+  const std::u16string_view pattern =
+      format.pattern.empty() ? tablePattern : std::u16string_view(format.pattern);
+  const std::size_t hour = std::min(pattern.find_first_of(kHourLetters), pattern.size());
+  if (type == FieldType::kTimeOnly)
+    return std::u16string(hour < pattern.size() ? pattern.substr(hour) : kTimeWithoutHour);
+  if (type != FieldType::kDateOnly) return std::u16string(pattern);
+
+  std::u16string_view day = quenra::TrimWhiteSpace(pattern.substr(0, hour));
+  // The "T" between day and time belongs to neither.
+  if (hour < pattern.size() && day.ends_with(u'T')) day.remove_suffix(1);
+  return std::u16string(day.empty() ? kDateBehindTime : day);
+}
+
+void AppendOffset(int minutes, std::string& bytes) {
+  bytes += minutes < 0 ? '-' : '+';
+  AppendPadded(std::abs(minutes) / 60, 2, bytes);
+  bytes += ':';
+  AppendPadded(std::abs(minutes) % 60, 2, bytes);
+}
+
+}  // namespace TextFile

@@ -1,0 +1,44 @@
+// A file that one writer at a time fills, in this process or another, and that takes another
+// file's place when it is finished.
+//
+//   ExclusiveFile file;
+//   if (!file.Open(temporary) || !file.Write(bytes) || !file.Replace(target)) ...  // file.error()
+#pragma once
+
+#include <string_view>
+#include <system_error>
+
+#include "platform/FileNames.h"
+
+class PLATFORM_API ExclusiveFile {
+ public:
+  ExclusiveFile() = default;
+  // A file that has not replaced another is removed.
+  ~ExclusiveFile();
+  ExclusiveFile(const ExclusiveFile&) = delete;
+  ExclusiveFile& operator=(const ExclusiveFile&) = delete;
+
+  // Creates the file, or takes over one that a writer has left behind, and waits while another
+  // writer has it. It is empty then.
+  bool Open(const NativeFileName& path);
+
+  bool Write(std::string_view bytes);
+
+  // Gives the file the name `target`, in one step that also removes a file of that name, whose
+  // access rights it takes over.
+  bool Replace(const NativeFileName& target);
+
+  // Why the last call has failed.
+  const std::error_code& error() const noexcept { return error_; }
+
+ private:
+  bool Fail(int systemError) noexcept;
+
+  NativeFileName path_;
+  std::error_code error_;
+#ifdef _WIN32
+  void* handle_ = nullptr;
+#else
+  int descriptor_ = -1;
+#endif
+};

@@ -1,0 +1,84 @@
+#include "platform/ExclusiveFile.h"
+
+#include <cerrno>
+#include <cstdio>
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace {
+
+// Whether `path` still names the file that is open: the writer before may have renamed it.
+bool IsSameFile(int descriptor, const std::string& path) {
+  struct stat open {};
+  struct stat named {};
+  return ::fstat(descriptor, &open) == 0 && ::lstat(path.c_str(), &named) == 0 &&
+         open.st_dev == named.st_dev && open.st_ino == named.st_ino;
+}
+
+bool Lock(int descriptor) {
+  int result = 0;
+  do {
+    result = ::flock(descriptor, LOCK_EX);
+  } while (result != 0 && errno == EINTR);
+  return result == 0;
+}
+
+}  // namespace
+
+bool ExclusiveFile::Fail(int systemError) noexcept {
+  error_ = std::error_code(systemError, std::system_category());
+  return false;
+}
+
+ExclusiveFile::~ExclusiveFile() {
+  if (descriptor_ < 0) return;
+  // Removed while the lock is held, so a writer that waits finds another file under the name.
+  ::unlink(path_.c_str());
+  ::close(descriptor_);
+}
+
+bool ExclusiveFile::Open(const NativeFileName& path) {
+  for (;;) {
+    const int descriptor =
+        ::open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK, 0666);
+    if (descriptor < 0) return Fail(errno);
+    if (!Lock(descriptor)) {
+      const int failure = errno;
+      ::close(descriptor);
+      return Fail(failure);
+    }
+    if (!IsSameFile(descriptor, path)) {
+      ::close(descriptor);
+      continue;
+    }
+    if (::ftruncate(descriptor, 0) != 0) {
+      const int failure = errno;
+      ::close(descriptor);
+      return Fail(failure);
+    }
+    path_ = path;
+    descriptor_ = descriptor;
+    return true;
+  }
+}
+
+bool ExclusiveFile::Write(std::string_view bytes) {
+  while (!bytes.empty()) {
+    const ssize_t count = ::write(descriptor_, bytes.data(), bytes.size());
+    if (count < 0 && errno != EINTR) return Fail(errno);
+    if (count > 0) bytes.remove_prefix(static_cast<std::size_t>(count));
+  }
+  return true;
+}
+
+bool ExclusiveFile::Replace(const NativeFileName& target) {
+  struct stat old {};
+  if (::stat(target.c_str(), &old) == 0 && ::fchmod(descriptor_, old.st_mode & 07777) != 0)
+    return Fail(errno);
+  if (std::rename(path_.c_str(), target.c_str()) != 0) return Fail(errno);
+  ::close(descriptor_);
+  descriptor_ = -1;
+  return true;
+}

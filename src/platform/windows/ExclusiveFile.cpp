@@ -1,0 +1,61 @@
+#include "platform/ExclusiveFile.h"
+
+#include <windows.h>
+
+#include <algorithm>
+
+namespace {
+
+constexpr DWORD kRetryMilliseconds = 10;
+constexpr int kRetries = 1000;  // ten seconds; no writer needs a fraction of it
+
+bool IsBusy(DWORD error) { return error == ERROR_SHARING_VIOLATION || error == ERROR_ACCESS_DENIED; }
+
+}  // namespace
+
+bool ExclusiveFile::Fail(int systemError) noexcept {
+  error_ = std::error_code(systemError, std::system_category());
+  return false;
+}
+
+ExclusiveFile::~ExclusiveFile() {
+  if (handle_ == nullptr) return;
+  ::CloseHandle(handle_);
+  ::DeleteFileW(path_.c_str());
+}
+
+bool ExclusiveFile::Open(const NativeFileName& path) {
+  HANDLE handle = INVALID_HANDLE_VALUE;
+  for (int tries = 0; tries < kRetries; ++tries) {
+    handle = ::CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS,
+                           FILE_ATTRIBUTE_NORMAL, nullptr);
+    if (handle != INVALID_HANDLE_VALUE || !IsBusy(::GetLastError())) break;
+    ::Sleep(kRetryMilliseconds);
+  }
+  if (handle == INVALID_HANDLE_VALUE) return Fail(static_cast<int>(::GetLastError()));
+  path_ = path;
+  handle_ = handle;
+  return true;
+}
+
+bool ExclusiveFile::Write(std::string_view bytes) {
+  while (!bytes.empty()) {
+    constexpr std::size_t kPiece = 1u << 30;
+    DWORD count = 0;
+    if (!::WriteFile(handle_, bytes.data(), static_cast<DWORD>(std::min(bytes.size(), kPiece)),
+                     &count, nullptr))
+      return Fail(static_cast<int>(::GetLastError()));
+    bytes.remove_prefix(count);
+  }
+  return true;
+}
+
+bool ExclusiveFile::Replace(const NativeFileName& target) {
+  ::FlushFileBuffers(handle_);
+  ::CloseHandle(handle_);
+  handle_ = nullptr;
+  if (::MoveFileExW(path_.c_str(), target.c_str(), MOVEFILE_REPLACE_EXISTING)) return true;
+  const DWORD failure = ::GetLastError();
+  ::DeleteFileW(path_.c_str());
+  return Fail(static_cast<int>(failure));
+}

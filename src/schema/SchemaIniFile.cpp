@@ -1,0 +1,123 @@
+#include "schema/SchemaIniFile.h"
+
+#include <algorithm>
+#include <boost/filesystem.hpp>
+
+#include "host/DataCore/DataCoreUtil.h"
+#include "reading/TextLineStream.h"
+#include "schema/Utf8.h"
+
+namespace TextFile {
+
+namespace {
+
+namespace fs = boost::filesystem;
+
+constexpr std::u16string_view kCouldNotCreate = u"Could not create schema.ini.";
+constexpr std::u16string_view kCouldNotWrite = u"Could not write to schema.ini.";
+constexpr std::u16string_view kCouldNotWriteTemporary = u"Could not write to temp schema.ini.";
+constexpr std::u16string_view kCouldNotRead = u"Could not read schema.ini.";
+constexpr std::u16string_view kNameNotText = u"The file's name cannot be written to schema.ini.";
+
+std::u16string HeaderLine(std::u16string_view name) {
+  return u'[' + std::u16string(name) + u']';
+}
+
+bool IsHeaderOf(std::u16string_view header, std::u16string_view name) noexcept {
+  return header.size() == name.size() + 2 && header.back() == u']' &&
+         quenra::DataCoreUtil::CompareFoldCase(header.substr(1, name.size()), name);
+}
+
+[[noreturn]] void Fail(std::u16string_view reason) {
+  throw SchemaIniFailure{std::u16string(reason)};
+}
+
+}  // namespace
+
+SchemaIniFile::SchemaIniFile(const SchemaIniPaths& paths, Access access) : paths_(paths) {
+  boost::system::error_code ignored;
+  const fs::path native(NativeFromFileName(paths_.schemaIni));
+  exists_ = fs::exists(fs::symlink_status(native, ignored));
+  // The lock comes first: what is read behind it is what the writer before has left.
+  if (access == Access::kWrite && !temporary_.Open(NativeFromFileName(paths_.temporary)))
+    Fail(exists_ ? kCouldNotWriteTemporary : kCouldNotCreate);
+  exists_ = fs::exists(fs::symlink_status(native, ignored));
+  sections_.emplace_back();
+  if (exists_) Read();
+}
+
+void SchemaIniFile::Read() {
+  TextLineStream stream;
+  if (!stream.Open(paths_.schemaIni, TextLineStream::kPlainLines)) Fail(kCouldNotRead);
+  const TextEncoding encoding = stream.encoding();
+  if (encoding == TextEncoding::kUtf16BE || encoding == TextEncoding::kUtf32LE ||
+      encoding == TextEncoding::kUtf32BE)
+    Fail(kCouldNotRead);
+  hadMark_ = encoding != TextEncoding::kUndetermined;
+  std::u16string line;
+  while (stream.ReadLine(line)) {
+    if (line.starts_with(u'['))
+      sections_.push_back({line, {}});
+    else if (!line.empty())
+      sections_.back().lines.push_back(line);
+  }
+}
+
+const SectionLines* SchemaIniFile::Find(std::u16string_view name) const noexcept {
+  const auto found = std::find_if(sections_.begin(), sections_.end(), [&](const Section& section) {
+    return IsHeaderOf(section.header, name);
+  });
+  return found == sections_.end() ? nullptr : &found->lines;
+}
+
+void SchemaIniFile::Replace(std::u16string_view name, SectionLines lines) {
+  if (!IsWellFormedText(name)) Fail(kNameNotText);
+  std::u16string header = HeaderLine(name);
+  const auto isNamed = [&](const Section& section) { return IsHeaderOf(section.header, name); };
+  const auto found = std::find_if(sections_.begin(), sections_.end(), isNamed);
+  if (found == sections_.end()) {
+    sections_.push_back({std::move(header), std::move(lines)});
+    return;
+  }
+  found->lines = std::move(lines);
+  sections_.erase(std::remove_if(found + 1, sections_.end(), isNamed), sections_.end());
+}
+
+void SchemaIniFile::Duplicate(std::u16string_view name, std::u16string_view newName) {
+  if (!IsWellFormedText(newName)) Fail(kNameNotText);
+  const auto found = std::find_if(sections_.begin(), sections_.end(), [&](const Section& section) {
+    return IsHeaderOf(section.header, name);
+  });
+  if (found == sections_.end()) return;
+  Section copy{HeaderLine(newName), found->lines};
+  sections_.insert(found + 1, std::move(copy));
+}
+
+void SchemaIniFile::Remove(std::u16string_view name) {
+  std::erase_if(sections_, [&](const Section& section) { return IsHeaderOf(section.header, name); });
+}
+
+void SchemaIniFile::Rename(std::u16string_view name, std::u16string_view newName) {
+  if (!IsWellFormedText(newName)) Fail(kNameNotText);
+  for (Section& section : sections_)
+    if (IsHeaderOf(section.header, name)) section.header = HeaderLine(newName);
+}
+
+std::string SchemaIniFile::Bytes() const {
+  std::u16string text;
+  for (const Section& section : sections_) {
+    if (!section.header.empty()) (text += section.header) += u'\n';
+    for (const std::u16string& line : section.lines) (text += line) += u'\n';
+  }
+  std::string bytes = hadMark_ ? "\xEF\xBB\xBF" : "";
+  AppendUtf8(text, bytes);
+  return bytes;
+}
+
+void SchemaIniFile::Save() {
+  if (!temporary_.Write(Bytes())) Fail(exists_ ? kCouldNotWriteTemporary : kCouldNotWrite);
+  if (!temporary_.Replace(NativeFromFileName(paths_.schemaIni)))
+    Fail(exists_ ? kCouldNotWrite : kCouldNotCreate);
+}
+
+}  // namespace TextFile

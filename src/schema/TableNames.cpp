@@ -1,0 +1,51 @@
+#include "schema/TableNames.h"
+
+#include <algorithm>
+
+#include "host/DataCore/DataCoreUtil.h"
+
+namespace TextFile {
+
+namespace {
+
+using quenra::DataCoreUtil;
+
+constexpr std::u16string_view kReservedFiles[] = {u"schema.ini", u"~scheam.ini"};
+constexpr std::u16string_view kDevices[] = {u"CON", u"PRN", u"AUX", u"NUL"};
+constexpr std::u16string_view kNumberedDevices[] = {u"COM", u"LPT"};
+// Windows has no file names with these; the separators are told apart for the message's sake.
+constexpr std::u16string_view kForbidden = u"<>:\"|?*";
+
+bool IsDevice(std::u16string_view name) noexcept {
+  // A device keeps its meaning whatever the extension.
+  const std::u16string_view stem = name.substr(0, name.find(u'.'));
+  const auto is = [&](std::u16string_view device) {
+    return DataCoreUtil::CompareFoldCase(stem, device);
+  };
+  if (std::any_of(std::begin(kDevices), std::end(kDevices), is)) return true;
+  if (stem.size() != 4 || stem[3] < u'1' || stem[3] > u'9') return false;
+  return std::any_of(std::begin(kNumberedDevices), std::end(kNumberedDevices),
+                     [&](std::u16string_view device) {
+                       return DataCoreUtil::CompareFoldCase(stem.substr(0, 3), device);
+                     });
+}
+
+}  // namespace
+
+std::u16string_view WhyNotATableName(std::u16string_view name) noexcept {
+  if (name.empty()) return u"the name is empty";
+  if (name.find_first_of(u"/\\") != std::u16string_view::npos)
+    return u"the name holds a path separator";
+  if (name == u"." || name == u"..") return u"the name means a folder";
+  for (const std::u16string_view reserved : kReservedFiles)
+    if (DataCoreUtil::CompareFoldCase(name, reserved)) return u"the name is reserved";
+  if (IsDevice(name)) return u"the name is reserved";
+  const bool control = std::any_of(name.begin(), name.end(), [](char16_t unit) { return unit < 32; });
+  if (control || name.find_first_of(kForbidden) != std::u16string_view::npos)
+    return u"the name holds a character that file names cannot have everywhere";
+  if (name.back() == u'.' || name.back() == u' ')
+    return u"the name ends in a dot or a blank";
+  return {};
+}
+
+}  // namespace TextFile
