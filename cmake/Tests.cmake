@@ -40,6 +40,8 @@ function(add_test_program name)
   add_executable(${name} ${ARGN})
   target_link_libraries(${name} PRIVATE
     test_settings GTest::gtest GTest::gmock GTest::gtest_main)
+  # The tests of modules look up a string table that the program itself exports.
+  set_target_properties(${name} PROPERTIES ENABLE_EXPORTS ON)
   link_existing(${name} PRIVATE test_support)
   add_test(NAME ${name} COMMAND ${name}
     "--gtest_output=json:${CMAKE_BINARY_DIR}/test-results/${name}.json")
