@@ -5,7 +5,9 @@
 # and include_rules, which holds the includes of src/ and apps/ against the architecture.
 # Each program writes its results to <build>/test-results/<name>.json, from which scripts/test counts.
 
-find_package(GTest REQUIRED)
+if(NOT WIN32)
+  find_package(GTest REQUIRED)
+endif()
 
 source_trees(support_sources tests/support)
 source_trees(unit_sources
@@ -59,7 +61,6 @@ if(module_test_sources AND TARGET quenraDataSourcesFile)
 endif()
 
 if(cli_test_sources AND TARGET quenraDataSourcesFile AND TARGET texttables)
-  find_package(nlohmann_json REQUIRED)
   add_test_program(cli_tests ${cli_test_sources})
   target_link_libraries(cli_tests PRIVATE nlohmann_json::nlohmann_json)
   add_dependencies(cli_tests quenraDataSourcesFile texttables)
