@@ -17,6 +17,9 @@ class DelimitedReader final : public Reader {
 
   bool ReadRecord() override;
 
+  // Splits character by character only, for comparison with the way that looks for delimiters.
+  void SplitExactly() noexcept { exact_ = true; }
+
   // Tries the current delimiter, then ",", ";", tab, "|" and blank.
   bool Scan(SchemaOptions& options, std::vector<FieldDefinition>& fields,
             const OpenOptions& openOptions) override;
@@ -24,7 +27,14 @@ class DelimitedReader final : public Reader {
  private:
   enum class Single { kReject, kAccept };  // a record of one field
 
-  void TakeFields();
+  // What a step of splitting has come to.
+  enum class Step { kField, kRecord, kUndecided };
+
+  Step TakeField();
+  Step TakePlainField();
+  Step TakeQuotedField(std::size_t quote);
+  Step EndPlainField(std::size_t begin, std::size_t end);
+  Step TakeFieldExactly();
   bool TakeQuote(bool quoting);
   void EndRecord();
   bool Attempt(Single single, SchemaOptions& options, std::vector<FieldDefinition>& fields,
@@ -32,6 +42,7 @@ class DelimitedReader final : public Reader {
   bool TryDelimiter(char16_t candidate, Single single, SchemaOptions& options,
                     std::vector<FieldDefinition>& fields, const OpenOptions& openOptions);
 
+  bool exact_ = false;
   char16_t delimiter_;
   char16_t textDelimiter_;  // 0: no quoting
 };
