@@ -63,9 +63,9 @@ TEST_F(BadInputTest, FilesOfTwoTellingBytes) {
     for (const char second : bytes) ExpectConsistent(u"a.csv", std::string{first, second});
 }
 
-TEST_F(BadInputTest, ZeroBytesAreCharacters) {
-  const auto table = Table(u"a.csv", "Name,N\na\0b,1\n"sv);
-  EXPECT_THAT(Rows(table), ElementsAre("BSTR:a\0b|I4:1"s));
+TEST_F(BadInputTest, ZeroByteEndsItsLine) {
+  const auto table = Table(u"a.csv", "Name,N\na\0b,1\nc,2\n"sv);
+  EXPECT_THAT(Rows(table), ElementsAre("BSTR:a|untouched", "BSTR:c|I4:2"));
 }
 
 TEST_F(BadInputTest, InvalidUtf8IsReadAsAnsi) {
@@ -94,8 +94,10 @@ TEST_F(BadInputTest, HundredThousandColumns) {
   EXPECT_EQ(Rows(table).size(), 2u);
 }
 
+// The end of the last line counts as a line end, so it is part of the quoted text.
 TEST_F(BadInputTest, UnterminatedQuoteEndsWithTheFile) {
-  EXPECT_THAT(Rows(Table(u"a.csv", "Name,B\n\"x\ny,2\n3")), ElementsAre("BSTR:x\ny,2\n3"));
+  EXPECT_THAT(Rows(Table(u"a.csv", "Name,B\n\"x\ny,2\n3")),
+              ElementsAre("BSTR:x\ny,2\n3\n|untouched"));
 }
 
 TEST_F(BadInputTest, LineOfDelimitersAlone) {
@@ -110,13 +112,18 @@ TEST_F(BadInputTest, FixedWidthWithoutColumnsFails) {
   EXPECT_TRUE(TakeErrors().empty());
 }
 
+// No text ever reaches such a width, so the column takes the rest of the record and the next one
+// stays without a text.
 TEST_F(BadInputTest, FixedWidthWithOddWidths) {
   for (const std::string_view width : {"0", "-1", "-2147483648", "2147483647"}) {
     SCOPED_TRACE(width);
-    folder_.Write(u"schema.ini", "[a.csv]\nFormat=FixedLength\nColNameHeader=False\n"
-                                 "Col1=A Text Width " +
-                                     std::string(width) + "\nCol2=B Text Width 2\n");
-    ExpectConsistent(u"a.csv", "abcd\nef\n\n");
+    const std::string section = "[a.csv]\nFormat=FixedLength\nColNameHeader=False\n"
+                                "Col1=A Text Width " +
+                                std::string(width);
+    folder_.Write(u"schema.ini", section + "\n");
+    EXPECT_THAT(Rows(Table(u"a.csv", "abcd\nef\n\n")), ElementsAre("BSTR:abcd", "BSTR:ef"));
+    folder_.Write(u"schema.ini", section + "\nCol2=B Text Width 2\n");
+    EXPECT_EQ(OpenResult(u"a.csv"), E_FAIL);
   }
 }
 
