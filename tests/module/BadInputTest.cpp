@@ -58,7 +58,10 @@ TEST_F(BadInputTest, FilesOfOneByte) {
 }
 
 TEST_F(BadInputTest, FilesOfTwoTellingBytes) {
-  const std::string bytes = "\n\r\"',;\t| \x1A\xEF\xFE\xFF" "a1" + std::string(1, '\0');
+  const std::string bytes =
+      "\n\r\"',;\t| \x1A\xEF\xFE\xFF"
+      "a1" +
+      std::string(1, '\0');
   for (const char first : bytes)
     for (const char second : bytes) ExpectConsistent(u"a.csv", std::string{first, second});
 }
@@ -117,9 +120,10 @@ TEST_F(BadInputTest, FixedWidthWithoutColumnsFails) {
 TEST_F(BadInputTest, FixedWidthWithOddWidths) {
   for (const std::string_view width : {"0", "-1", "-2147483648", "2147483647"}) {
     SCOPED_TRACE(width);
-    const std::string section = "[a.csv]\nFormat=FixedLength\nColNameHeader=False\n"
-                                "Col1=A Text Width " +
-                                std::string(width);
+    const std::string section =
+        "[a.csv]\nFormat=FixedLength\nColNameHeader=False\n"
+        "Col1=A Text Width " +
+        std::string(width);
     folder_.Write(u"schema.ini", section + "\n");
     EXPECT_THAT(Rows(Table(u"a.csv", "abcd\nef\n\n")), ElementsAre("BSTR:abcd", "BSTR:ef"));
     folder_.Write(u"schema.ini", section + "\nCol2=B Text Width 2\n");

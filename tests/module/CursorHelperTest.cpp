@@ -265,8 +265,7 @@ TEST_F(CursorHelperTest, SeveralCursorsReadWhileTheFileGrows) {
   CursorOverAll first(table);
   CursorOverAll second(table);
   for (int i = 0; i < kRows; ++i) {
-    const std::string expected =
-        "I4:" + std::to_string(i) + "|BSTR:n" + std::to_string(i);
+    const std::string expected = "I4:" + std::to_string(i) + "|BSTR:n" + std::to_string(i);
     ASSERT_EQ(first.Row(), expected);
     ASSERT_EQ(second.Row(), expected);
     first.Advance();

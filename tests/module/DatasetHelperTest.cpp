@@ -99,9 +99,9 @@ TEST_F(DatasetHelperTest, FetchesByIdAndExtentAreNotSupportedAndWriteNothing) {
   IPlugInCursorHelper* cursor = before;
   EXPECT_EQ(table->FetchRowById(0, 1, map.AsVariant(), &cursor), E_FAIL);
   EXPECT_EQ(cursor, before);
-  EXPECT_EQ(table->FetchRowsInExtent(0, table.Get(), VARIANT_TRUE, nullptr, map.AsVariant(),
-                                     &cursor),
-            E_FAIL);
+  EXPECT_EQ(
+      table->FetchRowsInExtent(0, table.Get(), VARIANT_TRUE, nullptr, map.AsVariant(), &cursor),
+      E_FAIL);
   EXPECT_EQ(cursor, before);
 }
 
@@ -223,8 +223,7 @@ TEST_F(DatasetHelperTest, CountIsMinusOneAfterAFailure) {
   ASSERT_EQ(array->GetElement(0, element.Receive()), S_OK);
   folder_.Remove(u"a.csv");
   LONG count = 7;
-  EXPECT_EQ(element.As<IPlugInRowCount>()->CountRows(0, &count),
-            static_cast<HRESULT>(0x80040211u));
+  EXPECT_EQ(element.As<IPlugInRowCount>()->CountRows(0, &count), static_cast<HRESULT>(0x80040211u));
   EXPECT_EQ(count, -1);
 }
 
@@ -273,8 +272,7 @@ TEST_F(DatasetHelperTest, FileStatistics) {
   }
   EXPECT_EQ(stat->Reserved1(), S_OK);
   EXPECT_EQ(stat->Reserved2(), S_OK);
-  EXPECT_EQ(static_cast<void*>(table.As<IDatasetFileStat>().Get()),
-            static_cast<void*>(stat.Get()));
+  EXPECT_EQ(static_cast<void*>(table.As<IDatasetFileStat>().Get()), static_cast<void*>(stat.Get()));
 }
 
 TEST_F(DatasetHelperTest, StatisticsOfAVanishedFileAreZero) {

@@ -11,7 +11,8 @@ struct NamedInterface {
   const char* name;
   const IID& iid;
 };
-#define INTERFACE(type) {#type, IID_##type}
+#define INTERFACE(type) \
+  { #type, IID_##type }
 
 // Everything that an object of the module may answer.
 const NamedInterface kAll[] = {
@@ -111,9 +112,8 @@ class IdentityTest : public ModuleTest {
   static std::string ClassIdErrorOf(IUnknown* object) {
     const auto classId = QueryFor<IHostClassId>(object);
     CLSID id;
-    return classId->GetClassID(&id) == E_FAIL && classId->GetProgID(nullptr) == E_POINTER
-               ? "none"
-               : "some";
+    return classId->GetClassID(&id) == E_FAIL && classId->GetProgID(nullptr) == E_POINTER ? "none"
+                                                                                          : "some";
   }
 };
 
@@ -121,11 +121,11 @@ using ::testing::ElementsAre;
 
 TEST_F(IdentityTest, WorkspaceFactory) {
   const auto factory = Factory();
-  EXPECT_THAT(AnsweredBy(factory.Get()),
-              ElementsAre("IUnknown", "IQUENRAInternalUnknown", "IHostClassId",
-                          "HostWorkspaceFactory", "IPlugInWorkspaceFactoryHelper",
-                          "IPlugInWorkspaceFactoryHelper2", "IWorkspaceFactoryOpenOptions",
-                          "ITextFileWorkspaceFactory"));
+  EXPECT_THAT(
+      AnsweredBy(factory.Get()),
+      ElementsAre("IUnknown", "IQUENRAInternalUnknown", "IHostClassId", "HostWorkspaceFactory",
+                  "IPlugInWorkspaceFactoryHelper", "IPlugInWorkspaceFactoryHelper2",
+                  "IWorkspaceFactoryOpenOptions", "ITextFileWorkspaceFactory"));
   ExpectOneIdentity(factory.Get());
   ExpectCountsBalance(factory.Get());
 }
@@ -138,11 +138,11 @@ TEST_F(IdentityTest, BothFactoryInterfacesAreOneFace) {
 
 TEST_F(IdentityTest, WorkspaceHelper) {
   const auto workspace = OpenWorkspace();
-  EXPECT_THAT(AnsweredBy(workspace.Get()),
-              ElementsAre("IUnknown", "IQUENRAInternalUnknown", "IHostClassId",
-                          "ISupportErrorInfo", "IPlugInWorkspaceHelper",
-                          "IPlugInWorkspaceHelper2", "IPlugInMetadataPath",
-                          "IPlugInCreateDataset", "IPlugInWorkspaceProperties"));
+  EXPECT_THAT(
+      AnsweredBy(workspace.Get()),
+      ElementsAre("IUnknown", "IQUENRAInternalUnknown", "IHostClassId", "ISupportErrorInfo",
+                  "IPlugInWorkspaceHelper", "IPlugInWorkspaceHelper2", "IPlugInMetadataPath",
+                  "IPlugInCreateDataset", "IPlugInWorkspaceProperties"));
   ExpectOneIdentity(workspace.Get());
   ExpectCountsBalance(workspace.Get());
   EXPECT_EQ(ClassIdErrorOf(workspace.Get()), "none");
@@ -151,10 +151,10 @@ TEST_F(IdentityTest, WorkspaceHelper) {
 TEST_F(IdentityTest, DatasetHelper) {
   const auto table = OpenTable(u"a.csv");
   EXPECT_THAT(AnsweredBy(table.Get()),
-              ElementsAre("IUnknown", "IQUENRAInternalUnknown", "IHostClassId",
-                          "ISupportErrorInfo", "IPlugInDatasetInfo", "IPlugInDatasetHelper",
-                          "IPlugInFileOperations", "IPlugInDatasetLoad", "IPlugInRowCount",
-                          "IDatasetFileStat", "IDatasetFileStat2"));
+              ElementsAre("IUnknown", "IQUENRAInternalUnknown", "IHostClassId", "ISupportErrorInfo",
+                          "IPlugInDatasetInfo", "IPlugInDatasetHelper", "IPlugInFileOperations",
+                          "IPlugInDatasetLoad", "IPlugInRowCount", "IDatasetFileStat",
+                          "IDatasetFileStat2"));
   ExpectOneIdentity(table.Get());
   ExpectCountsBalance(table.Get());
   EXPECT_EQ(ClassIdErrorOf(table.Get()), "none");
@@ -164,9 +164,8 @@ TEST_F(IdentityTest, CursorHelper) {
   const auto table = OpenTable(u"a.csv");
   const CursorOverAll cursor(table);
   IUnknown* const object = cursor.Cursor().Get();
-  EXPECT_THAT(AnsweredBy(object),
-              ElementsAre("IUnknown", "IQUENRAInternalUnknown", "IHostClassId",
-                          "IPlugInCursorHelper", "IPlugInFastQueryValues"));
+  EXPECT_THAT(AnsweredBy(object), ElementsAre("IUnknown", "IQUENRAInternalUnknown", "IHostClassId",
+                                              "IPlugInCursorHelper", "IPlugInFastQueryValues"));
   ExpectOneIdentity(object);
   ExpectCountsBalance(object);
   EXPECT_EQ(ClassIdErrorOf(object), "none");
@@ -174,8 +173,8 @@ TEST_F(IdentityTest, CursorHelper) {
 
 TEST_F(IdentityTest, NativeType) {
   const auto type = module_->Create<INativeType>(CLSID_TextFileNativeType);
-  EXPECT_THAT(AnsweredBy(type.Get()), ElementsAre("IUnknown", "IQUENRAInternalUnknown",
-                                                  "IHostClassId", "INativeType"));
+  EXPECT_THAT(AnsweredBy(type.Get()),
+              ElementsAre("IUnknown", "IQUENRAInternalUnknown", "IHostClassId", "INativeType"));
   ExpectOneIdentity(type.Get());
   ExpectCountsBalance(type.Get());
 }
@@ -238,8 +237,7 @@ TEST_F(IdentityTest, FactoryWorksWithoutTheHostsGenericFactory) {
   EXPECT_TRUE(factory.As<IHostClassId>());
   ExpectOneIdentity(factory.Get());
   ComPtr<IPlugInWorkspaceHelper> workspace;
-  EXPECT_EQ(factory->OpenFolderWorkspace(BString(folder_.Path()).Get(), workspace.Receive()),
-            S_OK);
+  EXPECT_EQ(factory->OpenFolderWorkspace(BString(folder_.Path()).Get(), workspace.Receive()), S_OK);
 }
 
 }  // namespace

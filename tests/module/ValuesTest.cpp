@@ -72,8 +72,7 @@ TEST_F(ValuesTest, AmountsOfMoneyAreDoubles) {
 }
 
 TEST_F(ValuesTest, CoordinatesFillTheVirtualFields) {
-  EXPECT_THAT(Rows(Table(u"a.csv",
-                         "Id,Place\n1,40.5N 74.25W\n2,\n3,41.5N 75.25W\n")),
+  EXPECT_THAT(Rows(Table(u"a.csv", "Id,Place\n1,40.5N 74.25W\n2,\n3,41.5N 75.25W\n")),
               ElementsAre("I4:1|BSTR:40.5N 74.25W|R8:-74.25|R8:40.5", "I4:2|NULL|NULL|NULL",
                           "I4:3|BSTR:41.5N 75.25W|R8:-75.25|R8:41.5"));
 }
@@ -129,8 +128,7 @@ TEST_F(ValuesTest, Utf8AndUtf16TextArrivesAlike) {
               ElementsAre("BSTR:Z\u00FCrich"));
   EXPECT_THAT(Rows(Table(u"b.csv", "Name\nZ\xC3\xBCrich\n")), ElementsAre("BSTR:Z\u00FCrich"));
   using namespace std::string_view_literals;
-  EXPECT_THAT(Rows(Table(u"c.csv", "\xFF\xFEN\0\n\0Z\0\xFC\0\n\0"sv)),
-              ElementsAre("BSTR:Z\u00FC"));
+  EXPECT_THAT(Rows(Table(u"c.csv", "\xFF\xFEN\0\n\0Z\0\xFC\0\n\0"sv)), ElementsAre("BSTR:Z\u00FC"));
 }
 
 }  // namespace

@@ -180,8 +180,8 @@ TEST_F(WorkspaceFactoryTest, FolderWithoutTextFilesIsNone) {
 
 TEST_F(WorkspaceFactoryTest, FilesAndMissingFoldersAreNoTextWorkspace) {
   folder_.Write(u"a.csv", "");
-  for (const std::u16string& path : {folder_.Path(u"a.csv"), folder_.Path(u"missing"),
-                                     std::u16string()}) {
+  for (const std::u16string& path :
+       {folder_.Path(u"a.csv"), folder_.Path(u"missing"), std::u16string()}) {
     VARIANT_BOOL result = VARIANT_TRUE;
     EXPECT_EQ(factory_->IsTextWorkspace(BString(path).Get(), &result), S_FALSE) << ToUtf8(path);
     EXPECT_EQ(result, VARIANT_FALSE);
@@ -230,33 +230,31 @@ TEST_F(WorkspaceFactoryTest, ClaimsTablesWithTheirMetadata) {
 TEST_F(WorkspaceFactoryTest, ClaimsMetadataThatStandsBeforeItsTable) {
   const auto names = NameList({{u"a.csv.xml"}, {u"a.csv"}});
   BString workspace;
-  EXPECT_EQ(
-      factory_->ClaimWorkspaceFiles(BString(u"f").Get(), names.Get(), workspace.Receive()), S_OK);
+  EXPECT_EQ(factory_->ClaimWorkspaceFiles(BString(u"f").Get(), names.Get(), workspace.Receive()),
+            S_OK);
   EXPECT_THAT(Left(*names), ElementsAre());
 }
 
 TEST_F(WorkspaceFactoryTest, ClaimsNothingWithoutTables) {
   const auto names = NameList({{u"a.csv.xml"}, {u"b.shp"}});
   BString workspace(u"before");
-  EXPECT_EQ(
-      factory_->ClaimWorkspaceFiles(BString(u"f").Get(), names.Get(), workspace.Receive()),
-      S_FALSE);
+  EXPECT_EQ(factory_->ClaimWorkspaceFiles(BString(u"f").Get(), names.Get(), workspace.Receive()),
+            S_FALSE);
   EXPECT_EQ(workspace.Get(), nullptr);
   EXPECT_THAT(Left(*names), ElementsAre("a.csv.xml", "b.shp"));
 }
 
 TEST_F(WorkspaceFactoryTest, ClaimsTheFolderWithoutList) {
   BString workspace;
-  EXPECT_EQ(factory_->ClaimWorkspaceFiles(BString(u"f").Get(), nullptr, workspace.Receive()),
-            S_OK);
+  EXPECT_EQ(factory_->ClaimWorkspaceFiles(BString(u"f").Get(), nullptr, workspace.Receive()), S_OK);
   EXPECT_EQ(ToUtf8(workspace.View()), "f");
 }
 
 TEST_F(WorkspaceFactoryTest, SeparatorAtTheEndIsDropped) {
   for (const std::u16string_view end : {u"/", u"\\"}) {
     ComPtr<IPlugInWorkspaceHelper> workspace;
-    ASSERT_EQ(factory_->OpenFolderWorkspace(
-                  BString(folder_.Path() + std::u16string(end)).Get(), workspace.Receive()),
+    ASSERT_EQ(factory_->OpenFolderWorkspace(BString(folder_.Path() + std::u16string(end)).Get(),
+                                            workspace.Receive()),
               S_OK);
     BString path;
     EXPECT_EQ(workspace.As<IPlugInMetadataPath>()->MetadataFilePath(BString(u"x.csv").Get(),
@@ -405,9 +403,13 @@ TEST_F(WorkspaceFactoryTest, DelimiterOfAFile) {
 }
 
 TEST_F(WorkspaceFactoryTest, DelimiterIsWidenedFromOneSignedByte) {
-  folder_.Write(u"schema.ini", "[a.csv]\nFormat=Delimited(\xC2\xA7)\n[f.csv]\nFormat=FixedLength\n"
-                               "Col1=A Text Width 2\n");
-  folder_.Write(u"a.csv", "a\xC2\xA7" "b\n1\xC2\xA7" "2\n");
+  folder_.Write(u"schema.ini",
+                "[a.csv]\nFormat=Delimited(\xC2\xA7)\n[f.csv]\nFormat=FixedLength\n"
+                "Col1=A Text Width 2\n");
+  folder_.Write(u"a.csv",
+                "a\xC2\xA7"
+                "b\n1\xC2\xA7"
+                "2\n");
   folder_.Write(u"f.csv", "ab\n");
   OLECHAR delimiter = 7;
   EXPECT_EQ(Delimiter(folder_.Path(u"a.csv"), delimiter), S_OK);

@@ -193,9 +193,8 @@ TEST_F(WorkspaceHelperTest, NamesThatLeadElsewhereAreNotFound) {
   folder_.MakeFolder(u"other");
   folder_.Write(u"other/x.csv", "Id\n1\n");
   folder_.Write(u"y.csv", "Id\n1\n");
-  for (const std::u16string_view name :
-       {u"..\\other\\x.csv", u"other/x.csv", u"other/../y.csv", u"./y.csv", u"/y.csv",
-        u"missing.csv", u"", u"y.csv/"})
+  for (const std::u16string_view name : {u"..\\other\\x.csv", u"other/x.csv", u"other/../y.csv",
+                                         u"./y.csv", u"/y.csv", u"missing.csv", u"", u"y.csv/"})
     EXPECT_EQ(OpenResult(name), kTableNotFound) << ToUtf8(name);
   ComPtr<IPlugInDatasetHelper> table;
   EXPECT_EQ(OpenWorkspace()->OpenDatasetByName(nullptr, table.Receive()), kTableNotFound);
@@ -224,8 +223,8 @@ TEST_F(WorkspaceHelperTest, EveryOpenGivesATableOfItsOwn) {
 
 TEST_F(WorkspaceHelperTest, MetadataStandsBesideTheTable) {
   BString path;
-  EXPECT_EQ(OpenWorkspace().As<IPlugInMetadataPath>()->MetadataFilePath(
-                BString(u"x.csv").Get(), path.Receive()),
+  EXPECT_EQ(OpenWorkspace().As<IPlugInMetadataPath>()->MetadataFilePath(BString(u"x.csv").Get(),
+                                                                        path.Receive()),
             S_OK);
   EXPECT_EQ(ToUtf8(path.View()), ToUtf8(folder_.Path(u"x.csv.xml")));
 }
