@@ -11,8 +11,8 @@ namespace quenra::test {
 namespace fs = boost::filesystem;
 
 TemporaryFolder::TemporaryFolder() {
-  const fs::path made = fs::canonical(fs::temp_directory_path()) /
-                        fs::unique_path("texttables-%%%%-%%%%-%%%%-%%%%");
+  const fs::path made =
+      fs::canonical(fs::temp_directory_path()) / fs::unique_path("texttables-%%%%-%%%%-%%%%-%%%%");
   fs::create_directory(made);
   path_ = FileNameFromNative(made.native());
 }
