@@ -71,13 +71,25 @@ std::u16string FormatOf(const SchemaOptions& options) {
   return u"Delimited(" + std::u16string(1, options.delimiter) + u")";
 }
 
-std::u16string ColumnLine(const FieldDefinition& field) {
+// What stands behind the type word of a date column: its own pattern, else, for a column of days
+// or of times alone, that part of the table's format, so that it reads back as what it is.
+std::u16string_view PatternOf(const FieldDefinition& field, std::u16string_view tableFormat) {
+  const bool dated = IsDateType(field.type) || field.type == FieldType::kTimeOnly;
+  if (dated && !field.dateFormat.pattern.empty()) return field.dateFormat.pattern;
+  const std::size_t cut = tableFormat.find_first_of(u"T ");
+  if (field.type == FieldType::kDateOnly) return tableFormat.substr(0, cut);
+  if (field.type == FieldType::kTimeOnly && cut != std::u16string_view::npos)
+    return tableFormat.substr(cut + 1);
+  return {};
+}
+
+std::u16string ColumnLine(const FieldDefinition& field, std::u16string_view tableFormat) {
   const bool quoted = field.name.find(u' ') != std::u16string::npos;
   std::u16string line = quoted ? u'"' + field.name + u'"' : field.name;
   line += u' ';
   line += KeywordOfType(field.type);
-  const bool dated = IsDateType(field.type) || field.type == FieldType::kTimeOnly;
-  if (dated && !field.dateFormat.pattern.empty()) line += u' ' + field.dateFormat.pattern;
+  const std::u16string_view pattern = PatternOf(field, tableFormat);
+  if (!pattern.empty()) line.append(1, u' ').append(pattern);
   if (field.hasWidth && field.width >= 1) line += u" Width " + SectionText::Decimal(field.width);
   return line;
 }
@@ -235,7 +247,8 @@ std::u16string SchemaSectionText(std::u16string_view sectionName, const SchemaOp
   if (options.IsSpecified(SchemaOptions::kMaxScanRows))
     text.Number(u"MaxScanRows", options.maxScanRows);
   for (const auto& [index, field] : options.columns)
-    text.Line(u"Col" + SectionText::Decimal(index + 1), ColumnLine(field));
+    text.Line(u"Col" + SectionText::Decimal(index + 1),
+              ColumnLine(field, options.dateTimeFormat));
   if (options.IsSpecified(SchemaOptions::kCharacterSet))
     text.Line(u"CharacterSet", options.ansi ? u"ANSI" : u"OEM");
   if (options.IsSpecified(SchemaOptions::kDateTimeFormat))
