@@ -11,6 +11,8 @@
 #include "platform/FileNames.h"
 #include "platform/OleText.h"
 #include "reading/TextLineStream.h"
+#include "schema/ParseError.h"
+#include "schema/SchemaColumnLine.h"
 
 namespace TextFile {
 
@@ -28,6 +30,7 @@ constexpr std::u16string_view kCouldNotWrite = u"Could not write to schema.ini."
 constexpr std::u16string_view kCouldNotWriteTemporary = u"Could not write to temp schema.ini.";
 constexpr std::u16string_view kCouldNotRead = u"Could not read schema.ini.";
 constexpr std::u16string_view kNameNotText = u"The file's name is not valid text.";
+constexpr std::u16string_view kColumnNotWritable = u"A field cannot be described in schema.ini.";
 constexpr std::u16string_view kCouldNotReplace = u"Could not replace schema.ini.";
 
 // ---------------------------------------------------------------------------------------------
@@ -84,7 +87,7 @@ std::u16string_view PatternOf(const FieldDefinition& field, std::u16string_view 
 }
 
 std::u16string ColumnLine(const FieldDefinition& field, std::u16string_view tableFormat) {
-  const bool quoted = field.name.find(u' ') != std::u16string::npos;
+  const bool quoted = std::any_of(field.name.begin(), field.name.end(), quenra::IsWhiteSpace);
   std::u16string line = quoted ? u'"' + field.name + u'"' : field.name;
   line += u' ';
   line += KeywordOfType(field.type);
@@ -106,8 +109,7 @@ void AddCurrencyLines(const CurrencySettings& currency, SectionText& text) {
   const auto given = [&](CurrencySettings::Option option) {
     return (currency.specified & option) != 0;
   };
-  if (given(CurrencySettings::kSymbol))
-    text.Line(u"CurrencySymbol", currency.symbol);
+  if (given(CurrencySettings::kSymbol)) text.Line(u"CurrencySymbol", currency.symbol);
   if (given(CurrencySettings::kPositiveFormat))
     text.Line(u"CurrencyPosFormat", currency.positiveFormat);
   if (given(CurrencySettings::kDigits)) text.Number(u"CurrencyDigits", currency.digits);
@@ -134,11 +136,34 @@ std::string ToUtf8(std::u16string_view text) {
   return bytes;
 }
 
-// Whether the text can be written as UTF-8 and read back: it has no lone surrogate.
-bool IsWellFormed(std::u16string_view text) {
+// Characters that a text file cannot hold within a line or within quotes.
+bool HoldsControl(std::u16string_view text) noexcept {
+  constexpr std::u16string_view kEndsOfText(u"\0\x1A", 2);
+  return text.find_first_of(kEndsOfText) != std::u16string_view::npos ||
+         text.find(u"\r\n") != std::u16string_view::npos;
+}
+
+// Whether a file's name can stand in a header line and be read back: it has no line end and no
+// lone surrogate.
+bool FitsHeader(std::u16string_view text) {
+  if (HoldsControl(text) || text.find(u'\n') != std::u16string_view::npos) return false;
   return text.empty() ||
          ::WideCharToMultiByte(CP_UTF8, WC_ERR_INVALID_CHARS, AsOle(text.data()),
                                static_cast<int>(text.size()), nullptr, 0, nullptr, nullptr) > 0;
+}
+
+// Whether the reader gets the column's name back from its line. The format cannot hold every name:
+// a double quote has no way to be written, and a line it is misread in makes the reader refuse the
+// whole section, so that the table could not be opened any more.
+bool ReadsBack(const FieldDefinition& field, std::u16string_view line) {
+  if (HoldsControl(line) || std::count(line.begin(), line.end(), u'"') % 2 != 0) return false;
+  try {
+    FieldDefinition read;
+    ParseColumnLine({}, quenra::TrimWhiteSpace(line), read);
+    return read.name == field.name;
+  } catch (const ParseError&) {
+    return false;
+  }
 }
 
 // Every line of the old file but its blank ones, with the section put in place of the old one.
@@ -207,8 +232,7 @@ NewFile ReplaceIn(const std::u16string& schemaIni, SectionReplacer replacer) {
 void Replace(const SchemaIniPaths& paths, const std::string& bytes, bool existed) {
   const fs::path temporary(NativeFromFileName(paths.temporary));
   std::ofstream stream(temporary.c_str(), std::ios::binary | std::ios::trunc);
-  if (!stream.is_open())
-    throw WriteFailure{existed ? kCouldNotWriteTemporary : kCouldNotCreate};
+  if (!stream.is_open()) throw WriteFailure{existed ? kCouldNotWriteTemporary : kCouldNotCreate};
   stream.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
   stream.close();
   boost::system::error_code error;
@@ -224,7 +248,10 @@ void Replace(const SchemaIniPaths& paths, const std::string& bytes, bool existed
 
 void WriteOrThrow(const SchemaIniPaths& paths, std::u16string_view name,
                   const SchemaOptions& options) {
-  if (!IsWellFormed(name)) throw WriteFailure{kNameNotText};
+  if (!FitsHeader(name)) throw WriteFailure{kNameNotText};
+  for (const auto& [index, field] : options.columns)
+    if (!ReadsBack(field, ColumnLine(field, options.dateTimeFormat)))
+      throw WriteFailure{kColumnNotWritable};
   const std::u16string section = SchemaSectionText(name, options);
   boost::system::error_code ignored;
   const fs::file_status status =
@@ -240,15 +267,13 @@ void WriteOrThrow(const SchemaIniPaths& paths, std::u16string_view name,
 
 std::u16string SchemaSectionText(std::u16string_view sectionName, const SchemaOptions& options) {
   SectionText text(sectionName);
-  if (options.IsSpecified(SchemaOptions::kFormat))
-    text.Line(u"Format", FormatOf(options));
+  if (options.IsSpecified(SchemaOptions::kFormat)) text.Line(u"Format", FormatOf(options));
   if (options.IsSpecified(SchemaOptions::kColNameHeader))
     text.Flag(u"ColNameHeader", options.columnNameHeader);
   if (options.IsSpecified(SchemaOptions::kMaxScanRows))
     text.Number(u"MaxScanRows", options.maxScanRows);
   for (const auto& [index, field] : options.columns)
-    text.Line(u"Col" + SectionText::Decimal(index + 1),
-              ColumnLine(field, options.dateTimeFormat));
+    text.Line(u"Col" + SectionText::Decimal(index + 1), ColumnLine(field, options.dateTimeFormat));
   if (options.IsSpecified(SchemaOptions::kCharacterSet))
     text.Line(u"CharacterSet", options.ansi ? u"ANSI" : u"OEM");
   if (options.IsSpecified(SchemaOptions::kDateTimeFormat))

@@ -17,7 +17,8 @@ namespace TextFile {
 // as it was found), or appends it. Only options that are marked as specified are written, and the
 // columns of `options`. False when schema.ini does not hold the section now: it is then as it was,
 // and `failure` (may be null) says why. A schema.ini in an encoding that is not read (UTF-16 with
-// the high byte first, UTF-32) is never rewritten.
+// the high byte first, UTF-32) is never rewritten, and a column whose line would not read back (a
+// double quote in its name, for instance) is not written.
 bool WriteSchemaSection(const SchemaIniPaths& paths, std::u16string_view sectionName,
                         const SchemaOptions& options, std::u16string* failure = nullptr) noexcept;
 

@@ -1,5 +1,3 @@
-#include "reading/DelimitedReader.h"
-
 #include <gtest/gtest.h>
 
 #include <random>
@@ -8,6 +6,7 @@
 #include <vector>
 
 #include "host/CoreSupport/CharacterClasses.h"
+#include "reading/DelimitedReader.h"
 #include "support/PlainTextLines.h"
 #include "support/RecordTexts.h"
 #include "support/TemporaryFolder.h"
@@ -104,20 +103,23 @@ TEST_F(DelimitedReaderTest, UnterminatedQuoteEndsWithTheFile) {
 TEST_F(DelimitedReaderTest, BlankLinesAreNoRecords) {
   EXPECT_EQ(Records("a\n\nb\n\n\n"), (Texts{u"[a]", u"[b]"}));
   EXPECT_EQ(Records("\n\na\n  \nb"), (Texts{u"[a]", u"[  ]", u"[b]"})) << "two blanks are one";
-  EXPECT_EQ(Records("a\n''\nb\n"), (Texts{u"[a]", u"[b]"})) << "an empty quoted field alone is none";
+  EXPECT_EQ(Records("a\n''\nb\n"), (Texts{u"[a]", u"[b]"}))
+      << "an empty quoted field alone is none";
   EXPECT_EQ(Records("\n\n\n"), Texts{});
   EXPECT_EQ(Records("\r\n"), Texts{});
 }
 
 TEST_F(DelimitedReaderTest, WithoutTextDelimiterQuotesAreCharacters) {
-  EXPECT_EQ(Records("'a,b',\"c,d\"\n", {.textDelimiter = 0}),
-            (Texts{u"['a] [b'] [\"c] [d\"]"}));
+  EXPECT_EQ(Records("'a,b',\"c,d\"\n", {.textDelimiter = 0}), (Texts{u"['a] [b'] [\"c] [d\"]"}));
 }
 
 TEST_F(DelimitedReaderTest, AnyCharacterDelimits) {
   EXPECT_EQ(Records("a b  c\n", {.delimiter = u' '}), (Texts{u"[a] [b] [] [c]"}));
   EXPECT_EQ(Records("a\t'b\tc'\n", {.delimiter = u'\t'}), (Texts{u"[a] [b\tc]"}));
-  EXPECT_EQ(Records("a\xC2\xA7" "b\n", {.delimiter = u'\u00A7'}), (Texts{u"[a] [b]"}));
+  EXPECT_EQ(Records("a\xC2\xA7"
+                    "b\n",
+                    {.delimiter = u'\u00A7'}),
+            (Texts{u"[a] [b]"}));
   EXPECT_EQ(Records("a'b'c\n", {.delimiter = u'\''}), (Texts{u"[a'b'c]"}))
       << "the text delimiter comes first";
 }
@@ -146,7 +148,9 @@ TEST_F(DelimitedReaderTest, IsNotAtItsEndWhileARecordIsHeld) {
 }
 
 TEST_F(DelimitedReaderTest, RewindReadsFromTheStartAgain) {
-  DelimitedReader reader(Describe("\xEF\xBB\xBF" "a,b\nc,d\n"));
+  DelimitedReader reader(
+      Describe("\xEF\xBB\xBF"
+               "a,b\nc,d\n"));
   ASSERT_TRUE(reader.ReadRecord());
   reader.Rewind();
   EXPECT_EQ(RecordTexts(reader), (Texts{u"[a] [b]", u"[c] [d]"}));
@@ -219,7 +223,8 @@ class PlainSplitter {
 
   std::u16string Text() const {
     std::u16string text;
-    for (const std::u16string& field : record_) text += (text.empty() ? u"[" : u" [") + field + u"]";
+    for (const std::u16string& field : record_)
+      text += (text.empty() ? u"[" : u" [") + field + u"]";
     return text;
   }
   bool AtEnd() const { return record_.empty() && lines_.AtEnd(); }
@@ -288,9 +293,9 @@ class PlainSplitter {
 };
 
 std::string RandomFile(std::mt19937& random) {
-  static const std::string kPieces[] = {"a", "b1", ",", ",", "'", "'", "''", "\"", " ", "\t", "\n",
-                                        "\n", "\r\n", "\r", "\xC3\xA9", "\xC2\xA0", "\xE2\x82\xAC",
-                                        "\xFF", "\0"s, "\x1A"};
+  static const std::string kPieces[] = {
+      "a",  "b1", ",",    ",",  "'",        "'",        "''",           "\"",   " ",   "\t",
+      "\n", "\n", "\r\n", "\r", "\xC3\xA9", "\xC2\xA0", "\xE2\x82\xAC", "\xFF", "\0"s, "\x1A"};
   // The rare ones of the list are rarer than it makes them.
   const std::size_t choices = random() % 3 == 0 ? std::size(kPieces) : std::size(kPieces) - 3;
   std::string file = random() % 4 == 0 ? "\xEF\xBB\xBF" : "";
@@ -301,7 +306,8 @@ std::string RandomFile(std::mt19937& random) {
 std::string RandomUtf16File(std::mt19937& random) {
   static const std::u16string kUnits = u"abc,,''\" \t\n\n\r\0\u4E0A\u010D\x1A"s;
   std::u16string text = u"a";
-  for (std::size_t count = random() % 30; count > 0; --count) text += kUnits[random() % kUnits.size()];
+  for (std::size_t count = random() % 30; count > 0; --count)
+    text += kUnits[random() % kUnits.size()];
   return Utf16File(text);
 }
 
@@ -335,8 +341,8 @@ std::u16string FieldsText(const std::vector<FieldDefinition>& fields) {
   std::u16string text;
   for (const FieldDefinition& field : fields) {
     const std::string code = std::to_string(static_cast<int>(field.type));
-    text += (text.empty() ? u"" : u" ") + field.name + u':' +
-            std::u16string(code.begin(), code.end());
+    text +=
+        (text.empty() ? u"" : u" ") + field.name + u':' + std::u16string(code.begin(), code.end());
   }
   return text;
 }
@@ -402,9 +408,9 @@ TEST_F(DelimitedScanTest, RowsWiderThanTheHeaderRefuseADelimiter) {
   // Split at commas, the second row has a value without a name; split at semicolons it fits.
   Check({"next candidate", "a,b;c\n1,2,3;4\n", true, u';', u',', '\n', true, u"a,b:4 c:1"},
         Describe("a,b;c\n1,2,3;4\n", {.textDelimiter = u'"'}));
-  Check({"empty extra fields do not count", "a,b\n1,2,,\n", true, u',', u'.', '\n', true,
-         u"a:1 b:1"},
-        Describe("a,b\n1,2,,\n", {.textDelimiter = u'"'}));
+  Check(
+      {"empty extra fields do not count", "a,b\n1,2,,\n", true, u',', u'.', '\n', true, u"a:1 b:1"},
+      Describe("a,b\n1,2,,\n", {.textDelimiter = u'"'}));
 }
 
 TEST_F(DelimitedScanTest, FormatOfSchemaIniIsNotGuessedAt) {
@@ -439,7 +445,8 @@ TEST_F(DelimitedScanTest, SwappedDecimalSymbolComesBackAsCommaOrPoint) {
 TEST_F(DelimitedScanTest, SecondPassTriesTheInitialDelimiterAgainAndNotTheLastOneTried) {
   // The initial delimiter is no candidate here, so the first pass tries all five and the second
   // skips the blank. Every candidate gives one column; the comma is the first to be accepted.
-  TextDatasetDescription description = Describe("x\ny\n", {.delimiter = u'#', .textDelimiter = u'"'});
+  TextDatasetDescription description =
+      Describe("x\ny\n", {.delimiter = u'#', .textDelimiter = u'"'});
   Check({"foreign initial delimiter", "", true, u',', u'.', '\n', true, u"x:4"}, description);
 
   // Started with the pipe, the second pass begins with the comma too.
@@ -448,8 +455,10 @@ TEST_F(DelimitedScanTest, SecondPassTriesTheInitialDelimiterAgainAndNotTheLastOn
 }
 
 TEST_F(DelimitedScanTest, HeaderCellsAreTrimmedOfBlanksAndEmptyOnesNumbered) {
-  TextDatasetDescription description = Describe("  Name  ,   ,\tid,\nx,y,z,w\n", {.textDelimiter = u'"'});
-  Check({"names", "", true, u',', u'.', '\n', true, u"Name:4 Field2:4 \tid:4 Field4:4"}, description);
+  TextDatasetDescription description =
+      Describe("  Name  ,   ,\tid,\nx,y,z,w\n", {.textDelimiter = u'"'});
+  Check({"names", "", true, u',', u'.', '\n', true, u"Name:4 Field2:4 \tid:4 Field4:4"},
+        description);
 }
 
 TEST_F(DelimitedScanTest, HeaderFlagOfSchemaIniHolds) {

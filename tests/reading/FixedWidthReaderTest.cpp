@@ -1,5 +1,3 @@
-#include "reading/FixedWidthReader.h"
-
 #include <gtest/gtest.h>
 
 #include <random>
@@ -7,6 +5,7 @@
 #include <string_view>
 #include <vector>
 
+#include "reading/FixedWidthReader.h"
 #include "support/PlainTextLines.h"
 #include "support/RecordTexts.h"
 #include "support/TemporaryFolder.h"
@@ -149,7 +148,8 @@ class PlainCutter {
 
   std::u16string Text() const {
     std::u16string text;
-    for (const std::u16string& field : record_) text += (text.empty() ? u"[" : u" [") + field + u"]";
+    for (const std::u16string& field : record_)
+      text += (text.empty() ? u"[" : u" [") + field + u"]";
     return text;
   }
 
@@ -161,8 +161,8 @@ class PlainCutter {
 
 TEST_F(FixedWidthReaderTest, AgreesWithThePlainCutterOnRandomFiles) {
   std::mt19937 random(11);
-  const std::string pieces[] = {"a", "b", " ", "  ", ",", "\"", "\n", "\r\n", "\r", "\t", "\xC3\xA9",
-                                "\0"s, "\x1A"};
+  const std::string pieces[] = {"a",    "b",  " ",  "  ",       ",",   "\"",  "\n",
+                                "\r\n", "\r", "\t", "\xC3\xA9", "\0"s, "\x1A"};
   for (int round = 0; round < 3000; ++round) {
     std::string file;
     for (std::size_t count = random() % 30; count > 0; --count)

@@ -1,11 +1,10 @@
-#include "reading/OpenTextDataset.h"
-
 #include <gtest/gtest.h>
 
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "reading/OpenTextDataset.h"
 #include "reading/ReaderFactory.h"
 #include "schema/ParseError.h"
 #include "support/EventRecorder.h"
@@ -73,8 +72,8 @@ TEST_F(OpenTextDatasetTest, DescribesATable) {
 }
 
 TEST_F(OpenTextDatasetTest, FilesWithoutContentHaveOneColumn) {
-  for (const std::string& bytes :
-       {""s, "\n"s, "\r\n\r\n"s, "\xEF\xBB\xBF"s, "\x1A"s, "\xFE\xFF\0a\0,\0b"s, "\xFF\xFE\0\0a\0\0\0"s}) {
+  for (const std::string& bytes : {""s, "\n"s, "\r\n\r\n"s, "\xEF\xBB\xBF"s, "\x1A"s,
+                                   "\xFE\xFF\0a\0,\0b"s, "\xFF\xFE\0\0a\0\0\0"s}) {
     SCOPED_TRACE(::testing::PrintToString(bytes));
     const TextDatasetDescription table = Open(u"a.csv", bytes);
     ASSERT_EQ(NamesOf(table), (Texts{u"Field0"}));
@@ -177,11 +176,12 @@ TEST_F(OpenTextDatasetTest, ExtensionTellsTheFirstDelimiter) {
     std::string bytes;
     char16_t delimiter;
   } const cases[] = {
-      {u"a.csv", "a,b\tc|d\n1,2\t3|4\n", u','}, {u"a.txt", "a,b\tc|d\n1,2\t3|4\n", u','},
-      {u"a.asc", "a,b\tc|d\n1,2\t3|4\n", u','}, {u"a.tab", "a,b\tc|d\n1,2\t3|4\n", u'\t'},
+      {u"a.csv", "a,b\tc|d\n1,2\t3|4\n", u','},  {u"a.txt", "a,b\tc|d\n1,2\t3|4\n", u','},
+      {u"a.asc", "a,b\tc|d\n1,2\t3|4\n", u','},  {u"a.tab", "a,b\tc|d\n1,2\t3|4\n", u'\t'},
       {u"a.TSV", "a,b\tc|d\n1,2\t3|4\n", u'\t'}, {u"a.Psv", "a,b\tc|d\n1,2\t3|4\n", u'|'},
   };
-  for (const auto& c : cases) EXPECT_EQ(Open(c.name, c.bytes).options.delimiter, c.delimiter) << c.bytes;
+  for (const auto& c : cases)
+    EXPECT_EQ(Open(c.name, c.bytes).options.delimiter, c.delimiter) << c.bytes;
   // A wrong guess is put right.
   EXPECT_EQ(Open(u"b.tsv", "a,b\n1,2\n").options.delimiter, u',');
 }
@@ -235,7 +235,8 @@ TEST_F(OpenTextDatasetTest, EveryOpeningIsOneBeginAndOneEndEvent) {
   folder_.Write(u"misfit.csv", "a\n1,2;3\t4|5 6\n");
   folder_.Write(u"error.csv", "a,b\n1,2\n");
   folder_.Write(u"schema.ini", "[error.csv]\nnonsense\n");
-  for (const std::u16string_view name : {u"good.csv", u"misfit.csv", u"missing.csv", u"error.csv"}) {
+  for (const std::u16string_view name :
+       {u"good.csv", u"misfit.csv", u"missing.csv", u"error.csv"}) {
     TextDatasetDescription table = DescribeFile(folder_.path(), name);
     const EventRecorder events;
     OpenDatasetStatus status = OpenDatasetStatus::kOpened;

@@ -1,8 +1,8 @@
-#include "reading/Record.h"
-
 #include <gtest/gtest.h>
 
 #include <string_view>
+
+#include "reading/Record.h"
 
 namespace TextFile {
 namespace {

@@ -1,5 +1,3 @@
-#include "reading/TextLineStream.h"
-
 #include <gtest/gtest.h>
 
 #include <memory>
@@ -10,6 +8,7 @@
 #include <string_view>
 #include <vector>
 
+#include "reading/TextLineStream.h"
 #include "support/PlainTextLines.h"
 #include "support/TemporaryFolder.h"
 #include "support/UserLocale.h"
@@ -114,7 +113,10 @@ TEST_F(TextLineStreamTest, ByteOrderMarkDecidesTheEncoding) {
       {"\xFF\xFE\n\0"s, TextEncoding::kUtf32LE, {}, "the probe stops before a line feed"},
       {"\xFF\xFE\0\x01"s, TextEncoding::kUtf32LE, {}, "U+0100 has a zero low byte"},
       {"\xFF\xFE"s + "A", TextEncoding::kUtf16LE, {u""}, "half a character"},
-      {"\0\0\xFE\xFF\nx\n"s, TextEncoding::kUndetermined, {u"", u"x"}, "a four-byte mark is not seen"},
+      {"\0\0\xFE\xFF\nx\n"s,
+       TextEncoding::kUndetermined,
+       {u"", u"x"},
+       "a four-byte mark is not seen"},
       {"\xEF\xBB", TextEncoding::kUndetermined, {u"\u00EF\u00BB"}, "two thirds of a mark"},
       {"\xEF\xBB\n\xBF", TextEncoding::kUndetermined, {u"\u00EF\u00BB", u"\u00BF"}, "broken mark"},
       {"\n\xEF\xBB\xBF", TextEncoding::kUndetermined, {u"", u"\uFEFF"}, "a mark on line 2 is text"},
@@ -219,7 +221,11 @@ TEST_F(TextLineStreamTest, CarriageReturnsAsLineEnds) {
 TEST_F(TextLineStreamTest, Utf16FilesHaveNoTextMode) {
   EXPECT_EQ(Lines("\xFF\xFE"s + "A\0\n\0"s), (Texts{u"A"}));
   EXPECT_EQ(Lines(Utf16File(u"a\r\nb\r\n\r\nc")), (Texts{u"a", u"b", u"", u"c"})) << "no CR stays";
-  EXPECT_EQ(Lines(Utf16File(u"a\x1A" u"b\nc\n")), (Texts{u"a\x1A" u"b", u"c"}));
+  EXPECT_EQ(Lines(Utf16File(u"a\x1A"
+                            u"b\nc\n")),
+            (Texts{u"a\x1A"
+                   u"b",
+                   u"c"}));
   EXPECT_EQ(Lines(Utf16File(u"a\r\r\n")), (Texts{u"a\r"})) << "one CR goes";
 }
 
@@ -349,8 +355,8 @@ TEST_F(TextLineStreamTest, OpensRegularFilesOnly) {
   EXPECT_FALSE(stream.Open(folder.path(), TextLineStream::kPlainLines));
   EXPECT_FALSE(stream.IsOpen());
 
-  ASSERT_TRUE(stream.Open(folder.Write(u"\u017C\u00F3\u0142w.csv", "a\r\nb"),
-                          TextLineStream::kPlainLines));
+  ASSERT_TRUE(
+      stream.Open(folder.Write(u"\u017C\u00F3\u0142w.csv", "a\r\nb"), TextLineStream::kPlainLines));
   EXPECT_EQ(ReadAll(stream), (Texts{u"a", u"b"}));
 }
 
@@ -401,7 +407,8 @@ TEST_F(TextLineStreamTest, LinesDoNotDependOnTheBlockSize) {
 
 TEST_F(TextLineStreamTest, AgreesWithPlainReadingOfRandomBytes) {
   std::mt19937 random(20240229);
-  const std::string narrow = "ab;\n\n\r\r\x1A\0\xC3\xA9\xC3\xA9\xE2\x82\xAC\xFF\xFE\xEF\xBB\xBF\xF0\x9F\x98\x80"s;
+  const std::string narrow =
+      "ab;\n\n\r\r\x1A\0\xC3\xA9\xC3\xA9\xE2\x82\xAC\xFF\xFE\xEF\xBB\xBF\xF0\x9F\x98\x80"s;
   const std::string wide = "a\0\0\0\n\0\n\0\r\0\x1A\x01N\x0D\x0A"s;
   const std::string marks[] = {"", "", "\xEF\xBB\xBF", "\xFF\xFE"};
   for (int round = 0; round < 6000; ++round) {

@@ -1,10 +1,9 @@
-#include "schema/LocaleDefaults.h"
-
 #include <gtest/gtest.h>
 
 #include <string>
 #include <string_view>
 
+#include "schema/LocaleDefaults.h"
 #include "support/UserLocale.h"
 
 namespace TextFile {
@@ -73,8 +72,7 @@ TEST_F(LocaleDefaultsTest, SpecifiedOptionsStay) {
                              NumberFormat::Settings::kLeadingZeros;
   options.number.digits = 7;
   options.currency.specified = CurrencySettings::kSymbol | CurrencySettings::kDigits |
-                               CurrencySettings::kThousandSymbol |
-                               CurrencySettings::kDecimalSymbol;
+                               CurrencySettings::kThousandSymbol | CurrencySettings::kDecimalSymbol;
   options.currency.symbol = u"Taler";
   options.currency.digits = 5;
   options.currency.thousandSymbol = u'_';

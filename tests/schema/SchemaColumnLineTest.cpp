@@ -1,5 +1,3 @@
-#include "schema/SchemaColumnLine.h"
-
 #include <gtest/gtest.h>
 
 #include <optional>
@@ -7,6 +5,7 @@
 #include <string_view>
 
 #include "schema/ParseError.h"
+#include "schema/SchemaColumnLine.h"
 
 namespace TextFile {
 namespace {
@@ -16,15 +15,32 @@ TEST(SchemaColumnLineTest, KeysOfColumns) {
     std::u16string_view key;
     std::optional<std::int32_t> column;
   } const cases[] = {
-      {u"Col1", 0},        {u"Col2", 1},        {u"Col01", 0},       {u"Col0000000001", 0},
-      {u"Col12", 11},      {u"Col1000000", 999999},
-      {u"Col1000001", {}}, {u"Col99999999999999999999", {}},
-      {u"Col0", {}},       {u"Col-1", {}},      {u"Col+1", {}},      {u"Col", {}},
-      {u"Col1a", {}},      {u"Col 1", {}},      {u"Col1 ", {}},      {u"Column", {}},
-      {u"col1", {}},       {u"COL1", {}},       {u"1", {}},          {u"", {}},
-      {u"ColNameHeader", {}}, {u"Col1.0", {}},  {u"Col\u0661", {}},
+      {u"Col1", 0},
+      {u"Col2", 1},
+      {u"Col01", 0},
+      {u"Col0000000001", 0},
+      {u"Col12", 11},
+      {u"Col1000000", 999999},
+      {u"Col1000001", {}},
+      {u"Col99999999999999999999", {}},
+      {u"Col0", {}},
+      {u"Col-1", {}},
+      {u"Col+1", {}},
+      {u"Col", {}},
+      {u"Col1a", {}},
+      {u"Col 1", {}},
+      {u"Col1 ", {}},
+      {u"Column", {}},
+      {u"col1", {}},
+      {u"COL1", {}},
+      {u"1", {}},
+      {u"", {}},
+      {u"ColNameHeader", {}},
+      {u"Col1.0", {}},
+      {u"Col\u0661", {}},
   };
-  for (const auto& c : cases) EXPECT_EQ(ColumnOfKey(c.key), c.column) << ::testing::PrintToString(std::u16string(c.key));
+  for (const auto& c : cases)
+    EXPECT_EQ(ColumnOfKey(c.key), c.column) << ::testing::PrintToString(std::u16string(c.key));
 }
 
 // "name|type|width or -|pattern|type of the pattern|order"
@@ -120,7 +136,8 @@ TEST(SchemaColumnLineTest, RefusedLines) {
       {u"Name Text 10", kWidthKeywordExpected, "a number without Width"},
       {u"Name Text Widths 10", kWidthKeywordExpected, "another word"},
       {u"Name DateTime dd/MM/yyyy", kWidthKeywordExpected, "only Date takes a pattern"},
-      {u"Stamp Date dd/MM/yyyy Width 10", kWidthKeywordExpected, "Width became part of the pattern"},
+      {u"Stamp Date dd/MM/yyyy Width 10", kWidthKeywordExpected,
+       "Width became part of the pattern"},
       {u"Stamp Date dd/MM/yyyy HH:mm 16", kWidthKeywordExpected, "behind two parts"},
       {u"Name Text Width", kBadFieldWidth, "no number"},
       {u"Name Text Width abc", kBadFieldWidth, "no number"},

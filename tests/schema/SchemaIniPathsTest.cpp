@@ -1,9 +1,8 @@
-#include "schema/SchemaIniPaths.h"
-
 #include <gtest/gtest.h>
 
 #include <string>
 
+#include "schema/SchemaIniPaths.h"
 #include "support/TemporaryFolder.h"
 
 namespace TextFile {

@@ -1,11 +1,10 @@
-#include "schema/SchemaIniReader.h"
-
 #include <gtest/gtest.h>
 
 #include <optional>
 #include <string>
 #include <string_view>
 
+#include "schema/SchemaIniReader.h"
 #include "support/TemporaryFolder.h"
 #include "support/UserLocale.h"
 #include "support/Utf16Bytes.h"
@@ -58,11 +57,10 @@ class SchemaIniReaderTest : public EnglishTest {
 
 TEST_F(SchemaIniReaderTest, ErrorCodesAreThoseOfTheMessages) {
   using enum ParseErrorCode;
-  const ParseErrorCode codes[] = {kMissingFieldName,        kMissingFieldType, kUnknownFieldType,
-                                  kWidthKeywordExpected,    kBadFieldWidth,
-                                  kFixedWidthFieldsMissing, kBadDateFormat,    kDuplicateOption,
-                                  kInvalidFormat,           kDoubleQuoteDelimiter,
-                                  kInvalidOptionValue,      kUnknownOption};
+  const ParseErrorCode codes[] = {
+      kMissingFieldName, kMissingFieldType,        kUnknownFieldType,   kWidthKeywordExpected,
+      kBadFieldWidth,    kFixedWidthFieldsMissing, kBadDateFormat,      kDuplicateOption,
+      kInvalidFormat,    kDoubleQuoteDelimiter,    kInvalidOptionValue, kUnknownOption};
   std::uint32_t number = 0;
   for (const ParseErrorCode code : codes) EXPECT_EQ(static_cast<std::uint32_t>(code), number++);
 }
@@ -161,7 +159,8 @@ TEST_F(SchemaIniReaderTest, NameInAnotherLetterCaseIsFound) {
 // ---------------------------------------------------------------------------------------------
 
 TEST_F(SchemaIniReaderTest, EmptyLinesAreSkippedAndPartsTrimmed) {
-  const SchemaOptions options = Options("\n\n \t MaxScanRows\t = \t 7 \xC2\xA0\n\nCharacterSet=OEM");
+  const SchemaOptions options =
+      Options("\n\n \t MaxScanRows\t = \t 7 \xC2\xA0\n\nCharacterSet=OEM");
   EXPECT_EQ(options.maxScanRows, 7u);
   EXPECT_TRUE(options.IsSpecified(SchemaOptions::kCharacterSet));
 }
@@ -244,10 +243,16 @@ TEST_F(SchemaIniReaderTest, Formats) {
     bool fixedLength;
     char16_t delimiter;
   } const cases[] = {
-      {"FixedLength", true, 0},        {"TabDelimited", false, 9},  {"CSVDelimited", false, 44},
-      {"Delimited(;)", false, u';'},   {"Delimited(,)", false, 44}, {"Delimited( )", false, u' '},
-      {"Delimited(;)xyz", false, u';'}, {"Delimited())", false, u')'},
-      {"Delimited(\xC2\xA7)", false, u'\u00A7'}, {"Delimited(\t)", false, 9},
+      {"FixedLength", true, 0},
+      {"TabDelimited", false, 9},
+      {"CSVDelimited", false, 44},
+      {"Delimited(;)", false, u';'},
+      {"Delimited(,)", false, 44},
+      {"Delimited( )", false, u' '},
+      {"Delimited(;)xyz", false, u';'},
+      {"Delimited())", false, u')'},
+      {"Delimited(\xC2\xA7)", false, u'\u00A7'},
+      {"Delimited(\t)", false, 9},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.value);
@@ -260,10 +265,9 @@ TEST_F(SchemaIniReaderTest, Formats) {
 
 TEST_F(SchemaIniReaderTest, BadFormats) {
   using enum ParseErrorCode;
-  for (const char16_t* value :
-       {u"", u"fixedlength", u"FixedLengthx", u"CSV", u"tabdelimited", u"CSVDelimited ,",
-        u"delimited(;)", u"Delimited", u"Delimited(", u"Delimited(|", u"Delimited(ab)",
-        u"Delimited()"}) {
+  for (const char16_t* value : {u"", u"fixedlength", u"FixedLengthx", u"CSV", u"tabdelimited",
+                                u"CSVDelimited ,", u"delimited(;)", u"Delimited", u"Delimited(",
+                                u"Delimited(|", u"Delimited(ab)", u"Delimited()"}) {
     const std::u16string text(value);
     ExpectError("Format=" + std::string(text.begin(), text.end()), kInvalidFormat, text);
   }
@@ -292,13 +296,13 @@ TEST_F(SchemaIniReaderTest, Numbers) {
   struct {
     std::string value;
     std::uint32_t number;
-  } const accepted[] = {{"0", 0},     {"25", 25},    {"007", 7},          {"4294967295", 4294967295u},
-                        {"12abc", 12}, {"1.5", 1},   {"+3", 3},           {"10 rows", 10},
+  } const accepted[] = {{"0", 0},      {"25", 25}, {"007", 7}, {"4294967295", 4294967295u},
+                        {"12abc", 12}, {"1.5", 1}, {"+3", 3},  {"10 rows", 10},
                         {"0x10", 0}};
   for (const auto& c : accepted) {
     SCOPED_TRACE(c.value);
-    const SchemaOptions options =
-        Options("MaxScanRows=" + c.value + "\nNumberDigits=" + c.value + "\nCurrencyDigits=" + c.value);
+    const SchemaOptions options = Options("MaxScanRows=" + c.value + "\nNumberDigits=" + c.value +
+                                          "\nCurrencyDigits=" + c.value);
     EXPECT_EQ(options.maxScanRows, c.number);
     EXPECT_EQ(options.specified, 4u);
     EXPECT_EQ(options.number.digits, c.number);
@@ -321,7 +325,8 @@ TEST_F(SchemaIniReaderTest, CharacterSets) {
   EXPECT_EQ(Options("CharacterSet=OEM").specified, 8u);
   for (const std::string value : {"ansi", "oem", "1252", "UTF-8", "Unicode", "65001", ""}) {
     const std::string line = "CharacterSet=" + value;
-    ExpectError(line, ParseErrorCode::kInvalidOptionValue, std::u16string(line.begin(), line.end()));
+    ExpectError(line, ParseErrorCode::kInvalidOptionValue,
+                std::u16string(line.begin(), line.end()));
   }
 }
 
@@ -339,8 +344,9 @@ TEST_F(SchemaIniReaderTest, TextDelimiters) {
   struct {
     std::string value;
     char16_t textDelimiter;
-  } const cases[] = {{"'", u'\''}, {"NONE", 0}, {"none", 0}, {"nOnE", 0}, {"ab", u'"'},
-                     {"", u'"'},   {"N", u'N'}, {"\xC2\xAB", u'\u00AB'}, {"NONE x", u'"'}};
+  } const cases[] = {{"'", u'\''},    {"NONE", 0}, {"none", 0}, {"nOnE", 0},
+                     {"ab", u'"'},    {"", u'"'},  {"N", u'N'}, {"\xC2\xAB", u'\u00AB'},
+                     {"NONE x", u'"'}};
   for (const auto& c : cases) {
     SCOPED_TRACE(c.value);
     const SchemaOptions options = Options("TextDelimiter=" + c.value);
@@ -357,7 +363,8 @@ TEST_F(SchemaIniReaderTest, SingleCharacters) {
   EXPECT_EQ(options.currency.thousandSymbol, u'\'');
   EXPECT_EQ(options.currency.decimalSymbol, u'\u20AC');
   EXPECT_EQ(options.currency.specified, 48u);
-  for (const std::string key : {"DecimalSymbol", "CurrencyThousandSymbol", "CurrencyDecimalSymbol"}) {
+  for (const std::string key :
+       {"DecimalSymbol", "CurrencyThousandSymbol", "CurrencyDecimalSymbol"}) {
     for (const std::string value : {"", "..", "NONE"}) {
       const std::string line = key + "=" + value;
       ExpectError(line, ParseErrorCode::kInvalidOptionValue,
@@ -394,7 +401,8 @@ TEST_F(SchemaIniReaderTest, ColumnsStandUnderTheirNumbers) {
 
 TEST_F(SchemaIniReaderTest, TwoKeysOfOneColumnAreTakenInKeyOrder) {
   // "Col01" comes before "Col1", wherever they stand.
-  for (const char* lines : {"Col01=A Text Width 12\nCol1=B Long", "Col1=B Long\nCol01=A Text Width 12"}) {
+  for (const char* lines :
+       {"Col01=A Text Width 12\nCol1=B Long", "Col1=B Long\nCol01=A Text Width 12"}) {
     const SchemaOptions options = Options(lines);
     ASSERT_EQ(options.columns.size(), 1u);
     EXPECT_EQ(options.columns.at(0).name, u"B");
@@ -404,9 +412,9 @@ TEST_F(SchemaIniReaderTest, TwoKeysOfOneColumnAreTakenInKeyOrder) {
 }
 
 TEST_F(SchemaIniReaderTest, DateColumnsTakeTheTypeOfTheirPattern) {
-  const SchemaOptions options =
-      Options("Col1=A Date\nCol2=When Date dd.MM.yyyy\nCol3=T Date HH:mm\n"
-              "Col4=Stamp Date dd/MM/yyyy HH:mm Width 16");
+  const SchemaOptions options = Options(
+      "Col1=A Date\nCol2=When Date dd.MM.yyyy\nCol3=T Date HH:mm\n"
+      "Col4=Stamp Date dd/MM/yyyy HH:mm Width 16");
   EXPECT_EQ(options.columns.at(0).type, FieldType::kDate);
   EXPECT_EQ(options.columns.at(1).type, FieldType::kDateOnly);
   EXPECT_EQ(options.columns.at(2).type, FieldType::kTimeOnly);

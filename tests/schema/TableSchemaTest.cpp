@@ -1,9 +1,8 @@
-#include "schema/TableSchema.h"
-
 #include <gtest/gtest.h>
 
 #include <string_view>
 
+#include "schema/TableSchema.h"
 #include "support/UserLocale.h"
 
 namespace TextFile {
@@ -16,10 +15,10 @@ TEST_F(TableSchemaTest, FieldTypesAreTheHostsNumbers) {
     FieldType type;
     int code;
   } cases[] = {
-      {FieldType::kSmallInteger, 0}, {FieldType::kInteger, 1},     {FieldType::kSingle, 2},
-      {FieldType::kDouble, 3},       {FieldType::kString, 4},      {FieldType::kDate, 5},
-      {FieldType::kObjectId, 6},     {FieldType::kGuid, 10},       {FieldType::kGlobalId, 11},
-      {FieldType::kBigInteger, 13},  {FieldType::kDateOnly, 14},   {FieldType::kTimeOnly, 15},
+      {FieldType::kSmallInteger, 0},     {FieldType::kInteger, 1},       {FieldType::kSingle, 2},
+      {FieldType::kDouble, 3},           {FieldType::kString, 4},        {FieldType::kDate, 5},
+      {FieldType::kObjectId, 6},         {FieldType::kGuid, 10},         {FieldType::kGlobalId, 11},
+      {FieldType::kBigInteger, 13},      {FieldType::kDateOnly, 14},     {FieldType::kTimeOnly, 15},
       {FieldType::kTimestampOffset, 16}, {FieldType::kUndetermined, -1},
   };
   for (const auto& c : cases) EXPECT_EQ(static_cast<int>(c.type), c.code);
@@ -37,24 +36,40 @@ TEST_F(TableSchemaTest, KeywordsReadInAnyLetterCase) {
     std::u16string_view word;
     FieldType type;
   } const cases[] = {
-      {u"bit", FieldType::kSmallInteger},      {u"byte", FieldType::kSmallInteger},
-      {u"short", FieldType::kSmallInteger},    {u"integer", FieldType::kSmallInteger},
-      {u"long", FieldType::kInteger},          {u"longlong", FieldType::kBigInteger},
-      {u"currency", FieldType::kDouble},       {u"single", FieldType::kSingle},
-      {u"float", FieldType::kSingle},          {u"double", FieldType::kDouble},
-      {u"datetime", FieldType::kDate},         {u"date", FieldType::kDate},
-      {u"text", FieldType::kString},           {u"memo", FieldType::kString},
-      {u"char", FieldType::kString},           {u"longchar", FieldType::kString},
-      {u"Integer", FieldType::kSmallInteger},  {u"LONG", FieldType::kInteger},
-      {u"LongLong", FieldType::kBigInteger},   {u"Currency", FieldType::kDouble},
-      {u"dAtEtImE", FieldType::kDate},         {u"MEMO", FieldType::kString},
-      {u"", FieldType::kUndetermined},         {u"int", FieldType::kUndetermined},
-      {u"texts", FieldType::kUndetermined},    {u"tex", FieldType::kUndetermined},
-      {u"dateonly", FieldType::kUndetermined}, {u"guid", FieldType::kUndetermined},
-      {u"date ", FieldType::kUndetermined},    {u"string", FieldType::kUndetermined},
+      {u"bit", FieldType::kSmallInteger},
+      {u"byte", FieldType::kSmallInteger},
+      {u"short", FieldType::kSmallInteger},
+      {u"integer", FieldType::kSmallInteger},
+      {u"long", FieldType::kInteger},
+      {u"longlong", FieldType::kBigInteger},
+      {u"currency", FieldType::kDouble},
+      {u"single", FieldType::kSingle},
+      {u"float", FieldType::kSingle},
+      {u"double", FieldType::kDouble},
+      {u"datetime", FieldType::kDate},
+      {u"date", FieldType::kDate},
+      {u"text", FieldType::kString},
+      {u"memo", FieldType::kString},
+      {u"char", FieldType::kString},
+      {u"longchar", FieldType::kString},
+      {u"Integer", FieldType::kSmallInteger},
+      {u"LONG", FieldType::kInteger},
+      {u"LongLong", FieldType::kBigInteger},
+      {u"Currency", FieldType::kDouble},
+      {u"dAtEtImE", FieldType::kDate},
+      {u"MEMO", FieldType::kString},
+      {u"", FieldType::kUndetermined},
+      {u"int", FieldType::kUndetermined},
+      {u"texts", FieldType::kUndetermined},
+      {u"tex", FieldType::kUndetermined},
+      {u"dateonly", FieldType::kUndetermined},
+      {u"guid", FieldType::kUndetermined},
+      {u"date ", FieldType::kUndetermined},
+      {u"string", FieldType::kUndetermined},
       {u"\u0442\u0435xt", FieldType::kUndetermined},
   };
-  for (const auto& c : cases) EXPECT_EQ(TypeOfKeyword(c.word), c.type) << ::testing::PrintToString(std::u16string(c.word));
+  for (const auto& c : cases)
+    EXPECT_EQ(TypeOfKeyword(c.word), c.type) << ::testing::PrintToString(std::u16string(c.word));
 }
 
 TEST_F(TableSchemaTest, WrittenKeywords) {
@@ -62,15 +77,15 @@ TEST_F(TableSchemaTest, WrittenKeywords) {
     FieldType type;
     std::u16string_view word;
   } const cases[] = {
-      {FieldType::kSmallInteger, u"Short"}, {FieldType::kInteger, u"Long"},
-      {FieldType::kObjectId, u"Long"},      {FieldType::kBigInteger, u"LongLong"},
-      {FieldType::kSingle, u"Single"},      {FieldType::kDouble, u"Double"},
-      {FieldType::kString, u"Text"},        {FieldType::kGuid, u"Text"},
-      {FieldType::kGlobalId, u"Text"},      {FieldType::kDate, u"Date"},
-      {FieldType::kDateOnly, u"Date"},      {FieldType::kTimeOnly, u"Date"},
+      {FieldType::kSmallInteger, u"Short"},   {FieldType::kInteger, u"Long"},
+      {FieldType::kObjectId, u"Long"},        {FieldType::kBigInteger, u"LongLong"},
+      {FieldType::kSingle, u"Single"},        {FieldType::kDouble, u"Double"},
+      {FieldType::kString, u"Text"},          {FieldType::kGuid, u"Text"},
+      {FieldType::kGlobalId, u"Text"},        {FieldType::kDate, u"Date"},
+      {FieldType::kDateOnly, u"Date"},        {FieldType::kTimeOnly, u"Date"},
       {FieldType::kTimestampOffset, u"Date"}, {FieldType::kUndetermined, u""},
-      {static_cast<FieldType>(7), u""},     {static_cast<FieldType>(8), u""},
-      {static_cast<FieldType>(9), u""},     {static_cast<FieldType>(12), u""},
+      {static_cast<FieldType>(7), u""},       {static_cast<FieldType>(8), u""},
+      {static_cast<FieldType>(9), u""},       {static_cast<FieldType>(12), u""},
       {static_cast<FieldType>(17), u""},
   };
   for (const auto& c : cases) EXPECT_EQ(KeywordOfType(c.type), c.word) << static_cast<int>(c.type);
@@ -138,12 +153,14 @@ TEST_F(TableSchemaTest, DelimiterOfExtension) {
     std::u16string_view name;
     char16_t delimiter;
   } const cases[] = {
-      {u"a.csv", u','}, {u"a.txt", u','}, {u"a.asc", u','},     {u"a.tab", u'\t'},
-      {u"a.tsv", u'\t'}, {u"a.psv", u'|'}, {u"a.TAB", u'\t'},   {u"a.Tsv", u'\t'},
-      {u"a.PSV", u'|'}, {u"a", u','},     {u"a.tsv.csv", u','}, {u"tsv", u','},
+      {u"a.csv", u','},  {u"a.txt", u','}, {u"a.asc", u','},     {u"a.tab", u'\t'},
+      {u"a.tsv", u'\t'}, {u"a.psv", u'|'}, {u"a.TAB", u'\t'},    {u"a.Tsv", u'\t'},
+      {u"a.PSV", u'|'},  {u"a", u','},     {u"a.tsv.csv", u','}, {u"tsv", u','},
       {u"a.tsvx", u','},
   };
-  for (const auto& c : cases) EXPECT_EQ(DelimiterOfExtension(c.name), c.delimiter) << ::testing::PrintToString(std::u16string(c.name));
+  for (const auto& c : cases)
+    EXPECT_EQ(DelimiterOfExtension(c.name), c.delimiter)
+        << ::testing::PrintToString(std::u16string(c.name));
 }
 
 TEST_F(TableSchemaTest, GroupingSymbolIsTheOtherOfPointAndComma) {
