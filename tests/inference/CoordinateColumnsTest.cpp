@@ -1,10 +1,9 @@
-#include "inference/CoordinateColumns.h"
-
 #include <gtest/gtest.h>
 
 #include <string>
 #include <string_view>
 
+#include "inference/CoordinateColumns.h"
 #include "support/LocaleScope.h"
 #include "support/OpenedTable.h"
 #include "support/TemporaryFolder.h"
@@ -88,12 +87,12 @@ TEST_F(CoordinateColumnsTest, OneRefusedTextEndsItForGood) {
 }
 
 TEST_F(CoordinateColumnsTest, ARefusedPairEndsItForBothColumns) {
-  EXPECT_EQ(Fields("a\tb\tn\n" + Row({kLatitude, kLongitude, "1"}) +
-                   Row({"nowhere", kLongitude, "1"})),
-            "a:text b:text n:int");
-  EXPECT_EQ(Fields("a\tb\tn\n" + Row({kLatitude, kLongitude, "1"}) +
-                   Row({kLatitude, "nowhere", "1"})),
-            "a:text b:text n:int");
+  EXPECT_EQ(
+      Fields("a\tb\tn\n" + Row({kLatitude, kLongitude, "1"}) + Row({"nowhere", kLongitude, "1"})),
+      "a:text b:text n:int");
+  EXPECT_EQ(
+      Fields("a\tb\tn\n" + Row({kLatitude, kLongitude, "1"}) + Row({kLatitude, "nowhere", "1"})),
+      "a:text b:text n:int");
   EXPECT_EQ(Fields("a\tb\tn\n" + Row({kLatitude, kLatitude, "1"})), "a:text b:text n:int")
       << "two latitudes are no pair";
   EXPECT_EQ(Fields("a\tn\tb\n" + Row({kLatitude, "1", kLongitude})), "a:text n:int b:text")
@@ -133,9 +132,9 @@ TEST_F(CoordinateColumnsTest, DeclaredColumnsAreNoCandidates) {
 }
 
 TEST_F(CoordinateColumnsTest, ADeclaredTextColumnMayBeTheSecondOfAPair) {
-  EXPECT_EQ(Fields("a\tb\n" + Row({kLatitude, kLongitude}), {},
-                   "ColNameHeader=True\nCol2=b Text\n"),
-            "a:text b:text a_D:double[d] b_D:double[d]");
+  EXPECT_EQ(
+      Fields("a\tb\n" + Row({kLatitude, kLongitude}), {}, "ColNameHeader=True\nCol2=b Text\n"),
+      "a:text b:text a_D:double[d] b_D:double[d]");
 }
 
 TEST_F(CoordinateColumnsTest, SwitchedOffWithAHeaderThereAreNone) {

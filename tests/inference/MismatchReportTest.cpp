@@ -1,16 +1,18 @@
-#include "inference/MismatchReport.h"
-
 #include <gtest/gtest.h>
 
+#include <filesystem>
+#include <fstream>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "host/AppEventLog/EventLog.h"
+#include "inference/MismatchReport.h"
 #include "inference/RowConverter.h"
 #include "reading/ReaderFactory.h"
 #include "support/LocaleScope.h"
 #include "support/OpenedTable.h"
+#include "support/OrdinaryUser.h"
 #include "support/TemporaryFolder.h"
 
 namespace TextFile {
@@ -138,8 +140,7 @@ TEST_F(MismatchReportTest, AColumnDefinedAsTheTypeFoundStays) {
   EXPECT_EQ(Record(schemaIni, At(0, kDouble)), MismatchOutcome::kAlreadyUpdated);
   EXPECT_EQ(folder_.Read("schema.ini"), schemaIni) << "nothing is written";
   EXPECT_EQ(Record(schemaIni, At(1, kText)), MismatchOutcome::kAlreadyUpdated);
-  EXPECT_EQ(Record("[t.csv]\nCol1=a Currency\n", At(0, kDouble)),
-            MismatchOutcome::kAlreadyUpdated)
+  EXPECT_EQ(Record("[t.csv]\nCol1=a Currency\n", At(0, kDouble)), MismatchOutcome::kAlreadyUpdated)
       << "another word for Double";
 }
 
@@ -187,14 +188,27 @@ TEST_F(MismatchReportTest, ATemporaryFileThatCannotBeWrittenLeavesSchemaIni) {
 
 TEST_F(MismatchReportTest, AReadOnlyFolderIsToldApart) {
   namespace fs = std::filesystem;
-  fs::permissions(folder_.native(), fs::perms::owner_read | fs::perms::owner_exec);
-  std::ofstream probe(folder_.FileOf("probe"));
-  if (probe.is_open()) {
-    fs::permissions(folder_.native(), fs::perms::owner_all);
-    GTEST_SKIP() << "this user may write everywhere";
+  constexpr fs::perms kReadOnly = fs::perms::owner_read | fs::perms::owner_exec |
+                                  fs::perms::others_read | fs::perms::others_exec;
+  const std::string_view schemaIni = "[other.csv]\nFormat=CSVDelimited\n";
+  folder_.Write("schema.ini", schemaIni);
+  fs::permissions(folder_.native(), kReadOnly);
+  {
+    const OrdinaryUser ordinary;
+    if (std::ofstream(folder_.FileOf("probe")).is_open())
+      GTEST_SKIP() << "this system has no read-only folders";
+    EXPECT_EQ(RecordMismatch(Table(), At(0, kText)), MismatchOutcome::kNotWritten);
+    EXPECT_NE(ReportMismatch(Table(), At(0, kText), &LoadMessage).find(u"Create schema.ini file"),
+              std::u16string::npos);
   }
-  EXPECT_EQ(RecordMismatch(Table(), At(0, kText)), MismatchOutcome::kNotWritten);
+  EXPECT_EQ(folder_.Read("schema.ini"), schemaIni);
   fs::permissions(folder_.native(), fs::perms::owner_all);
+  fs::remove(folder_.FileOf("schema.ini"));
+  fs::permissions(folder_.native(), kReadOnly);
+  {
+    const OrdinaryUser ordinary;
+    EXPECT_EQ(RecordMismatch(Table(), At(0, kText)), MismatchOutcome::kNotWritten);
+  }
   EXPECT_FALSE(folder_.Exists("schema.ini"));
 }
 

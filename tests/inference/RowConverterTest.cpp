@@ -1,5 +1,3 @@
-#include "inference/RowConverter.h"
-
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -11,6 +9,7 @@
 #include <vector>
 
 #include "host/interfaces/HostTimestampOffset.h"
+#include "inference/RowConverter.h"
 #include "platform/OleText.h"
 #include "reading/ReaderFactory.h"
 #include "support/LocaleScope.h"
@@ -58,8 +57,8 @@ std::string ShowNumber(const char* type, double number) {
 
 std::string ShowTimestamp(IUnknown* object) {
   quenra::HostTimestampOffset* timestamp = nullptr;
-  const HRESULT result = object->QueryInterface(quenra::IID_HostTimestampOffset,
-                                                reinterpret_cast<void**>(&timestamp));
+  const HRESULT result =
+      object->QueryInterface(quenra::IID_HostTimestampOffset, reinterpret_cast<void**>(&timestamp));
   if (FAILED(result)) return "no timestamp";
   DATE date = 0;
   SHORT offset = 0;
@@ -204,6 +203,9 @@ constexpr ValueCase kValueCases[] = {
     {FieldType::kDateOnly, u"2020-02-31", "NULL; String", "no such day"},
     {FieldType::kDateOnly, u"2020-02-29", "DATE 43890", "a leap day"},
     {FieldType::kDateOnly, u"2019-02-29", "NULL; String", "no leap year"},
+    {FieldType::kDateOnly, u"0099-01-05", "NULL; String", "OLE dates begin with the year 100"},
+    {FieldType::kDateOnly, u"9999-12-31", "DATE 2958465", "the last day of OLE"},
+    {FieldType::kDateOnly, u"10000-01-01", "NULL; String", "beyond it"},
     {FieldType::kTimeOnly, u"10:30", "DATE 0.4375", "the fraction of a day"},
     {FieldType::kTimeOnly, u"18:00:00.5", "DATE 0.750005787037", "with milliseconds"},
     {FieldType::kTimeOnly, u"24:00", "NULL; String", "no time"},

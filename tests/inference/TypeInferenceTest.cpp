@@ -1,11 +1,10 @@
-#include "inference/TypeInference.h"
-
 #include <gtest/gtest.h>
 
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "inference/TypeInference.h"
 #include "support/LocaleScope.h"
 #include "support/OpenedTable.h"
 #include "support/TemporaryFolder.h"
@@ -90,8 +89,7 @@ class TypeInferenceTest : public ::testing::Test {
   OpenedTable OpenAs(const std::string& name, std::string_view bytes, std::string_view section,
                      const OpenOptions& options) {
     folder_.Write(name, bytes);
-    folder_.Write("schema.ini",
-                  section.empty() ? "" : "[" + name + "]\n" + std::string(section));
+    folder_.Write("schema.ini", section.empty() ? "" : "[" + name + "]\n" + std::string(section));
     return OpenedTable(folder_, std::u16string(name.begin(), name.end()), options);
   }
 };
@@ -150,8 +148,8 @@ TEST_F(TypeInferenceTest, DeclaredColumnsCanKeepTheScanGoing) {
       << "a date of two orders";
   EXPECT_EQ(RowsRead(1, "a,b\n", "13/02/2020,y", header + "Col1=a Date\nCol2=b Text\n"), 1)
       << "a date of one order";
-  EXPECT_EQ(
-      RowsRead(1, "a,b\n", "01/02/2020,y", header + "Col1=a Date dd/MM/yyyy\nCol2=b Text\n"), 1)
+  EXPECT_EQ(RowsRead(1, "a,b\n", "01/02/2020,y", header + "Col1=a Date dd/MM/yyyy\nCol2=b Text\n"),
+            1)
       << "the orders of a date with a pattern are not tracked";
 }
 
@@ -377,8 +375,8 @@ TEST_F(TypeInferenceTest, DeclaredDatesWithAPatternStay) {
 // ---------------------------------------------------------------------------------------------
 
 TEST_F(TypeInferenceTest, DeclaredColumnsKeepTypeNameAndWidth) {
-  OpenedTable table = Open("x,y,z\nabc,def,ghi\n",
-                           "ColNameHeader=True\nCol1=a Short Width 6\nCol2=b Single\n");
+  OpenedTable table =
+      Open("x,y,z\nabc,def,ghi\n", "ColNameHeader=True\nCol1=a Short Width 6\nCol2=b Single\n");
   EXPECT_EQ(table.Fields(), "a:small b:single z:text");
   EXPECT_EQ(table.field(0).width, 6);
   EXPECT_TRUE(table.field(0).hasWidth);
@@ -411,8 +409,7 @@ TEST_F(TypeInferenceTest, DeclaredFloatingPointColumnsSettleTheDecimalSymbol) {
   EXPECT_EQ(decimal("Double", "12\t1\n"), '.') << "a number with both";
   EXPECT_EQ(decimal("Double", "1,5\t1\n2.5\t1\n"), '.') << "swapped twice";
   EXPECT_EQ(decimal("Double", "1,5\t1\n2,5\t1\n"), ',');
-  EXPECT_EQ(decimal("Double", "1,5\t1\n", "DecimalSymbol=.\n"), ',')
-      << "even against the section";
+  EXPECT_EQ(decimal("Double", "1,5\t1\n", "DecimalSymbol=.\n"), ',') << "even against the section";
   EXPECT_EQ(decimal("Double", "inf\t1\n"), '.') << "words are no numbers for inference";
 }
 
@@ -461,8 +458,7 @@ TEST_F(DecimalDecisionTest, WholeNumbersThatTheSwapWouldBreakSpeakAgainstIt) {
 }
 
 TEST_F(DecimalDecisionTest, OnlyTheFirstValueSettlesTheAlternative) {
-  EXPECT_EQ(Decide("12\tx\ty\n1,5\tx\ty\n"), "a:text b:text c:text .")
-      << "a whole number first";
+  EXPECT_EQ(Decide("12\tx\ty\n1,5\tx\ty\n"), "a:text b:text c:text .") << "a whole number first";
   EXPECT_EQ(Decide("1,5\tx\ty\n12\tx\ty\n"), "a:double b:text c:text ,");
   EXPECT_EQ(Decide("1,5\tx\ty\nabc\tx\ty\n"), "a:double b:text c:text ,")
       << "later text is not looked at";
@@ -527,8 +523,9 @@ TEST_F(TypeInferenceTest, HeaderTextsLoseTheirBlanks) {
 TEST_F(TypeInferenceTest, HeaderTextsNameTheColumnsWithoutAName) {
   EXPECT_EQ(Fields("x,y,z\n1,2,3\n", "ColNameHeader=True\nCol1=a Long\nCol3=c Long\n"),
             "a:int y:int c:int");
-  EXPECT_EQ(Fields("x\n1,2\n", "Format=CSVDelimited\nColNameHeader=True\nCol1=a Long\nCol2=b "
-                               "Long\n"),
+  EXPECT_EQ(Fields("x\n1,2\n",
+                   "Format=CSVDelimited\nColNameHeader=True\nCol1=a Long\nCol2=b "
+                   "Long\n"),
             "a:int b:int");
 }
 
