@@ -99,6 +99,14 @@ TEST_F(CoordinateColumnsTest, ARefusedPairEndsItForBothColumns) {
       << "they are not neighbours";
 }
 
+TEST_F(CoordinateColumnsTest, ARefusedFirstTextTakesTheSecondColumnWithIt) {
+  // The second column forms a pair with the third as well, until the first column is refused.
+  const std::string pairs =
+      "a\tb\tc\n" + Row({kLatitude, kLongitude, kLatitude}) + "\t" + Row({kLongitude, kLatitude});
+  EXPECT_EQ(Fields(pairs), "a:text b:text a_D:double[d] b_D:double[d] c:text");
+  EXPECT_EQ(Fields(pairs + "nowhere\t\t\n"), "a:text b:text c:text");
+}
+
 TEST_F(CoordinateColumnsTest, PairsAreFormedFromLeftToRight) {
   EXPECT_EQ(Fields("a\tb\tc\td\n" + Row({kLatitude, kLongitude, kLatitude, kLongitude})),
             "a:text b:text a_D:double[d] b_D:double[d] c:text d:text c_D:double[d] d_D:double[d]");

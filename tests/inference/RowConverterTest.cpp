@@ -392,6 +392,27 @@ TEST_F(CoordinateConversionTest, TwoTextsFillTheTwoFieldsBehindThem) {
   EXPECT_FALSE(folder_.Exists("schema.ini"));
 }
 
+TEST_F(CoordinateConversionTest, TextsAreReadInTheNotationOfTheirColumn) {
+  // Whole degrees say too little alone, but are read among decimal degrees.
+  FieldDefinition one = Field(u"p", kText);
+  ASSERT_TRUE(quenra::LatLongFormat().IsLatLong(u"40.123N 74.123W", one.coordinateFormat));
+  RowConverter single(Table({one, Virtual(u"p_X", false), Virtual(u"p_Y", false)}),
+                      &LoadTestMessage);
+  EXPECT_EQ(Convert(single, {u"40N 74W"}), "BSTR \"40N 74W\", R8 -74, R8 40");
+  one.coordinateFormat = 0;
+  RowConverter unknown(Table({one, Virtual(u"p_X", false), Virtual(u"p_Y", false)}),
+                       &LoadTestMessage);
+  EXPECT_EQ(Convert(unknown, {u"40N 74W"}), "BSTR \"40N 74W\", NULL, NULL");
+
+  // Of two texts the second field carries the notation.
+  FieldDefinition second = Field(u"lon", kText);
+  ASSERT_TRUE(quenra::LatLongFormat().IsLatLong(u"40.123N", u"74.123W", second.coordinateFormat));
+  RowConverter pair(
+      Table({Field(u"lat", kText), second, Virtual(u"lat_D", true), Virtual(u"lon_D", true)}),
+      &LoadTestMessage);
+  EXPECT_EQ(Convert(pair, {u"40N", u"74W"}), "BSTR \"40N\", BSTR \"74W\", R8 40, R8 -74");
+}
+
 TEST_F(CoordinateConversionTest, AShortRecordHasNoCoordinatesOfTwoTexts) {
   RowConverter converter(TwoTexts(), &LoadTestMessage);
   converter.Convert(MakeRecord({kNorth}));
