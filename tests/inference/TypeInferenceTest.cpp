@@ -341,6 +341,12 @@ TEST_F(TypeInferenceTest, DateFieldsCarryTheFieldTypeVersion) {
   EXPECT_EQ(Open(bytes, {}, Version(310)).field(0).dateFormat.type, FieldType::kDate);
 }
 
+TEST_F(TypeInferenceTest, DatesWithAnOffsetHaveAPatternOfTheirOwn) {
+  EXPECT_EQ(Open("a,b\n2020-01-05 10:30+02:00,x\n").field(0).dateFormat.pattern,
+            u"yyyy-MM-ddTHH:mm:ss");
+  EXPECT_EQ(Open("a,b\n2020-01-05 10:30,x\n").field(0).dateFormat.pattern, u"");
+}
+
 TEST_F(TypeInferenceTest, DeclaredDatesTakeTheKindOfTheLastDate) {
   const std::string section = "ColNameHeader=True\nCol1=a Date\nCol2=b Text\n";
   const auto declared = [&](const std::string& values, const OpenOptions& options = {}) {
