@@ -13,6 +13,8 @@
 #include "support/UserLocale.h"
 #include "support/Utf16Bytes.h"
 
+using quenra::test::TemporaryFolder;
+
 namespace TextFile {
 namespace {
 
@@ -160,7 +162,7 @@ TEST_F(DelimitedReaderTest, RewindReadsFromTheStartAgain) {
 
 TEST_F(DelimitedReaderTest, MissingFileIsNotOpen) {
   TextDatasetDescription description = Describe("a\n");
-  description.path = folder_.PathOf(u"missing.csv");
+  description.path = folder_.Path(u"missing.csv");
   DelimitedReader reader(description);
   EXPECT_FALSE(reader.IsOpen());
   EXPECT_FALSE(reader.ReadRecord());

@@ -12,6 +12,8 @@
 #include "support/UserLocale.h"
 #include "support/Utf16Bytes.h"
 
+using quenra::test::TemporaryFolder;
+
 namespace TextFile {
 namespace {
 
@@ -240,7 +242,7 @@ TEST_F(FixedWidthReaderTest, ScanTakesNamesFromTheHeaderForColumnsWithoutOne) {
 
 TEST_F(FixedWidthReaderTest, ScanOfAMissingFileFails) {
   TextDatasetDescription description = Describe("abc\n", {3});
-  description.path = folder_.PathOf(u"missing.txt");
+  description.path = folder_.Path(u"missing.txt");
   FixedWidthReader reader(description);
   EXPECT_FALSE(reader.IsOpen());
   EXPECT_FALSE(reader.ReadRecord());

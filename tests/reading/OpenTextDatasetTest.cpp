@@ -13,6 +13,8 @@
 #include "support/UserLocale.h"
 #include "support/Utf16Bytes.h"
 
+using quenra::test::TemporaryFolder;
+
 namespace TextFile {
 namespace {
 
@@ -24,7 +26,7 @@ class OpenTextDatasetTest : public EnglishTest {
   // Opens a table that is expected to open.
   TextDatasetDescription Open(std::u16string_view name, std::string_view bytes) {
     folder_.Write(name, bytes);
-    TextDatasetDescription table = DescribeFile(folder_.path(), name);
+    TextDatasetDescription table = DescribeFile(folder_.Path(), name);
     OpenDatasetStatus status = OpenDatasetStatus::kScanFailed;
     EXPECT_TRUE(OpenTextDataset(table, OpenOptions(), status));
     EXPECT_EQ(status, OpenDatasetStatus::kOpened);
@@ -63,7 +65,7 @@ TEST_F(OpenTextDatasetTest, StatusValuesAreTheHostsNumbers) {
 TEST_F(OpenTextDatasetTest, DescribesATable) {
   const TextDatasetDescription table = Open(u"a.csv", "id,name\r\n1,x\r\n");
   EXPECT_EQ(table.name, u"a.csv");
-  EXPECT_EQ(table.path, folder_.PathOf(u"a.csv"));
+  EXPECT_EQ(table.path, folder_.Path(u"a.csv"));
   EXPECT_EQ(NamesOf(table), (Texts{u"id", u"name"}));
   EXPECT_EQ(table.fields[0].type, FieldType::kInteger);
   EXPECT_EQ(table.fields[1].type, FieldType::kString);
@@ -91,28 +93,28 @@ TEST_F(OpenTextDatasetTest, OneByteIsAColumn) {
 }
 
 TEST_F(OpenTextDatasetTest, FileThatCannotBeOpened) {
-  ExpectFailure(DescribeFile(folder_.path(), u"gone.csv"), OpenDatasetStatus::kFileNotOpened);
+  ExpectFailure(DescribeFile(folder_.Path(), u"gone.csv"), OpenDatasetStatus::kFileNotOpened);
   boost::filesystem::create_directory(folder_.Native(u"folder.csv"));
-  ExpectFailure(DescribeFile(folder_.path(), u"folder.csv"), OpenDatasetStatus::kFileNotOpened);
+  ExpectFailure(DescribeFile(folder_.Path(), u"folder.csv"), OpenDatasetStatus::kFileNotOpened);
   // Not every system lets a user make links; without them the name is just missing.
   boost::system::error_code ignored;
   boost::filesystem::create_symlink(folder_.Native(u"b.csv"), folder_.Native(u"c.csv"), ignored);
   boost::filesystem::create_symlink(folder_.Native(u"c.csv"), folder_.Native(u"b.csv"), ignored);
-  ExpectFailure(DescribeFile(folder_.path(), u"b.csv"), OpenDatasetStatus::kFileNotOpened);
+  ExpectFailure(DescribeFile(folder_.Path(), u"b.csv"), OpenDatasetStatus::kFileNotOpened);
 }
 
 TEST_F(OpenTextDatasetTest, FileThatFitsNothing) {
   folder_.Write(u"a.csv", "a\n1,2;3\t4|5 6\n");
-  ExpectFailure(DescribeFile(folder_.path(), u"a.csv"), OpenDatasetStatus::kScanFailed);
+  ExpectFailure(DescribeFile(folder_.Path(), u"a.csv"), OpenDatasetStatus::kScanFailed);
   folder_.Write(u"fixed.txt", "abc\n");
   folder_.Write(u"schema.ini", "[fixed.txt]\nFormat=FixedLength\n");
-  ExpectFailure(DescribeFile(folder_.path(), u"fixed.txt"), OpenDatasetStatus::kScanFailed);
+  ExpectFailure(DescribeFile(folder_.Path(), u"fixed.txt"), OpenDatasetStatus::kScanFailed);
 }
 
 TEST_F(OpenTextDatasetTest, ParseErrorsReachTheCaller) {
   folder_.Write(u"a.csv", "a,b\n1,2\n");
   folder_.Write(u"schema.ini", "[a.csv]\nColNameHeader=true\n");
-  TextDatasetDescription table = DescribeFile(folder_.path(), u"a.csv");
+  TextDatasetDescription table = DescribeFile(folder_.Path(), u"a.csv");
   table.fields.resize(2);
   OpenDatasetStatus status = OpenDatasetStatus::kOpened;
   EXPECT_THROW(OpenTextDataset(table, OpenOptions(), status), ParseError);
@@ -237,7 +239,7 @@ TEST_F(OpenTextDatasetTest, EveryOpeningIsOneBeginAndOneEndEvent) {
   folder_.Write(u"schema.ini", "[error.csv]\nnonsense\n");
   for (const std::u16string_view name :
        {u"good.csv", u"misfit.csv", u"missing.csv", u"error.csv"}) {
-    TextDatasetDescription table = DescribeFile(folder_.path(), name);
+    TextDatasetDescription table = DescribeFile(folder_.Path(), name);
     const EventRecorder events;
     OpenDatasetStatus status = OpenDatasetStatus::kOpened;
     bool thrown = false;
@@ -247,7 +249,7 @@ TEST_F(OpenTextDatasetTest, EveryOpeningIsOneBeginAndOneEndEvent) {
       thrown = true;
     }
     EXPECT_EQ(thrown, name == u"error.csv");
-    ExpectOneOpening(events, folder_.PathOf(name));
+    ExpectOneOpening(events, folder_.Path(name));
   }
 }
 

@@ -14,6 +14,8 @@
 #include "support/UserLocale.h"
 #include "support/Utf16Bytes.h"
 
+using quenra::test::TemporaryFolder;
+
 namespace TextFile {
 namespace {
 
@@ -344,7 +346,7 @@ TEST_F(TextLineStreamTest, SkipToFindsTheNextSuchCharacter) {
 TEST_F(TextLineStreamTest, OpensRegularFilesOnly) {
   const TemporaryFolder folder;
   TextLineStream stream;
-  EXPECT_FALSE(stream.Open(folder.PathOf(u"missing.csv"), TextLineStream::kPlainLines));
+  EXPECT_FALSE(stream.Open(folder.Path(u"missing.csv"), TextLineStream::kPlainLines));
   EXPECT_FALSE(stream.IsOpen());
   EXPECT_TRUE(stream.AtEnd());
   std::u16string line;
@@ -352,7 +354,7 @@ TEST_F(TextLineStreamTest, OpensRegularFilesOnly) {
   EXPECT_FALSE(stream.SkipTo('['));
   stream.Rewind();
 
-  EXPECT_FALSE(stream.Open(folder.path(), TextLineStream::kPlainLines));
+  EXPECT_FALSE(stream.Open(folder.Path(), TextLineStream::kPlainLines));
   EXPECT_FALSE(stream.IsOpen());
 
   ASSERT_TRUE(

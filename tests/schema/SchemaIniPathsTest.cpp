@@ -5,14 +5,16 @@
 #include "schema/SchemaIniPaths.h"
 #include "support/TemporaryFolder.h"
 
+using quenra::test::TemporaryFolder;
+
 namespace TextFile {
 namespace {
 
 TEST(SchemaIniPathsTest, JoinsAFolderWithTheTwoNames) {
   const TemporaryFolder folder;
-  const SchemaIniPaths paths(folder.path());
-  EXPECT_EQ(paths.schemaIni, folder.PathOf(u"schema.ini"));
-  EXPECT_EQ(paths.temporary, folder.PathOf(u"~scheam.ini"));
+  const SchemaIniPaths paths(folder.Path());
+  EXPECT_EQ(paths.schemaIni, folder.Path(u"schema.ini"));
+  EXPECT_EQ(paths.temporary, folder.Path(u"~scheam.ini"));
 }
 
 TEST(SchemaIniPathsTest, JoinPathAddsOneSeparator) {
@@ -34,23 +36,23 @@ TEST(SchemaIniPathsTest, FolderOfIsThePathWithoutItsLastComponent) {
 // Whether the file system takes names that differ in letter case for different ones.
 bool TellsLetterCaseApart(const TemporaryFolder& folder) {
   folder.Write(u"case-probe", "");
-  return !folder.Has(u"CASE-PROBE");
+  return !folder.Exists(u"CASE-PROBE");
 }
 
 TEST(SchemaIniPathsTest, FindsTheOnlyNameInAnotherLetterCase) {
   const TemporaryFolder folder;
   if (!TellsLetterCaseApart(folder)) return;  // the exact name then opens any of them
   folder.Write(u"Schema.INI", "");
-  const SchemaIniPaths one(folder.path());
-  EXPECT_EQ(one.schemaIni, folder.PathOf(u"Schema.INI"));
-  EXPECT_EQ(one.temporary, folder.PathOf(u"~scheam.ini"));
+  const SchemaIniPaths one(folder.Path());
+  EXPECT_EQ(one.schemaIni, folder.Path(u"Schema.INI"));
+  EXPECT_EQ(one.temporary, folder.Path(u"~scheam.ini"));
 
   folder.Write(u"SCHEMA.ini", "");
-  EXPECT_EQ(SchemaIniPaths(folder.path()).schemaIni, folder.PathOf(u"schema.ini"))
+  EXPECT_EQ(SchemaIniPaths(folder.Path()).schemaIni, folder.Path(u"schema.ini"))
       << "of two neither is the folder's";
 
   folder.Write(u"schema.ini", "");
-  EXPECT_EQ(SchemaIniPaths(folder.path()).schemaIni, folder.PathOf(u"schema.ini"))
+  EXPECT_EQ(SchemaIniPaths(folder.Path()).schemaIni, folder.Path(u"schema.ini"))
       << "the exact name wins";
 }
 
@@ -60,12 +62,12 @@ TEST(SchemaIniPathsTest, FoldersAndOtherNamesAreNoSchemaIni) {
   boost::filesystem::create_directory(folder.Native(u"SCHEMA.INI"));
   folder.Write(u"schema.ini.bak", "");
   folder.Write(u"myschema.ini", "");
-  EXPECT_EQ(SchemaIniPaths(folder.path()).schemaIni, folder.PathOf(u"schema.ini"));
+  EXPECT_EQ(SchemaIniPaths(folder.Path()).schemaIni, folder.Path(u"schema.ini"));
 }
 
 TEST(SchemaIniPathsTest, MissingFolderIsNoError) {
   const TemporaryFolder folder;
-  const std::u16string missing = folder.PathOf(u"missing");
+  const std::u16string missing = folder.Path(u"missing");
   EXPECT_EQ(SchemaIniPaths(missing).schemaIni, JoinPath(missing, u"schema.ini"));
 }
 

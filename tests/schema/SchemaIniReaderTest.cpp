@@ -9,6 +9,8 @@
 #include "support/UserLocale.h"
 #include "support/Utf16Bytes.h"
 
+using quenra::test::TemporaryFolder;
+
 namespace TextFile {
 namespace {
 
@@ -21,7 +23,7 @@ class SchemaIniReaderTest : public EnglishTest {
                                     std::u16string_view file = u"data.csv") {
     folder_.Write(u"schema.ini", schemaIni);
     SchemaOptions options;
-    if (!ReadSchemaSection(SchemaIniPaths(folder_.path()), file, options)) return std::nullopt;
+    if (!ReadSchemaSection(SchemaIniPaths(folder_.Path()), file, options)) return std::nullopt;
     return options;
   }
 
@@ -39,7 +41,7 @@ class SchemaIniReaderTest : public EnglishTest {
     SchemaOptions options;
     options.sectionName = u"untouched";
     try {
-      ReadSchemaSection(SchemaIniPaths(folder_.path()), u"data.csv", options);
+      ReadSchemaSection(SchemaIniPaths(folder_.Path()), u"data.csv", options);
       ADD_FAILURE() << "accepted";
     } catch (const ParseError& error) {
       EXPECT_EQ(error.code(), code);
@@ -71,10 +73,10 @@ TEST_F(SchemaIniReaderTest, ErrorCodesAreThoseOfTheMessages) {
 
 TEST_F(SchemaIniReaderTest, WithoutASchemaIniThereIsNoSection) {
   SchemaOptions options;
-  EXPECT_FALSE(ReadSchemaSection(SchemaIniPaths(folder_.path()), u"data.csv", options));
+  EXPECT_FALSE(ReadSchemaSection(SchemaIniPaths(folder_.Path()), u"data.csv", options));
   EXPECT_EQ(options.dateTimeFormat, u"") << "the locale has not been asked either";
   boost::filesystem::create_directory(folder_.Native(u"schema.ini"));
-  EXPECT_FALSE(ReadSchemaSection(SchemaIniPaths(folder_.path()), u"data.csv", options));
+  EXPECT_FALSE(ReadSchemaSection(SchemaIniPaths(folder_.Path()), u"data.csv", options));
 }
 
 struct HeaderCase {
@@ -150,7 +152,7 @@ TEST_F(SchemaIniReaderTest, EncodingsOfTheLineReader) {
 TEST_F(SchemaIniReaderTest, NameInAnotherLetterCaseIsFound) {
   folder_.Write(u"SCHEMA.INI", "[data.csv]\nMaxScanRows=3\n");
   SchemaOptions options;
-  ASSERT_TRUE(ReadSchemaSection(SchemaIniPaths(folder_.path()), u"data.csv", options));
+  ASSERT_TRUE(ReadSchemaSection(SchemaIniPaths(folder_.Path()), u"data.csv", options));
   EXPECT_EQ(options.maxScanRows, 3u);
 }
 

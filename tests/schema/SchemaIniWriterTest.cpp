@@ -10,6 +10,8 @@
 #include "support/UserLocale.h"
 #include "support/Utf16Bytes.h"
 
+using quenra::test::TemporaryFolder;
+
 namespace TextFile {
 namespace {
 
@@ -32,14 +34,14 @@ SchemaOptions WithColumn(const FieldDefinition& field) {
 class SchemaIniWriterTest : public EnglishTest {
  protected:
   bool Write(const SchemaOptions& options, std::u16string* failure = nullptr) {
-    return WriteSchemaSection(SchemaIniPaths(folder_.path()), u"data.csv", options, failure);
+    return WriteSchemaSection(SchemaIniPaths(folder_.Path()), u"data.csv", options, failure);
   }
 
   // What schema.ini holds after a section with one Long column "a" is written into it.
   std::string Rewritten(std::string_view schemaIni) {
     folder_.Write(u"schema.ini", schemaIni);
     EXPECT_TRUE(Write(WithColumn(Field(u"a", FieldType::kInteger))));
-    EXPECT_FALSE(folder_.Has(u"~scheam.ini"));
+    EXPECT_FALSE(folder_.Exists(u"~scheam.ini"));
     return folder_.Read(u"schema.ini");
   }
 
@@ -246,7 +248,7 @@ TEST_F(SchemaIniWriterTest, RewritesInUtf8WithAMarkWhenThereWasOne) {
 
 TEST_F(SchemaIniWriterTest, ReplacesTheFileInAnotherLetterCase) {
   folder_.Write(u"SCHEMA.INI", "[data.csv]\nold\n");
-  if (folder_.Has(u"schema.ini")) return;  // one name for the file system
+  if (folder_.Exists(u"schema.ini")) return;  // one name for the file system
   EXPECT_TRUE(Write(WithColumn(Field(u"a", FieldType::kInteger))));
   EXPECT_EQ(folder_.Names(), std::vector<std::u16string>{u"SCHEMA.INI"});
   EXPECT_EQ(folder_.Read(u"SCHEMA.INI"), "[data.csv]\nCol1=a Long\n");
@@ -258,7 +260,7 @@ TEST_F(SchemaIniWriterTest, ReplacesTheFileInAnotherLetterCase) {
 
 TEST_F(SchemaIniWriterTest, FolderThatTakesNoFile) {
   std::u16string failure;
-  const SchemaIniPaths paths(folder_.PathOf(u"missing"));
+  const SchemaIniPaths paths(folder_.Path(u"missing"));
   EXPECT_FALSE(WriteSchemaSection(paths, u"data.csv", SchemaOptions(), &failure));
   EXPECT_EQ(failure, u"Could not create schema.ini.");
   EXPECT_FALSE(WriteSchemaSection(paths, u"data.csv", SchemaOptions(), nullptr));
@@ -280,7 +282,7 @@ TEST_F(SchemaIniWriterTest, EncodingsThatAreNotReadAreNotRewritten) {
     EXPECT_FALSE(Write(SchemaOptions(), &failure));
     EXPECT_NE(failure, u"");
     EXPECT_EQ(folder_.Read(u"schema.ini"), bytes);
-    EXPECT_FALSE(folder_.Has(u"~scheam.ini"));
+    EXPECT_FALSE(folder_.Exists(u"~scheam.ini"));
   }
 }
 
@@ -299,8 +301,8 @@ TEST_F(SchemaIniWriterTest, NamesThatWouldNotReadBackAreRefused) {
         << ::testing::PrintToString(std::u16string(name));
     EXPECT_NE(failure, u"");
   }
-  EXPECT_FALSE(WriteSchemaSection(SchemaIniPaths(folder_.path()), u"a\n.csv", SchemaOptions()));
-  EXPECT_FALSE(WriteSchemaSection(SchemaIniPaths(folder_.path()), u"a\xDC80.csv", SchemaOptions()));
+  EXPECT_FALSE(WriteSchemaSection(SchemaIniPaths(folder_.Path()), u"a\n.csv", SchemaOptions()));
+  EXPECT_FALSE(WriteSchemaSection(SchemaIniPaths(folder_.Path()), u"a\xDC80.csv", SchemaOptions()));
   EXPECT_EQ(folder_.Read(u"schema.ini"), "[b.csv]\nx=1\n");
 }
 
@@ -394,7 +396,7 @@ void ExpectSame(const SchemaOptions& written, const SchemaOptions& read) {
 
 TEST_F(SchemaIniWriterTest, RandomSectionsReadBack) {
   RandomSchema schemas(3);
-  const SchemaIniPaths paths(folder_.path());
+  const SchemaIniPaths paths(folder_.Path());
   for (int round = 0; round < 400; ++round) {
     const SchemaOptions written = schemas.Make();
     const std::u16string name = round % 2 == 0 ? u"data.csv" : u"other [x].txt";
@@ -403,7 +405,7 @@ TEST_F(SchemaIniWriterTest, RandomSectionsReadBack) {
         << ::testing::PrintToString(failure);
     SCOPED_TRACE(folder_.Read(u"schema.ini"));
     SchemaOptions read;
-    ASSERT_TRUE(ReadSchemaSection(SchemaIniPaths(folder_.path()), name, read));
+    ASSERT_TRUE(ReadSchemaSection(SchemaIniPaths(folder_.Path()), name, read));
     EXPECT_EQ(read.sectionName, name);
     ExpectSame(written, read);
     if (HasFailure()) break;
@@ -420,7 +422,7 @@ TEST_F(SchemaIniWriterTest, ObjectIdsAndGuidsComeBackAsWhatTheyAreWrittenAs) {
   options.dateTimeFormat = u"dd.MM.yyyy HH:mm:ss";
   ASSERT_TRUE(Write(options));
   SchemaOptions read;
-  ASSERT_TRUE(ReadSchemaSection(SchemaIniPaths(folder_.path()), u"data.csv", read));
+  ASSERT_TRUE(ReadSchemaSection(SchemaIniPaths(folder_.Path()), u"data.csv", read));
   EXPECT_EQ(read.columns.at(0).type, FieldType::kInteger);
   EXPECT_EQ(read.columns.at(1).type, FieldType::kString);
   EXPECT_EQ(read.columns.at(2).type, FieldType::kString);
