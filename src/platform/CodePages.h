@@ -34,8 +34,8 @@ PLATFORM_API int MultiByteToWideChar(UINT codePage, DWORD flags, LPCSTR bytes, i
                                      LPWSTR text, int size);
 
 // The other way; sizes in bytes. `defaultChar` (null: the code page's own) stands for what the code
-// page lacks, and *usedDefaultChar (may be null) tells whether that happened; with CP_UTF8 both must
-// be null. A lone surrogate becomes U+FFFD, or fails with WC_ERR_INVALID_CHARS.
+// page lacks, and *usedDefaultChar (may be null) tells whether that happened; with CP_UTF8 both
+// must be null. A lone surrogate becomes U+FFFD, or fails with WC_ERR_INVALID_CHARS.
 PLATFORM_API int WideCharToMultiByte(UINT codePage, DWORD flags, LPCWSTR text, int length,
                                      LPSTR bytes, int size, LPCSTR defaultChar,
                                      LPBOOL usedDefaultChar);

@@ -18,12 +18,11 @@
 #ifndef WIN32_LEAN_AND_MEAN
 #define WIN32_LEAN_AND_MEAN
 #endif
-#include <windows.h>
-
 #include <oaidl.h>
 #include <objbase.h>
 #include <olectl.h>
 #include <unknwn.h>
+#include <windows.h>
 
 #define PLATFORM_API
 
@@ -32,7 +31,8 @@
 #include <cstdint>
 #include <cstring>
 
-// Each platform function exists once in a process, in the shared host library, and is exported there.
+// Each platform function exists once in a process, in the shared host library, and is exported
+// there.
 #define PLATFORM_API __attribute__((visibility("default")))
 
 // One calling convention serves every function on these systems.
@@ -129,7 +129,8 @@ inline constexpr DWORD SEVERITY_ERROR = 1;
 inline constexpr DWORD FACILITY_ITF = 4;
 inline constexpr DWORD FACILITY_WIN32 = 7;
 
-// Macros on Windows, where some callers spell them ::SUCCEEDED and others do not; write neither `::`.
+// Macros on Windows, where some callers spell them ::SUCCEEDED and others do not; write neither
+// `::`.
 constexpr bool SUCCEEDED(HRESULT hr) { return hr >= 0; }
 constexpr bool FAILED(HRESULT hr) { return hr < 0; }
 
@@ -183,7 +184,8 @@ PLATFORM_API extern const IID IID_ISupportErrorInfo;
 PLATFORM_API int StringFromGUID2(REFGUID guid, OLECHAR* buffer, int size);
 
 // Reads what StringFromGUID2 writes, in either letter case. A null text gives GUID_NULL and S_OK.
-// Other text answers CO_E_CLASSSTRING or, for a null result, E_INVALIDARG; the result is then zeros.
+// Other text answers CO_E_CLASSSTRING or, for a null result, E_INVALIDARG; the result is then
+// zeros.
 PLATFORM_API HRESULT CLSIDFromString(LPCOLESTR text, LPCLSID result);
 PLATFORM_API HRESULT IIDFromString(LPCOLESTR text, IID* result);
 

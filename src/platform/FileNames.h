@@ -22,5 +22,6 @@ using NativeFileName = std::string;
 // Gives back the same native name from FileNameFromNative's result. A lone surrogate that no name
 // has given rise to (below U+DC80 or above U+DCFF) is written as the three bytes of its code, which
 // is then no name that FileNameFromNative could have answered with that text.
-PLATFORM_API std::u16string FileNameFromNative(std::basic_string_view<NativeFileName::value_type> name);
+PLATFORM_API std::u16string FileNameFromNative(
+    std::basic_string_view<NativeFileName::value_type> name);
 PLATFORM_API NativeFileName NativeFromFileName(std::u16string_view name);

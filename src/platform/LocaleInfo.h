@@ -37,7 +37,8 @@ inline constexpr LCTYPE LOCALE_ILZERO = 0x12;
 inline constexpr LCTYPE LOCALE_SCURRENCY = 0x14;
 inline constexpr LCTYPE LOCALE_ICURRDIGITS = 0x19;
 inline constexpr LCTYPE LOCALE_SSHORTDATE = 0x1F;
-inline constexpr LCTYPE LOCALE_IDATE = 0x21;  // 0 month-day-year, 1 day-month-year, 2 year-month-day
+inline constexpr LCTYPE LOCALE_IDATE =
+    0x21;  // 0 month-day-year, 1 day-month-year, 2 year-month-day
 inline constexpr LCTYPE LOCALE_S1159 = 0x28;
 inline constexpr LCTYPE LOCALE_S2359 = 0x29;
 inline constexpr LCTYPE LOCALE_SNAME = 0x5C;
@@ -57,7 +58,8 @@ extern "C" {
 //   ERROR_INVALID_PARAMETER    unknown locale, null buffer with a size, negative size
 //   ERROR_INVALID_FLAGS        a type that is not listed above
 // The user's own settings (LC_NUMERIC and its kin where they differ from the user's locale) count
-// for LOCALE_USER_DEFAULT and for the same locale by its number, unless LOCALE_NOUSEROVERRIDE is set.
+// for LOCALE_USER_DEFAULT and for the same locale by its number, unless LOCALE_NOUSEROVERRIDE is
+// set.
 PLATFORM_API int GetLocaleInfoW(LCID locale, LCTYPE type, LPWSTR text, int size);
 
 PLATFORM_API LCID GetUserDefaultLCID();

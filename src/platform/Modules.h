@@ -48,9 +48,10 @@ PLATFORM_API DWORD GetModuleFileNameW(HMODULE module, LPWSTR fileName, DWORD siz
 // name is the program. Unless UNCHANGED_REFCOUNT is given the caller owes a FreeLibrary.
 PLATFORM_API BOOL GetModuleHandleExW(DWORD flags, LPCWSTR name, HMODULE* module);
 
-// Copies the text `id`, cut to `size` - 1 characters, and answers the length without the terminating
-// zero; 0 and an empty buffer when the module has no such text. With `size` 0 the buffer is taken as
-// a const char16_t** that receives a read-only pointer to the text. A null module is the program.
+// Copies the text `id`, cut to `size` - 1 characters, and answers the length without the
+// terminating zero; 0 and an empty buffer when the module has no such text. With `size` 0 the
+// buffer is taken as a const char16_t** that receives a read-only pointer to the text. A null
+// module is the program.
 PLATFORM_API int LoadStringW(HINSTANCE module, UINT id, LPWSTR buffer, int size);
 
 PLATFORM_API BOOL DisableThreadLibraryCalls(HMODULE module);

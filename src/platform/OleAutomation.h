@@ -79,7 +79,8 @@ struct SAFEARRAYBOUND {
   LONG lLbound;
 };
 
-// rgsabound runs from the last dimension to the first; elements of the first lie next to each other.
+// rgsabound runs from the last dimension to the first; elements of the first lie next to each
+// other.
 struct SAFEARRAY {
   USHORT cDims;
   USHORT fFeatures;
@@ -101,7 +102,8 @@ inline constexpr USHORT FADF_DISPATCH = 0x0400;
 inline constexpr USHORT FADF_VARIANT = 0x0800;
 inline constexpr USHORT FADF_CREATEVECTOR = 0x2000;
 
-// Declared for the layout of VARIANT. Nothing here creates one; only IUnknown's slots are ever called.
+// Declared for the layout of VARIANT. Nothing here creates one; only IUnknown's slots are ever
+// called.
 struct IDispatch;
 struct IRecordInfo;
 
@@ -215,9 +217,9 @@ PLATFORM_API BSTR SysAllocStringByteLen(LPCSTR bytes, UINT length);
 // part of the old one.
 PLATFORM_API INT SysReAllocString(BSTR* text, const OLECHAR* newText);
 PLATFORM_API INT SysReAllocStringLen(BSTR* text, const OLECHAR* newText, UINT length);
-PLATFORM_API void SysFreeString(BSTR text);      // null is allowed
-PLATFORM_API UINT SysStringLen(BSTR text);       // 0 for null
-PLATFORM_API UINT SysStringByteLen(BSTR text);   // 0 for null
+PLATFORM_API void SysFreeString(BSTR text);     // null is allowed
+PLATFORM_API UINT SysStringLen(BSTR text);      // 0 for null
+PLATFORM_API UINT SysStringByteLen(BSTR text);  // 0 for null
 
 // --- VARIANT -----------------------------------------------------------------------------------
 

@@ -1,10 +1,10 @@
-#include "platform/CodePages.h"
-
 #include <gtest/gtest.h>
 
 #include <random>
 #include <string>
 #include <string_view>
+
+#include "platform/CodePages.h"
 
 namespace {
 
@@ -119,9 +119,13 @@ const Utf8Case kUtf8Cases[] = {
     {"\xED\xA0\x80", u"\uFFFD\uFFFD\uFFFD", false, "a surrogate"},
     {"\xF4\x90\x80\x80", u"\uFFFD\uFFFD\uFFFD\uFFFD", false, "beyond U+10FFFF"},
     {"\xF5", u"\uFFFD", false, "starts nothing"},
-    {"\xE2\x82" "a", u"\uFFFDa", false, "a cut sequence is one part"},
+    {"\xE2\x82"
+     "a",
+     u"\uFFFDa", false, "a cut sequence is one part"},
     {"\xF0\x9F\x92", u"\uFFFD", false, "three of four bytes at the end are one part"},
-    {"\xF0\x9F" "a", u"\uFFFDa", false, "two of four"},
+    {"\xF0\x9F"
+     "a",
+     u"\uFFFDa", false, "two of four"},
     {"\xF1\x80\x80\xE1\x80\xC2", u"\uFFFD\uFFFD\uFFFD", false, "three cut sequences in a row"},
     {"\xC3\xC3\xA9", u"\uFFFD\u00E9", false, "the next character is whole"},
 };
@@ -155,9 +159,24 @@ TEST(CodePagesTest, IllFormedPartsAreFoundAtEveryOffsetOfARun) {
 TEST(CodePagesTest, RandomBytesDecodeAsTheReferenceSays) {
   std::mt19937 random(20240229);
   // Pieces that make well-formed, cut and mixed sequences likely, with runs of ASCII between.
-  const std::string_view pieces[] = {"abcdefghijklmnopqrstuvwxyz", "1;2", "\xC3\xA9", "\xE2\x82\xAC",
-                                     "\xF0\x9F\x92\xA9", "\xED", "\xA0", "\x80", "\xBF", "\xE0",
-                                     "\xF0", "\x9F", "\xF4", "\x8F", "\x90", "\xC0", "\xFF", "\n"};
+  const std::string_view pieces[] = {"abcdefghijklmnopqrstuvwxyz",
+                                     "1;2",
+                                     "\xC3\xA9",
+                                     "\xE2\x82\xAC",
+                                     "\xF0\x9F\x92\xA9",
+                                     "\xED",
+                                     "\xA0",
+                                     "\x80",
+                                     "\xBF",
+                                     "\xE0",
+                                     "\xF0",
+                                     "\x9F",
+                                     "\xF4",
+                                     "\x8F",
+                                     "\x90",
+                                     "\xC0",
+                                     "\xFF",
+                                     "\n"};
   for (int round = 0; round < 20000; ++round) {
     std::string bytes;
     const std::size_t count = 1 + random() % 8;
@@ -172,13 +191,17 @@ TEST(CodePagesTest, RandomBytesDecodeAsTheReferenceSays) {
     const std::u16string expected = ReferenceDecode(bytes, &wellFormed);
     ASSERT_EQ(Decode(CP_UTF8, bytes), expected);
     ASSERT_EQ(!Decode(CP_UTF8, bytes, MB_ERR_INVALID_CHARS).empty(), wellFormed);
-    if (wellFormed) ASSERT_EQ(Encode(CP_UTF8, expected), bytes);
+    if (wellFormed) {
+      ASSERT_EQ(Encode(CP_UTF8, expected), bytes);
+    }
   }
 }
 
 TEST(CodePagesTest, LoneSurrogatesBecomeReplacementCharactersOrFail) {
   const std::u16string lone = {u'a', char16_t{0xD800}, u'b', char16_t{0xDC00}};
-  EXPECT_EQ(Encode(CP_UTF8, lone), "a\xEF\xBF\xBD" "b\xEF\xBF\xBD");
+  EXPECT_EQ(Encode(CP_UTF8, lone),
+            "a\xEF\xBF\xBD"
+            "b\xEF\xBF\xBD");
   EXPECT_EQ(Encode(CP_UTF8, lone, WC_ERR_INVALID_CHARS), "");
   EXPECT_EQ(::GetLastError(), ERROR_NO_UNICODE_TRANSLATION);
 }
@@ -265,7 +288,8 @@ TEST(CodePagesTest, UndefinedBytesOf1252AreControlCharacters) {
 }
 
 TEST(CodePagesTest, EveryByteOfASingleByteCodePageComesBack) {
-  for (const UINT codePage : {1250u, 1251u, 1252u, 1253u, 1254u, 1255u, 1256u, 1257u, 1258u, 874u}) {
+  for (const UINT codePage :
+       {1250u, 1251u, 1252u, 1253u, 1254u, 1255u, 1256u, 1257u, 1258u, 874u}) {
     for (int byte = 1; byte < 256; ++byte) {
       const std::string bytes(1, static_cast<char>(byte));
       EXPECT_EQ(Encode(codePage, Decode(codePage, bytes)), bytes) << codePage << ' ' << byte;
@@ -274,8 +298,15 @@ TEST(CodePagesTest, EveryByteOfASingleByteCodePageComesBack) {
 }
 
 TEST(CodePagesTest, BadPairsBecomeTheDefaultCharacterOrFail) {
-  EXPECT_EQ(Decode(932, "\x81\x20" "a"), u"\u30FB" u"a");
-  EXPECT_EQ(Decode(936, "\x81\x20" "a"), u"?a");
+  EXPECT_EQ(Decode(932,
+                   "\x81\x20"
+                   "a"),
+            u"\u30FB"
+            u"a");
+  EXPECT_EQ(Decode(936,
+                   "\x81\x20"
+                   "a"),
+            u"?a");
   EXPECT_EQ(Decode(932, "a\x81"), u"a\u30FB");
   EXPECT_EQ(Decode(932, "a\x81", MB_ERR_INVALID_CHARS), u"");
   EXPECT_EQ(::GetLastError(), ERROR_NO_UNICODE_TRANSLATION);

@@ -1,14 +1,14 @@
-#include "platform/ComTypes.h"
-
 #include <gtest/gtest.h>
 
 #include <string>
 
+#include "platform/ComTypes.h"
 #include "platform/LastError.h"
 
 namespace {
 
-constexpr GUID kSample = {0x1CF2B120, 0x547D, 0x101B, {0x8E, 0x65, 0x08, 0x00, 0x2B, 0x2B, 0xD1, 0x19}};
+constexpr GUID kSample = {
+    0x1CF2B120, 0x547D, 0x101B, {0x8E, 0x65, 0x08, 0x00, 0x2B, 0x2B, 0xD1, 0x19}};
 constexpr char16_t kSampleText[] = u"{1CF2B120-547D-101B-8E65-08002B2BD119}";
 
 TEST(ComTypesTest, GuidsAreWrittenAndRead) {
@@ -24,8 +24,9 @@ TEST(ComTypesTest, GuidsAreWrittenAndRead) {
 
 TEST(ComTypesTest, OtherTextIsNoGuid) {
   for (const char16_t* text :
-       {u"", u"{", u"1CF2B120-547D-101B-8E65-08002B2BD119", u"{1CF2B120-547D-101B-8E65-08002B2BD119",
-        u"{1CF2B120-547D-101B-8E65-08002B2BD119} ", u"{1CF2B120-547D-101B-8E65-08002B2BD11G}"}) {
+       {u"", u"{", u"1CF2B120-547D-101B-8E65-08002B2BD119",
+        u"{1CF2B120-547D-101B-8E65-08002B2BD119", u"{1CF2B120-547D-101B-8E65-08002B2BD119} ",
+        u"{1CF2B120-547D-101B-8E65-08002B2BD11G}"}) {
     GUID guid = kSample;
     EXPECT_EQ(::CLSIDFromString(text, &guid), CO_E_CLASSSTRING);
     EXPECT_TRUE(guid == GUID_NULL);

@@ -1,8 +1,8 @@
-#include "platform/FileNames.h"
-
 #include <gtest/gtest.h>
 
 #include <random>
+
+#include "platform/FileNames.h"
 
 namespace {
 
@@ -25,11 +25,12 @@ TEST(FileNamesTest, OtherBytesBecomeLoneSurrogates) {
 
 TEST(FileNamesTest, EveryNameSurvivesTheRoundTrip) {
   std::mt19937 random(5);
-  const char* const pieces[] = {"a", "\xC3\xA9", "\xE2\x82\xAC", "\xF0\x9F\x92\x80", "\xED\xA0\x80",
-                                "\xF0\x9F", "\xC3", "\x80", "\xED\xB2\x80", "\xFF"};
+  const char* const pieces[] = {
+      "a",        "\xC3\xA9", "\xE2\x82\xAC", "\xF0\x9F\x92\x80", "\xED\xA0\x80",
+      "\xF0\x9F", "\xC3",     "\x80",         "\xED\xB2\x80",     "\xFF"};
   for (int round = 0; round < 20000; ++round) {
     std::string name;
-    for (unsigned i = random() % 6; i > 0; --i) name += pieces[random() % std::size(pieces)];
+    for (auto i = random() % 6; i > 0; --i) name += pieces[random() % std::size(pieces)];
     ASSERT_EQ(NativeFromFileName(FileNameFromNative(name)), name);
   }
 }

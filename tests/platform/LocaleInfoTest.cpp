@@ -1,5 +1,3 @@
-#include "platform/LocaleInfo.h"
-
 #include <gtest/gtest.h>
 
 #include <cstdlib>
@@ -8,6 +6,7 @@
 #include <string>
 
 #include "platform/CodePages.h"
+#include "platform/LocaleInfo.h"
 
 namespace {
 
@@ -26,10 +25,12 @@ std::u16string NameOf(LCID lcid) {
   return count == 0 ? u"(failed)" : std::u16string(name, static_cast<std::size_t>(count) - 1);
 }
 
+using Variables = std::map<std::string, std::string>;
+
 // Sets the variables that name the user's locale and puts the old ones back.
 class UserEnvironment {
  public:
-  explicit UserEnvironment(const std::map<std::string, std::string>& values) {
+  explicit UserEnvironment(const Variables& values) {
     for (const char* name : {"LC_ALL", "LC_NUMERIC", "LC_TIME", "LC_MONETARY", "LANG"}) {
       const char* const old = std::getenv(name);
       if (old != nullptr) old_[name] = old;
@@ -51,7 +52,7 @@ class UserEnvironment {
   }
 
  private:
-  std::map<std::string, std::string> old_;
+  Variables old_;
 };
 
 struct LocaleCase {
@@ -67,7 +68,8 @@ struct LocaleCase {
   std::u16string ansi;
 };
 
-// Windows 10's values; a comment says where ICU's data is another and Windows' value cannot be given.
+// Windows 10's values; a comment says where ICU's data is another and Windows' value cannot be
+// given.
 const LocaleCase kLocales[] = {
     {u"en-US", 0x0409, u"M/d/yyyy", u"h:mm:ss tt", u"0", u".", u",", u"$", u"2", u"1252"},
     {u"en-GB", 0x0809, u"dd/MM/yyyy", u"HH:mm:ss", u"1", u".", u",", u"\u00A3", u"2", u"1252"},
@@ -172,7 +174,7 @@ TEST(LocaleInfoTest, BareLanguagesStandForTheirMainCountry) {
 
 TEST(LocaleInfoTest, UserLocaleComesFromTheEnvironment) {
   struct Case {
-    std::map<std::string, std::string> environment;
+    Variables environment;
     std::u16string name;
     std::u16string decimal;
     std::u16string order;
@@ -191,7 +193,10 @@ TEST(LocaleInfoTest, UserLocaleComesFromTheEnvironment) {
       {{{"LC_ALL", "C"}, {"LC_NUMERIC", "de_DE"}, {"LANG", "sv_SE"}}, u"en-US", u".", u"0", u"$"},
       {{{"LC_NUMERIC", "de_DE.UTF-8"}, {"LANG", "en_US.UTF-8"}}, u"en-US", u",", u"0", u"$"},
       {{{"LC_TIME", "sv_SE"}, {"LC_MONETARY", "en_GB"}, {"LANG", "de_DE"}},
-       u"de-DE", u",", u"2", u"\u00A3"},
+       u"de-DE",
+       u",",
+       u"2",
+       u"\u00A3"},
       {{{"LANG", "sr_RS@latin"}}, u"sr-Latn-RS", u",", u"1", u"RSD"},
   };
   for (const Case& c : cases) {
@@ -209,7 +214,7 @@ TEST(LocaleInfoTest, UserLocaleComesFromTheEnvironment) {
 }
 
 TEST(LocaleInfoTest, UserOverridesCanBeLeftOut) {
-  const UserEnvironment environment({{"LC_NUMERIC", "de_DE"}, {"LANG", "en_US"}});
+  const UserEnvironment environment(Variables{{"LC_NUMERIC", "de_DE"}, {"LANG", "en_US"}});
   EXPECT_EQ(Value(LOCALE_USER_DEFAULT, LOCALE_SDECIMAL), u",");
   EXPECT_EQ(Value(LOCALE_USER_DEFAULT, LOCALE_SDECIMAL | LOCALE_NOUSEROVERRIDE), u".");
 }
@@ -221,22 +226,22 @@ TEST(LocaleInfoTest, AnsiCodePageIsThatOfTheUsersLanguage) {
     UINT oem;
   };
   const Case cases[] = {
-      {"C", 1252, 437},         {"en_US.UTF-8", 1252, 437}, {"de_DE.UTF-8", 1252, 850},
-      {"pl_PL", 1250, 852},     {"ru_RU", 1251, 866},       {"el_GR", 1253, 737},
-      {"tr_TR", 1254, 857},     {"he_IL", 1255, 862},       {"ar_EG", 1256, 720},
-      {"lv_LV", 1257, 775},     {"vi_VN", 1258, 1258},      {"th_TH", 874, 874},
-      {"ja_JP", 932, 932},      {"ko_KR", 949, 949},        {"zh_CN", 936, 936},
-      {"zh_TW", 950, 950},      {"zh_HK", 950, 950},        {"sr_RS@latin", 1250, 852},
+      {"C", 1252, 437},     {"en_US.UTF-8", 1252, 437}, {"de_DE.UTF-8", 1252, 850},
+      {"pl_PL", 1250, 852}, {"ru_RU", 1251, 866},       {"el_GR", 1253, 737},
+      {"tr_TR", 1254, 857}, {"he_IL", 1255, 862},       {"ar_EG", 1256, 720},
+      {"lv_LV", 1257, 775}, {"vi_VN", 1258, 1258},      {"th_TH", 874, 874},
+      {"ja_JP", 932, 932},  {"ko_KR", 949, 949},        {"zh_CN", 936, 936},
+      {"zh_TW", 950, 950},  {"zh_HK", 950, 950},        {"sr_RS@latin", 1250, 852},
       {"hi_IN", 1252, 437},
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.lang);
-    const UserEnvironment environment({{"LANG", c.lang}});
+    const UserEnvironment environment(Variables{{"LANG", c.lang}});
     EXPECT_EQ(::GetACP(), c.ansi);
     EXPECT_EQ(::GetOEMCP(), c.oem);
     EXPECT_TRUE(::IsValidCodePage(::GetACP()));
   }
-  const UserEnvironment environment({{"LANG", "ru_RU"}});
+  const UserEnvironment environment(Variables{{"LANG", "ru_RU"}});
   char16_t text[2];
   EXPECT_EQ(::MultiByteToWideChar(CP_ACP, 0, "\xCC", 1, text, 2), 1);
   EXPECT_EQ(text[0], u'\u041C');

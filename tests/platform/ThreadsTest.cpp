@@ -1,8 +1,8 @@
-#include "platform/Threads.h"
-
 #include <gtest/gtest.h>
 
 #include <thread>
+
+#include "platform/Threads.h"
 
 namespace {
 

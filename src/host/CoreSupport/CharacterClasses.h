@@ -43,7 +43,13 @@ constexpr std::u16string_view TrimBlanks(std::u16string_view text) noexcept {
   return text;
 }
 
+// ToUpper of the units from U+0080 on.
+QUENRA_HOST_API char16_t ToUpperByTable(char16_t unit) noexcept;
+
 // Unicode's simple upper-case mapping of one code unit; units without one come back unchanged.
-QUENRA_HOST_API char16_t ToUpper(char16_t unit) noexcept;
+inline char16_t ToUpper(char16_t unit) noexcept {
+  if (unit >= 0x80) return ToUpperByTable(unit);
+  return unit >= u'a' && unit <= u'z' ? static_cast<char16_t>(unit - (u'a' - u'A')) : unit;
+}
 
 }  // namespace quenra

@@ -28,4 +28,8 @@ using ComponentCreator = HRESULT (*)(IUnknown* outer, const IID& interfaceId, vo
 // `creator` brings the embedded one back. To be called before a module is loaded.
 QUENRA_HOST_API void SetComponentCreator(const CLSID& classId, ComponentCreator creator);
 
+// How many embedded host objects, chained errors among them, are alive in this process: what an
+// application that released everything can check at its end.
+QUENRA_HOST_API LONG LiveComponentCount() noexcept;
+
 }  // namespace quenra

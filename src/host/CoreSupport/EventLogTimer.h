@@ -1,6 +1,7 @@
 // A pair of begin and end events around a piece of work.
 #pragma once
 
+#include <chrono>
 #include <string>
 #include <string_view>
 
@@ -8,6 +9,8 @@
 
 namespace quenra {
 
+//   EventLogTimer timer(2, u"Workshop.Table.Open", u"start", u"end", u"/data/a.csv", 0);
+//
 // Hands a begin event to the event log when it is made and an end event when it goes, on every
 // path out of the scope. The texts are copied.
 class EventLogTimer {
@@ -25,6 +28,7 @@ class EventLogTimer {
   std::u16string name_;
   std::u16string endText_;
   std::u16string context_;
+  std::chrono::steady_clock::time_point start_;
 };
 
 }  // namespace quenra

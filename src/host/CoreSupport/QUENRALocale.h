@@ -24,6 +24,9 @@ class QUENRALocale {
   // Takes a BCP 47 name. False, and nothing changes, when the system does not know the locale.
   QUENRA_HOST_API static bool SetLocale(std::u16string_view name);
 
+  // Goes back to LOCALE_USER_DEFAULT.
+  QUENRA_HOST_API static void ResetLocale() noexcept;
+
   // The code page that stands for "ANSI" in this process: what the application set, else the one
   // of the locale set with SetLocale, else the system's. Never 0.
   QUENRA_HOST_API static UINT GetAnsiCodePage() noexcept;

@@ -16,7 +16,8 @@ class DataCoreUtil {
   QUENRA_HOST_API static bool QueryOptionRegistry(std::u16string_view name, VARIANT& value);
 
   // For the application: sets an option for this process; a null `value` takes it away. Names are
-  // compared without regard to case.
+  // compared without regard to case. The value is copied; one that cannot be copied takes the
+  // option away as well.
   QUENRA_HOST_API static void SetOption(std::u16string_view name, const VARIANT* value);
 
   // Whether two names are equal without regard to case: the same length, and unit by unit equal

@@ -82,6 +82,4 @@ UINT SysStringByteLen(BSTR text) {
   return bytes;
 }
 
-UINT SysStringLen(BSTR text) {
-  return SysStringByteLen(text) / static_cast<UINT>(sizeof(OLECHAR));
-}
+UINT SysStringLen(BSTR text) { return SysStringByteLen(text) / static_cast<UINT>(sizeof(OLECHAR)); }

@@ -108,8 +108,7 @@ bool AreSizesBad(const void* input, int length, const void* output, int size) {
 int MultiByteToWideChar(UINT codePage, DWORD flags, LPCSTR bytes, int length, LPWSTR text,
                         int size) {
   if (AreSizesBad(bytes, length, text, size)) return Fail(ERROR_INVALID_PARAMETER);
-  const std::size_t count =
-      length < 0 ? std::strlen(bytes) + 1 : static_cast<std::size_t>(length);
+  const std::size_t count = length < 0 ? std::strlen(bytes) + 1 : static_cast<std::size_t>(length);
   char16_t* const target = size == 0 ? nullptr : text;
   const auto room = static_cast<std::size_t>(size);
   const bool strict = (flags & MB_ERR_INVALID_CHARS) != 0;
@@ -147,8 +146,7 @@ int WideCharToMultiByte(UINT codePage, DWORD flags, LPCWSTR text, int length, LP
     const bool isPair = table->IsLead(static_cast<unsigned char>(defaultChar[0]));
     substitution.bytes.assign(defaultChar, isPair ? 2 : 1);
   }
-  const ConversionResult result =
-      EncodeByTable(*table, text, count, &substitution, target, room);
+  const ConversionResult result = EncodeByTable(*table, text, count, &substitution, target, room);
   if (usedDefaultChar != nullptr) *usedDefaultChar = substitution.happened ? TRUE : FALSE;
   return Finish(result);
 }

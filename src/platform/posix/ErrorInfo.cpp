@@ -80,9 +80,7 @@ class ErrorInfo final : public ICreateErrorInfo, public IErrorInfo {
     return S_OK;
   }
   STDMETHODIMP GetSource(BSTR* source) override { return Get(source_, source); }
-  STDMETHODIMP GetDescription(BSTR* description) override {
-    return Get(description_, description);
-  }
+  STDMETHODIMP GetDescription(BSTR* description) override { return Get(description_, description); }
   STDMETHODIMP GetHelpFile(BSTR* helpFile) override { return Get(helpFile_, helpFile); }
   STDMETHODIMP GetHelpContext(DWORD* helpContext) override {
     if (helpContext == nullptr) return E_INVALIDARG;

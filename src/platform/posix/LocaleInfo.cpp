@@ -155,7 +155,8 @@ LCID LocaleNameToLCID(LPCWSTR name, DWORD flags) {
 int LCIDToLocaleName(LCID locale, LPWSTR name, int size, DWORD flags) {
   if (size < 0 || (size > 0 && name == nullptr)) return Fail(ERROR_INVALID_PARAMETER);
   if (locale == LOCALE_INVARIANT) return Answer({}, name, size);
-  if (IsUserDefault(locale)) return Answer(Widen(TagOf(UserLocale::Current().language)), name, size);
+  if (IsUserDefault(locale))
+    return Answer(Widen(TagOf(UserLocale::Current().language)), name, size);
   const std::optional<std::string> found = IcuLocaleFromLcid(locale);
   if (!found.has_value()) return Fail(ERROR_INVALID_PARAMETER);
   const bool allowNeutral = (flags & LOCALE_ALLOW_NEUTRAL_NAMES) != 0;

@@ -74,8 +74,8 @@ bool IsKnown(const std::string& locale) {
   return region.empty() || IsNumericRegion(region) || *uloc_getISO3Country(locale.c_str()) != 0;
 }
 
-// The number of Windows' own for a locale with region, 0 when it has none. ICU answers the number of
-// the bare language where it knows none of the region, so the answer is tried backwards.
+// The number of Windows' own for a locale with region, 0 when it has none. ICU answers the number
+// of the bare language where it knows none of the region, so the answer is tried backwards.
 LCID WindowsLcid(const std::string& locale) {
   const std::string maximized = Maximized(locale);
   for (const std::string& candidate : {locale, maximized}) {
@@ -125,8 +125,7 @@ struct Modifier {
 };
 
 // The modifiers of POSIX names that say which script is meant. Others (euro) change nothing here.
-constexpr Modifier kModifiers[] = {
-    {"latin", "Latn"}, {"cyrillic", "Cyrl"}, {"devanagari", "Deva"}};
+constexpr Modifier kModifiers[] = {{"latin", "Latn"}, {"cyrillic", "Cyrl"}, {"devanagari", "Deva"}};
 
 }  // namespace
 
@@ -182,8 +181,7 @@ std::string TagOf(const std::string& locale) {
 }
 
 LCID LcidOf(const std::string& locale) {
-  const LCID known =
-      RegionOf(locale).empty() ? uloc_getLCID(locale.c_str()) : WindowsLcid(locale);
+  const LCID known = RegionOf(locale).empty() ? uloc_getLCID(locale.c_str()) : WindowsLcid(locale);
   return known != 0 ? known : CustomLocales::Instance().NumberOf(locale);
 }
 

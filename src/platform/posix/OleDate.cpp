@@ -28,8 +28,7 @@ void SetCalendarDay(long oleDay, SYSTEMTIME* time) {
   const long days = oleDay + kEpoch;
   const long era = days / 146097;  // days in 400 years
   const long dayOfEra = days % 146097;
-  const long yearOfEra =
-      (dayOfEra - dayOfEra / 1460 + dayOfEra / 36524 - dayOfEra / 146096) / 365;
+  const long yearOfEra = (dayOfEra - dayOfEra / 1460 + dayOfEra / 36524 - dayOfEra / 146096) / 365;
   const long dayOfYear = dayOfEra - (365 * yearOfEra + yearOfEra / 4 - yearOfEra / 100);
   const long monthFromMarch = (5 * dayOfYear + 2) / 153;
   const long month = monthFromMarch < 10 ? monthFromMarch + 3 : monthFromMarch - 9;

@@ -11,8 +11,8 @@
 
 namespace {
 
-constexpr std::array<const char*, 5> kVariables = {"LC_ALL", "LC_NUMERIC", "LC_TIME",
-                                                   "LC_MONETARY", "LANG"};
+constexpr std::array<const char*, 5> kVariables = {"LC_ALL", "LC_NUMERIC", "LC_TIME", "LC_MONETARY",
+                                                   "LANG"};
 
 using Environment = std::array<std::string, kVariables.size()>;
 
@@ -35,8 +35,9 @@ UserLocale Resolve(const Environment& environment) {
   user.currency = IcuLocaleFromEnvironment(FirstOf(all, monetary, lang));
   // Where the three agree they are the user's locale; where they do not, LANG says which is.
   const bool agree = user.number == user.time && user.time == user.currency;
-  user.language = agree ? user.number
-                        : IcuLocaleFromEnvironment(FirstOf(lang, numeric, FirstOf(time, monetary, {})));
+  user.language =
+      agree ? user.number
+            : IcuLocaleFromEnvironment(FirstOf(lang, numeric, FirstOf(time, monetary, {})));
   return user;
 }
 

@@ -303,7 +303,8 @@ HRESULT Convert(const VARIANT& source, const Conversion& conversion, VARTYPE vt,
     if (result->punkVal != nullptr) result->punkVal->AddRef();
   } else if (vt == VT_DISPATCH && source.vt == VT_UNKNOWN) {
     void* object = nullptr;
-    if (source.punkVal != nullptr && FAILED(source.punkVal->QueryInterface(IID_IDispatch, &object))) {
+    if (source.punkVal != nullptr &&
+        FAILED(source.punkVal->QueryInterface(IID_IDispatch, &object))) {
       return DISP_E_TYPEMISMATCH;
     }
     result->byref = object;

@@ -113,7 +113,7 @@ std::u16string Widen(std::string_view ascii) { return {ascii.begin(), ascii.end(
 // A date text is a row of numbers, words, and the marks between them.
 struct Token {
   enum Kind { kNumber, kWord, kMark } kind;
-  int value = 0;        // of a number
+  int value = 0;  // of a number
   std::size_t digits = 0;
   std::u16string word;  // lower case; of a mark the character
 };
@@ -199,7 +199,8 @@ bool TakeClock(std::vector<Token>* tokens, std::optional<Clock>* clock) {
   std::size_t start = colon - 1;
   // The T of 2024-02-29T12:00.
   if (start > 0 && (*tokens)[start - 1].word == u"t") --start;
-  tokens->erase(begin + static_cast<std::ptrdiff_t>(start), begin + static_cast<std::ptrdiff_t>(end));
+  tokens->erase(begin + static_cast<std::ptrdiff_t>(start),
+                begin + static_cast<std::ptrdiff_t>(end));
   *clock = found;
   return true;
 }
@@ -354,8 +355,8 @@ std::u16string WriteReal(double value, int digits, const TextLocale& locale) {
   if (std::isinf(value)) return value < 0 ? u"-1.#INF" : u"1.#INF";
   if (value == 0) return u"0";  // and not -0
   char buffer[64];
-  const auto result = std::to_chars(buffer, buffer + sizeof buffer, value,
-                                    std::chars_format::general, digits);
+  const auto result =
+      std::to_chars(buffer, buffer + sizeof buffer, value, std::chars_format::general, digits);
   std::u16string text;
   for (const char* p = buffer; p != result.ptr; ++p) {
     if (*p == '.') {

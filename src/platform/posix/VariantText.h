@@ -23,8 +23,8 @@ struct TextNumber {
   std::uint64_t magnitude = 0;  // of an exact number
 };
 
-// Blanks around, a sign before or behind or brackets for minus, thousands symbols between digits, the
-// currency symbol and an exponent are accepted. Nothing for other text.
+// Blanks around, a sign before or behind or brackets for minus, thousands symbols between digits,
+// the currency symbol and an exponent are accepted. Nothing for other text.
 std::optional<TextNumber> ReadNumber(std::u16string_view text, const TextLocale& locale);
 
 // `digits` significant digits, with an exponent where %G would have one.

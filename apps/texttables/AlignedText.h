@@ -1,0 +1,56 @@
+// Columns aligned for people.
+//
+//   AlignedText table(output, {false, true});
+//   table.AddHeader({TextCell(u"Name"), TextCell(u"Length")});
+//   table.AddLine({TextCell(u"Id"), PlainCell("4")});
+//   table.End();
+//
+// The widths come from the first lines, which wait until the widths are known; a later line that
+// is wider pushes itself apart. So memory does not grow with the table.
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "Output.h"
+
+namespace TextTables {
+
+struct Cell {
+  std::string text;       // UTF-8, without control characters
+  std::size_t width = 0;  // columns of the terminal
+};
+
+Cell TextCell(std::u16string_view text);
+// Printable ASCII only.
+Cell PlainCell(std::string text);
+
+class AlignedText {
+ public:
+  // One entry a column: whether its cells stand at the right end of it.
+  AlignedText(Output& output, std::vector<bool> toTheRight);
+
+  // The first line, underlined.
+  void AddHeader(std::vector<Cell> cells);
+
+  void AddLine(std::vector<Cell> cells);
+
+  // After the last line.
+  void End();
+
+ private:
+  void Keep(std::vector<Cell> cells);
+  void AppendWaiting();
+  void AppendRule();
+  void AppendLine(const std::vector<Cell>& cells);
+
+  Output& output_;
+  std::vector<bool> toTheRight_;
+  std::vector<std::size_t> widths_;
+  std::vector<std::vector<Cell>> waiting_;
+  bool hasHeader_ = false;
+  bool widthsAreKnown_ = false;
+};
+
+}  // namespace TextTables

@@ -1,0 +1,266 @@
+#include "CommandLine.h"
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <charconv>
+
+#include "Failures.h"
+#include "Terminal.h"
+
+namespace TextTables {
+
+namespace {
+
+struct CommandName {
+  Command command;
+  const char* name;
+};
+constexpr CommandName kCommands[] = {
+    {Command::kList, "list"},     {Command::kDescribe, "describe"}, {Command::kRows, "rows"},
+    {Command::kCount, "count"},   {Command::kStat, "stat"},         {Command::kClaim, "claim"},
+    {Command::kLocale, "locale"},
+};
+
+struct FormatName {
+  RowFormat format;
+  const char* name;
+};
+constexpr FormatName kFormats[] = {
+    {RowFormat::kTable, "table"}, {RowFormat::kCsv, "csv"},   {RowFormat::kJsonLines, "jsonl"},
+    {RowFormat::kTyped, "typed"}, {RowFormat::kNone, "none"},
+};
+
+template <class Entry, std::size_t count>
+std::string NamesOf(const Entry (&entries)[count]) {
+  std::string names;
+  for (const Entry& entry : entries) names += (names.empty() ? "" : ", ") + std::string(entry.name);
+  return names;
+}
+
+// The parser takes an argument in brackets for a list. A file may well be called [a], so that such
+// arguments go through it behind a mark.
+constexpr char kMark = '\x01';
+
+std::string Marked(std::string argument) {
+  if (!argument.empty() && (argument[0] == '[' || argument[0] == kMark))
+    argument.insert(argument.begin(), kMark);
+  return argument;
+}
+
+std::string Unmarked(const std::string& argument) {
+  return !argument.empty() && argument[0] == kMark ? argument.substr(1) : argument;
+}
+
+std::u16string TextOf(const std::string& argument) {
+  return Terminal::TextOfArgument(Unmarked(argument));
+}
+
+// Plain decimal digits only: no sign, no octal, no 0x.
+template <class Number>
+Number NumberOf(const std::string& argument, const char* option) {
+  const std::string text = Unmarked(argument);
+  Number value{};
+  const char* const end = text.data() + text.size();
+  const auto result = std::from_chars(text.data(), end, value);
+  if (text.empty() || result.ec != std::errc() || result.ptr != end)
+    throw UsageError(std::string(option) + " takes a whole number, not \"" + text + "\"");
+  return value;
+}
+
+// Cuts "A,B" at the commas. A name that holds a comma or a quote stands in double quotes, with the
+// quotes inside it doubled.
+std::vector<std::string> SplitNames(const std::string& list) {
+  std::vector<std::string> names(1);
+  bool quoted = false;
+  for (std::size_t i = 0; i < list.size(); ++i) {
+    const char byte = list[i];
+    if (byte == '"' && (quoted || names.back().empty())) {
+      if (quoted && i + 1 < list.size() && list[i + 1] == '"') {
+        names.back() += list[++i];
+      } else {
+        quoted = !quoted;
+      }
+    } else if (byte == ',' && !quoted) {
+      names.emplace_back();
+    } else {
+      names.back() += byte;
+    }
+  }
+  return names;
+}
+
+// The arguments as the parser stores them.
+struct RawArguments {
+  std::string moduleFile, locale, ansiCodePage, fieldTypeVersion, eventLogFile;
+  std::vector<std::string> hostOptions;
+  std::string path;
+  std::vector<std::string> names;
+  std::string format, limit;
+  std::vector<std::string> columns;
+};
+
+void AddGlobalOptions(CLI::App& app, RawArguments& raw, GlobalOptions& global) {
+  app.add_option("--module", raw.moduleFile,
+                 "The data source's module, instead of the installed one")
+      ->type_name("FILE");
+  app.add_option("--locale", raw.locale, "The user's locale, such as de-DE")->type_name("NAME");
+  app.add_option("--ansi-code-page", raw.ansiCodePage, "The code page of ANSI files, such as 1252")
+      ->type_name("N");
+  app.add_flag("--read-as-many-rows-as-needed", global.readAsManyRowsAsNeeded,
+               "Look at more rows when the first ones do not settle the types");
+  app.add_flag("--no-lat-long-fields", global.noLatLongFields,
+               "No coordinate fields beside latitude/longitude texts");
+  app.add_flag("--infer-time-only-fields", global.inferTimeOnlyFields,
+               "Times of day get a type of their own");
+  app.add_option("--field-type-version", raw.fieldTypeVersion,
+                 "The workspace property FIELD_TYPE_VERSION; 13.1 chooses the older types")
+      ->type_name("VALUE");
+  app.add_option("--host-option", raw.hostOptions, "An option of the host; may be repeated")
+      ->type_name("NAME=VALUE")
+      ->allow_extra_args(false);
+  app.add_option("--event-log", raw.eventLogFile, "Write the data source's events as JSON lines")
+      ->type_name("FILE");
+  app.add_flag("--quiet", global.quiet, "No warnings and no progress");
+}
+
+CLI::App* AddCommand(CLI::App& app, const char* name, const char* description) {
+  return app.add_subcommand(name, description)->fallthrough();
+}
+
+void AddRows(CLI::App& app, RawArguments& raw, bool& json) {
+  CLI::App* rows = AddCommand(app, "rows", "The rows of a table");
+  rows->add_option("TABLE", raw.path, "FOLDER/NAME, a path to a text file")->required();
+  rows->add_option("--format", raw.format,
+                   "table, csv, jsonl, typed or none; by default table on a terminal, else csv")
+      ->type_name("FORMAT");
+  rows->add_flag("--json", json, "The same as --format jsonl");
+  rows->add_option("--columns", raw.columns, "Only these columns, in this order")
+      ->type_name("A,B,...")
+      ->allow_extra_args(false);
+  rows->add_option("--limit", raw.limit, "At most so many rows")->type_name("N");
+}
+
+void AddCommands(CLI::App& app, RawArguments& raw, bool& json) {
+  constexpr const char* kJson = "JSON instead of text for people";
+  constexpr const char* kFolder = "A folder of text files";
+  constexpr const char* kTable = "FOLDER/NAME, a path to a text file";
+
+  CLI::App* list = AddCommand(app, "list", "The tables of a folder");
+  list->add_option("FOLDER", raw.path, kFolder)->required();
+  list->add_flag("--json", json, kJson);
+
+  const std::pair<const char*, const char*> tableCommands[] = {
+      {"describe", "The delimiter and the fields of a table"},
+      {"count", "The number of rows of a table"},
+      {"stat", "Size, times and mode of a table's file"}};
+  for (const auto& [name, description] : tableCommands) {
+    CLI::App* command = AddCommand(app, name, description);
+    command->add_option("TABLE", raw.path, kTable)->required();
+    command->add_flag("--json", json, kJson);
+    if (std::string_view(name) == "describe") AddRows(app, raw, json);
+  }
+
+  CLI::App* claim = AddCommand(app, "claim", "Which of these files belong to the data source");
+  claim->add_option("FOLDER", raw.path, kFolder)->required();
+  claim->add_option("NAME", raw.names, "File names; by default those of the folder");
+  claim->add_flag("--json", json, kJson);
+
+  CLI::App* locale = AddCommand(app, "locale", "The locale values in force");
+  locale->add_flag("--json", json, kJson);
+}
+
+std::pair<std::u16string, std::u16string> HostOptionOf(const std::string& argument) {
+  const std::string text = Unmarked(argument);
+  const std::size_t equals = text.find('=');
+  if (equals == std::string::npos || equals == 0)
+    throw UsageError("--host-option takes NAME=VALUE, not \"" + text + "\"");
+  return {Terminal::TextOfArgument(text.substr(0, equals)),
+          Terminal::TextOfArgument(text.substr(equals + 1))};
+}
+
+RowFormat FormatOf(const std::string& argument) {
+  for (const FormatName& format : kFormats)
+    if (format.name == argument) return format.format;
+  throw UsageError("there is no format \"" + argument + "\"; formats: " + NamesOf(kFormats));
+}
+
+void FillGlobalOptions(const CLI::App& app, const RawArguments& raw, GlobalOptions& global) {
+  if (app.count("--module") > 0) global.moduleFile = TextOf(raw.moduleFile);
+  if (app.count("--locale") > 0) global.locale = TextOf(raw.locale);
+  if (app.count("--ansi-code-page") > 0)
+    global.ansiCodePage = NumberOf<unsigned>(raw.ansiCodePage, "--ansi-code-page");
+  if (app.count("--field-type-version") > 0) global.fieldTypeVersion = TextOf(raw.fieldTypeVersion);
+  if (app.count("--event-log") > 0) global.eventLogFile = TextOf(raw.eventLogFile);
+  for (const std::string& option : raw.hostOptions)
+    global.hostOptions.push_back(HostOptionOf(option));
+}
+
+void FillRowOptions(const CLI::App& command, const RawArguments& raw, bool json, RowOptions& rows) {
+  if (command.count("--format") > 0) rows.format = FormatOf(raw.format);
+  if (json) {
+    if (rows.format.value_or(RowFormat::kJsonLines) != RowFormat::kJsonLines)
+      throw UsageError("--json and --format " + raw.format + " exclude each other");
+    rows.format = RowFormat::kJsonLines;
+  }
+  if (command.count("--limit") > 0) rows.limit = NumberOf<std::uint64_t>(raw.limit, "--limit");
+  for (const std::string& list : raw.columns)
+    for (const std::string& name : SplitNames(Unmarked(list)))
+      rows.columns.push_back(Terminal::TextOfArgument(name));
+}
+
+Command CommandOf(const std::string& name) {
+  return std::find_if(std::begin(kCommands), std::end(kCommands),
+                      [&name](const CommandName& entry) { return name == entry.name; })
+      ->command;
+}
+
+// The parser's own words, except where it does not know what the user meant.
+UsageError UsageErrorOf(const CLI::App& app, const CLI::ParseError& error) {
+  const std::vector<std::string> others = app.remaining();
+  if (!app.get_subcommands().empty()) return UsageError(error.what());
+  for (const std::string& argument : others)
+    if (!argument.empty() && argument[0] != '-')
+      return UsageError("there is no command \"" + Unmarked(argument) +
+                        "\"; commands: " + NamesOf(kCommands));
+  if (!others.empty()) return UsageError("there is no option \"" + others.front() + "\"");
+  if (dynamic_cast<const CLI::RequiredError*>(&error) != nullptr)
+    return UsageError("a command is missing; commands: " + NamesOf(kCommands));
+  return UsageError(error.what());
+}
+
+}  // namespace
+
+CommandLine ParseCommandLine(std::vector<std::string> arguments) {
+  CommandLine line;
+  RawArguments raw;
+  CLI::App app("Shows folders of text files as tables.", "texttables");
+  app.allow_windows_style_options(false);
+  app.set_version_flag("--version", "texttables " TEXTTABLES_VERSION, "The program's version");
+  app.require_subcommand(1);
+  AddGlobalOptions(app, raw, line.global);
+  AddCommands(app, raw, line.json);
+
+  std::transform(arguments.begin(), arguments.end(), arguments.begin(), Marked);
+  std::reverse(arguments.begin(), arguments.end());  // the parser takes them from the end
+  try {
+    app.parse(arguments);
+  } catch (const CLI::CallForHelp&) {
+    line.reply = app.help();
+    return line;
+  } catch (const CLI::CallForVersion& version) {
+    line.reply = std::string(version.what()) + "\n";
+    return line;
+  } catch (const CLI::ParseError& error) {
+    throw UsageErrorOf(app, error);
+  }
+
+  const CLI::App& command = *app.get_subcommands().front();
+  line.command = CommandOf(command.get_name());
+  line.path = TextOf(raw.path);
+  for (const std::string& name : raw.names) line.names.push_back(TextOf(name));
+  FillGlobalOptions(app, raw, line.global);
+  if (line.command == Command::kRows) FillRowOptions(command, raw, line.json, line.rows);
+  return line;
+}
+
+}  // namespace TextTables

@@ -1,0 +1,49 @@
+// The command line: what the program was asked to do.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "RowWriter.h"
+
+namespace TextTables {
+
+enum class Command { kList, kDescribe, kRows, kCount, kStat, kClaim, kLocale };
+
+// Options that stand before or behind any command.
+struct GlobalOptions {
+  std::optional<std::u16string> moduleFile;
+  std::optional<std::u16string> locale;  // BCP 47
+  std::optional<unsigned> ansiCodePage;
+  bool readAsManyRowsAsNeeded = false;
+  bool noLatLongFields = false;
+  bool inferTimeOnlyFields = false;
+  std::optional<std::u16string> fieldTypeVersion;
+  std::vector<std::pair<std::u16string, std::u16string>> hostOptions;  // name and value
+  std::optional<std::u16string> eventLogFile;
+  bool quiet = false;
+};
+
+struct RowOptions {
+  std::optional<RowFormat> format;      // by default it depends on where the output goes
+  std::vector<std::u16string> columns;  // empty: all
+  std::optional<std::uint64_t> limit;
+};
+
+struct CommandLine {
+  Command command = Command::kLocale;
+  GlobalOptions global;
+  std::u16string path;                // FOLDER or TABLE
+  std::vector<std::u16string> names;  // claim
+  bool json = false;
+  RowOptions rows;
+  std::string reply;  // not empty: only this text is to be printed (help, version)
+};
+
+// `arguments` as Terminal::Arguments gives them. Throws UsageError.
+CommandLine ParseCommandLine(std::vector<std::string> arguments);
+
+}  // namespace TextTables

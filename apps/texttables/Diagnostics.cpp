@@ -1,0 +1,95 @@
+#include "Diagnostics.h"
+
+#include <algorithm>
+#include <utility>
+#include <vector>
+
+#include "Bstr.h"
+#include "Failures.h"
+#include "Terminal.h"
+#include "TextEncoding.h"
+#include "host/com/ComPtr.h"
+#include "host/interfaces/HostErrors.h"
+
+namespace TextTables {
+
+namespace {
+
+struct ChainedError {
+  HRESULT code = E_FAIL;
+  std::string text;
+};
+
+ChainedError Read(quenra::HostChainedError* error) {
+  ChainedError result;
+  error->GetCode(&result.code);
+  Bstr text;
+  error->GetText(text.Receive());
+  result.text = MessageBytes(text.View());
+  return result;
+}
+
+// An error object of another kind has a description, but no code.
+ChainedError ReadPlain(IErrorInfo* info) {
+  ChainedError result;
+  Bstr text;
+  info->GetDescription(text.Receive());
+  result.text = MessageBytes(text.View());
+  return result;
+}
+
+// The newest first.
+std::vector<ChainedError> TakeChain() {
+  std::vector<ChainedError> errors;
+  quenra::ComPtr<IErrorInfo> info;
+  if (::GetErrorInfo(0, info.Receive()) != S_OK || !info) return errors;
+  auto error = info.As<quenra::HostChainedError>();
+  if (!error) {
+    errors.push_back(ReadPlain(info.Get()));
+    return errors;
+  }
+  while (error) {
+    errors.push_back(Read(error.Get()));
+    quenra::ComPtr<quenra::HostChainedError> next;
+    error->GetNext(next.Receive());
+    error = std::move(next);
+  }
+  return errors;
+}
+
+void WriteDiagnosis(std::string_view kind, HRESULT code, std::string_view text) {
+  std::string line = "texttables: ";
+  line += kind;
+  line += ": " + HexCode(code) + ": ";
+  line += text;
+  line += '\n';
+  Terminal::WriteStandardError(line);
+}
+
+}  // namespace
+
+std::string TakeChainedText(HRESULT code) {
+  const std::vector<ChainedError> errors = TakeChain();
+  if (errors.empty()) return {};
+  const auto same = std::find_if(errors.begin(), errors.end(),
+                                 [code](const ChainedError& error) { return error.code == code; });
+  return same != errors.end() ? same->text : errors.front().text;
+}
+
+void ReportWarnings(bool quiet) {
+  std::vector<ChainedError> errors = TakeChain();
+  if (quiet) return;
+  std::reverse(errors.begin(), errors.end());
+  for (const ChainedError& error : errors) WriteDiagnosis("warning", error.code, error.text);
+}
+
+void ReportRefusal(HRESULT code, std::string_view text) { WriteDiagnosis("error", code, text); }
+
+void ReportUsageError(std::string_view text) {
+  std::string message = "texttables: ";
+  message += text;
+  message += "\nTry 'texttables --help'.\n";
+  Terminal::WriteStandardError(message);
+}
+
+}  // namespace TextTables

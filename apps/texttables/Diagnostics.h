@@ -1,0 +1,25 @@
+// What the data source chained for the host, and what the program says on standard error.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "platform/ComTypes.h"
+
+namespace TextTables {
+
+// The text chained with `code`, else the newest text of the chain, else empty. The chain is empty
+// afterwards.
+std::string TakeChainedText(HRESULT code);
+
+// Prints every chained error as a warning, the oldest first, and empties the chain. With `quiet`
+// nothing is printed. Costs next to nothing when there is none: it is called for every row.
+void ReportWarnings(bool quiet);
+
+// "texttables: error: 0x80040351: text". Texts keep their line breaks.
+void ReportRefusal(HRESULT code, std::string_view text);
+
+// "texttables: text" and where help is.
+void ReportUsageError(std::string_view text);
+
+}  // namespace TextTables

@@ -1,0 +1,69 @@
+#include "Failures.h"
+
+#include <cstdio>
+#include <system_error>
+
+#include "Diagnostics.h"
+#include "TextEncoding.h"
+
+namespace TextTables {
+
+namespace {
+
+struct Meaning {
+  HRESULT code;
+  const char* text;
+};
+
+// The codes that the data source gives without a text of its own, and those of COM.
+const Meaning kMeanings[] = {
+    {static_cast<HRESULT>(0x80040351u), "table not found"},
+    {static_cast<HRESULT>(0x80040203u), "field type not supported"},
+    {static_cast<HRESULT>(0x80040211u), "file cannot be opened"},
+    {static_cast<HRESULT>(0x80040258u), "not a folder that can be opened"},
+    {static_cast<HRESULT>(0x80040311u), "schema.ini cannot be understood"},
+    {static_cast<HRESULT>(0x80040955u), "a value does not fit its field"},
+    {E_FAIL, "the data source cannot do this"},
+    {E_POINTER, "a result pointer is missing"},
+    {E_INVALIDARG, "an argument is not valid"},
+    {E_NOINTERFACE, "the interface is not supported"},
+    {E_NOTIMPL, "not implemented"},
+    {E_OUTOFMEMORY, "out of memory"},
+    {E_UNEXPECTED, "unexpected failure"},
+    {CLASS_E_CLASSNOTAVAILABLE, "the module does not hold this class"},
+    {CLASS_E_NOAGGREGATION, "the class cannot be aggregated"},
+};
+
+}  // namespace
+
+std::string MeaningOf(HRESULT code) {
+  for (const Meaning& meaning : kMeanings)
+    if (meaning.code == code) return meaning.text;
+  if (HRESULT_FACILITY(code) == FACILITY_WIN32)
+    return std::system_category().message(static_cast<int>(HRESULT_CODE(code)));
+  return "failure without a description";
+}
+
+std::string HexCode(HRESULT code) {
+  char text[16];
+  std::snprintf(text, sizeof text, "0x%08lX",
+                static_cast<unsigned long>(static_cast<std::uint32_t>(code)));
+  return text;
+}
+
+void Check(HRESULT code, std::u16string_view subject) {
+  if (!FAILED(code)) return;
+  std::string text = TakeChainedText(code);
+  if (text.empty()) {
+    text = MeaningOf(code);
+    if (!subject.empty()) text += ": " + MessageBytes(subject);
+  }
+  throw Refusal(code, text);
+}
+
+Refusal SystemRefusal(int error, std::u16string_view subject) {
+  const auto code = static_cast<HRESULT>(0x80070000u | (static_cast<unsigned>(error) & 0xFFFFu));
+  return Refusal(code, std::system_category().message(error) + ": " + MessageBytes(subject));
+}
+
+}  // namespace TextTables

@@ -1,0 +1,54 @@
+// How work ends before its end: each kind of failure is an exception that main() turns into a
+// message and an exit code.
+//
+//   Check(workspace->OpenDatasetByName(name.Get(), dataset.Receive()), tableName);
+#pragma once
+
+#include <stdexcept>
+#include <string>
+#include <string_view>
+
+#include "platform/ComTypes.h"
+
+namespace TextTables {
+
+inline constexpr int kExitDone = 0;
+inline constexpr int kExitRefused = 1;
+inline constexpr int kExitUsage = 2;
+
+// The command line is wrong. The text is UTF-8 and says what would be right.
+class UsageError : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
+
+// The data source, or the system, refused. what() is the text for people, in UTF-8.
+class Refusal : public std::runtime_error {
+ public:
+  Refusal(HRESULT code, const std::string& text) : std::runtime_error(text), code_(code) {}
+  HRESULT Code() const noexcept { return code_; }
+
+ private:
+  HRESULT code_;
+};
+
+// Nobody reads the output any more. No message: the reader has seen what it wanted.
+class OutputClosed : public std::exception {};
+
+// The user pressed the interrupt key, or the system asked the program to end.
+class Interrupted : public std::exception {};
+
+// What `code` means, in words.
+std::string MeaningOf(HRESULT code);
+
+// Throws a Refusal when `code` is a failure: with the text that the data source chained for it,
+// else with the code's meaning and `subject`, the file or folder in question.
+void Check(HRESULT code, std::u16string_view subject);
+
+// A Refusal for an error of the system; `error` is errno, or a Win32 error code on Windows.
+Refusal SystemRefusal(int error, std::u16string_view subject);
+
+// "0x80040955".
+std::string HexCode(HRESULT code);
+
+}  // namespace TextTables

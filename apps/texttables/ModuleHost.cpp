@@ -1,0 +1,165 @@
+#include "ModuleHost.h"
+
+#include "Bstr.h"
+#include "Failures.h"
+#include "ModuleFile.h"
+#include "TextEncoding.h"
+#include "host/CoreSupport/Components.h"
+#include "host/interfaces/DataSourceClasses.h"
+#include "host/interfaces/HostClasses.h"
+
+namespace TextTables {
+
+namespace {
+
+using quenra::ComPtr;
+
+using GetClassObjectFunction = HRESULT(STDAPICALLTYPE*)(REFCLSID, REFIID, void**);
+using CanUnloadFunction = HRESULT(STDAPICALLTYPE*)();
+
+template <class Function>
+Function EntryOf(HMODULE module, const char* name) {
+  // Through a neutral pointer: the compiler warns of a cast between unlike function types.
+  return reinterpret_cast<Function>(reinterpret_cast<void*>(::GetProcAddress(module, name)));
+}
+
+#ifdef _WIN32
+constexpr std::u16string_view kSeparators = u"/\\";
+#else
+constexpr std::u16string_view kSeparators = u"/";
+#endif
+
+// How many characters at the start of a path are its root: "/" or "C:\".
+std::size_t RootLength(std::u16string_view path) {
+  std::size_t length = 0;
+#ifdef _WIN32
+  if (path.size() > 1 && path[1] == u':') length = 2;
+#endif
+  if (length < path.size() && kSeparators.find(path[length]) != std::u16string_view::npos) ++length;
+  return length;
+}
+
+ComPtr<quenra::HostPropertySet> PropertiesWith(const std::u16string& fieldTypeVersion) {
+  ComPtr<quenra::HostPropertySet> properties;
+  Check(quenra::CreateComponentInstance(quenra::CLSID_HostPropertySet, properties.Receive()),
+        u"properties");
+  const Bstr name(u"FIELD_TYPE_VERSION");
+  const Bstr text(fieldTypeVersion);
+  VARIANT value;
+  ::VariantInit(&value);
+  value.vt = VT_BSTR;
+  value.bstrVal = text.Get();  // still owned by `text`; the set copies it
+  Check(properties->SetProperty(name.Get(), &value), u"FIELD_TYPE_VERSION");
+  return properties;
+}
+
+}  // namespace
+
+std::u16string_view WithoutTrailingSeparators(std::u16string_view folder) {
+  const std::size_t root = RootLength(folder);
+  while (folder.size() > root && kSeparators.find(folder.back()) != std::u16string_view::npos)
+    folder.remove_suffix(1);
+  return folder;
+}
+
+TablePath SplitTablePath(std::u16string_view path) {
+  std::size_t start = path.find_last_of(kSeparators);
+  start = start == std::u16string_view::npos ? RootLength(path) : start + 1;
+  TablePath result{std::u16string(WithoutTrailingSeparators(path.substr(0, start))),
+                   std::u16string(path.substr(start))};
+  if (result.name.empty())
+    throw UsageError("\"" + FileNameBytes(path) + "\" names no table; a table is FOLDER/NAME");
+  if (result.folder.empty()) result.folder = u".";
+  return result;
+}
+
+ModuleHost::ModuleHost(const GlobalOptions& options) : fieldTypeVersion_(options.fieldTypeVersion) {
+  try {
+    Load(options);
+    CreateFactory();
+    SetOpenOptions(options);
+  } catch (...) {
+    Unload();
+    throw;
+  }
+}
+
+ModuleHost::~ModuleHost() { Unload(); }
+
+void ModuleHost::Load(const GlobalOptions& options) {
+  const std::u16string file =
+      options.moduleFile ? FullPath(*options.moduleFile) : InstalledModule();
+  module_ = ::LoadLibraryW(AsOle(file.c_str()));
+  if (module_ != nullptr) return;
+  const std::string text = "the module cannot be loaded: " + FileNameBytes(file);
+  if (options.moduleFile) throw UsageError(text);
+  throw Refusal(HRESULT_FROM_WIN32(::GetLastError()), text);
+}
+
+void ModuleHost::CreateFactory() {
+  const auto getClassObject = EntryOf<GetClassObjectFunction>(module_, "DllGetClassObject");
+  if (getClassObject == nullptr) throw UsageError("the module is no data source");
+  ComPtr<IClassFactory> classFactory;
+  Check(getClassObject(quenra::CLSID_TextFileWorkspaceFactory, IID_IClassFactory,
+                       classFactory.ReceiveVoid()),
+        u"workspace factory");
+  Check(classFactory->CreateInstance(nullptr, quenra::IID_IPlugInWorkspaceFactoryHelper2,
+                                     factory_.ReceiveVoid()),
+        u"workspace factory");
+}
+
+void ModuleHost::SetOpenOptions(const GlobalOptions& options) {
+  const std::pair<bool, std::u16string_view> switches[] = {
+      {options.readAsManyRowsAsNeeded, u"ReadAsManyRowsAsNeeded"},
+      {options.noLatLongFields, u"DoNotAutoGenerateLatLongFields"},
+      {options.inferTimeOnlyFields, u"InferTimeOnlyFields"}};
+  const auto openOptions = factory_.As<quenra::IWorkspaceFactoryOpenOptions>();
+  for (const auto& [wanted, name] : switches) {
+    if (!wanted) continue;
+    const Bstr option(name);
+    Check(openOptions ? openOptions->SetOption(option.Get(), nullptr) : E_NOINTERFACE, name);
+  }
+}
+
+// A module that still counts live objects stays loaded: its code is needed.
+void ModuleHost::Unload() noexcept {
+  factory_.Reset();
+  if (module_ == nullptr) return;
+  const auto canUnload = EntryOf<CanUnloadFunction>(module_, "DllCanUnloadNow");
+  if (canUnload == nullptr || canUnload() == S_OK) ::FreeLibrary(module_);
+  module_ = nullptr;
+}
+
+ComPtr<quenra::IPlugInWorkspaceHelper> ModuleHost::OpenFolder(std::u16string_view folder) const {
+  const std::u16string_view place = WithoutTrailingSeparators(folder);
+  const Bstr path(place);
+  ComPtr<quenra::HostPropertySet> properties;
+  if (fieldTypeVersion_) properties = PropertiesWith(*fieldTypeVersion_);
+  ComPtr<quenra::IPlugInWorkspaceHelper> workspace;
+  Check(factory_->OpenFolderWorkspace(path.Get(), properties.Get(), workspace.Receive()), place);
+  return workspace;
+}
+
+ComPtr<quenra::IPlugInDatasetHelper> ModuleHost::OpenTable(const TablePath& path) const {
+  const auto workspace = OpenFolder(path.folder);
+  const Bstr name(path.name);
+  ComPtr<quenra::IPlugInDatasetHelper> dataset;
+  Check(workspace->OpenDatasetByName(name.Get(), dataset.Receive()), path.name);
+  return dataset;
+}
+
+std::u16string ModuleHost::DelimiterOf(const TablePath& path) const {
+  const auto textFactory = factory_.As<quenra::ITextFileWorkspaceFactory>();
+  if (!textFactory) return {};
+  std::u16string file = FullPath(path.folder);
+  if (RootLength(file) < file.size()) file += u'/';
+  const Bstr fullPath(file + path.name);
+  OLECHAR delimiter = 0;
+  Check(textFactory->FieldDelimiter(fullPath.Get(), &delimiter), path.name);
+  if (delimiter == 0) return {};
+  // The delimiter arrives as one signed byte widened to 16 bits.
+  const auto unit = static_cast<char16_t>(delimiter);
+  return std::u16string(1, unit >= 0xFF80 ? static_cast<char16_t>(unit & 0xFF) : unit);
+}
+
+}  // namespace TextTables

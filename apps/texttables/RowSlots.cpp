@@ -1,0 +1,65 @@
+#include "RowSlots.h"
+
+#include <algorithm>
+#include <new>
+
+#include "Failures.h"
+#include "TextEncoding.h"
+
+namespace TextTables {
+
+namespace {
+
+UsageError UnknownColumn(const std::vector<Field>& fields, const std::u16string& name) {
+  std::string text = "there is no column \"" + Utf8(name) + "\"; columns: ";
+  for (std::size_t i = 0; i < fields.size(); ++i)
+    text += (i > 0 ? ", " : "") + Utf8(fields[i].name);
+  return UsageError(text);
+}
+
+void AddColumn(ColumnPlan& plan, const std::vector<Field>& fields, std::size_t field) {
+  LONG& slot = plan.fieldMap[field];
+  if (slot < 0) slot = static_cast<LONG>(plan.slots++);
+  plan.columns.push_back({fields[field].name, fields[field].type, static_cast<std::size_t>(slot)});
+}
+
+}  // namespace
+
+ColumnPlan PlanColumns(const std::vector<Field>& fields, const std::vector<std::u16string>& names) {
+  ColumnPlan plan;
+  plan.fieldMap.assign(fields.size(), -1);
+  if (names.empty())
+    for (std::size_t i = 0; i < fields.size(); ++i) AddColumn(plan, fields, i);
+  for (const std::u16string& name : names) {
+    const int field = FindField(fields, name);
+    if (field < 0) throw UnknownColumn(fields, name);
+    AddColumn(plan, fields, static_cast<std::size_t>(field));
+  }
+  return plan;
+}
+
+FieldMap::FieldMap(const std::vector<LONG>& slots) {
+  ::VariantInit(&value_);
+  SAFEARRAY* array = ::SafeArrayCreateVector(VT_I4, 0, static_cast<ULONG>(slots.size()));
+  if (array == nullptr) throw std::bad_alloc();
+  value_.vt = VT_ARRAY | VT_I4;
+  value_.parray = array;
+  void* data = nullptr;
+  Check(::SafeArrayAccessData(array, &data), u"field map");
+  std::copy(slots.begin(), slots.end(), static_cast<LONG*>(data));
+  ::SafeArrayUnaccessData(array);
+}
+
+RowSlots::RowSlots(std::size_t count) : values_(count) {
+  for (quenra::HostFieldValue& slot : values_) {
+    ::VariantInit(&slot.value);
+    slot.hostData[0] = slot.hostData[1] = nullptr;
+  }
+}
+
+void RowSlots::Clear() noexcept {
+  for (quenra::HostFieldValue& slot : values_)
+    if (slot.value.vt != VT_EMPTY) ::VariantClear(&slot.value);
+}
+
+}  // namespace TextTables

@@ -1,0 +1,32 @@
+#include "RowWriter.h"
+
+namespace TextTables {
+
+namespace {
+
+// Writes nothing: what remains is the cost of fetching.
+class NoRowWriter : public RowWriter {
+ public:
+  using RowWriter::RowWriter;
+  void Write(const quenra::HostFieldValue*) override {}
+};
+
+}  // namespace
+
+std::unique_ptr<RowWriter> MakeRowWriter(RowFormat format, Output& output) {
+  switch (format) {
+    case RowFormat::kTable:
+      return MakeTableRowWriter(output);
+    case RowFormat::kCsv:
+      return MakeCsvRowWriter(output);
+    case RowFormat::kJsonLines:
+      return MakeJsonLinesRowWriter(output);
+    case RowFormat::kTyped:
+      return MakeTypedRowWriter(output);
+    case RowFormat::kNone:
+      break;
+  }
+  return std::make_unique<NoRowWriter>(output);
+}
+
+}  // namespace TextTables

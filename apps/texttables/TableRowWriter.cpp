@@ -1,0 +1,60 @@
+// Rows aligned for people: numbers to the right, everything else to the left.
+#include "AlignedText.h"
+#include "RowWriter.h"
+#include "ValueText.h"
+#include "platform/OleText.h"
+
+namespace TextTables {
+
+namespace {
+
+bool IsNumberField(LONG type) {
+  constexpr LONG kDouble = 3;
+  constexpr LONG kBigInteger = 13;
+  return (type >= 0 && type <= kDouble) || type == kBigInteger;
+}
+
+class TableRowWriter : public RowWriter {
+ public:
+  using RowWriter::RowWriter;
+
+  void Begin(const std::vector<OutputColumn>& columns) override {
+    RowWriter::Begin(columns);
+    std::vector<bool> toTheRight;
+    std::vector<Cell> names;
+    for (const OutputColumn& column : columns_) {
+      toTheRight.push_back(IsNumberField(column.type));
+      names.push_back(TextCell(column.name));
+    }
+    table_ = std::make_unique<AlignedText>(output_, std::move(toTheRight));
+    table_->AddHeader(std::move(names));
+  }
+
+  void Write(const quenra::HostFieldValue* slots) override {
+    std::vector<Cell> cells;
+    cells.reserve(columns_.size());
+    for (const OutputColumn& column : columns_)
+      cells.push_back(CellOf(slots[column.slot].value, column.type));
+    table_->AddLine(std::move(cells));
+  }
+
+  void End() override { table_->End(); }
+
+ private:
+  Cell CellOf(const VARIANT& value, LONG fieldType) {
+    if (value.vt == VT_BSTR) return TextCell(ViewOf(value.bstrVal));
+    AppendPlainValue(scratch_, value, fieldType);
+    return PlainCell(scratch_.Take());
+  }
+
+  std::unique_ptr<AlignedText> table_;
+  StringOutput scratch_;
+};
+
+}  // namespace
+
+std::unique_ptr<RowWriter> MakeTableRowWriter(Output& output) {
+  return std::make_unique<TableRowWriter>(output);
+}
+
+}  // namespace TextTables

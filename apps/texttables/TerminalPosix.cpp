@@ -1,0 +1,125 @@
+#ifndef _WIN32
+
+#include <sys/ioctl.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <csignal>
+#include <cstdlib>
+
+#include "Failures.h"
+#include "Terminal.h"
+#include "platform/FileNames.h"
+
+namespace TextTables::Terminal {
+
+namespace {
+
+constexpr int kEndingSignals[] = {SIGINT, SIGTERM, SIGHUP};
+
+// Back to the first column, and what is right of it erased.
+constexpr std::string_view kClearLine = "\r\x1b[K";
+
+volatile std::sig_atomic_t progressShown = 0;
+volatile std::sig_atomic_t deferred = 0;
+volatile std::sig_atomic_t receivedSignal = 0;
+
+void WriteAll(int file, std::string_view bytes) {
+  while (!bytes.empty()) {
+    const ssize_t done = ::write(file, bytes.data(), bytes.size());
+    if (done < 0 && errno == EINTR) continue;
+    if (done < 0) return;
+    bytes.remove_prefix(static_cast<std::size_t>(done));
+  }
+}
+
+void EndBySignal(int number) {
+  if (progressShown) WriteAll(STDERR_FILENO, kClearLine);
+  ::signal(number, SIG_DFL);
+  ::raise(number);
+}
+
+// Calls nothing but what a signal handler may call.
+void OnEndingSignal(int number) {
+  const int error = errno;
+  if (deferred && receivedSignal == 0) {
+    receivedSignal = number;
+  } else {
+    EndBySignal(number);
+  }
+  errno = error;
+}
+
+}  // namespace
+
+void Prepare() {
+  ::signal(SIGPIPE, SIG_IGN);
+  for (const int number : kEndingSignals) {
+    struct sigaction action = {};
+    struct sigaction before = {};
+    action.sa_handler = OnEndingSignal;
+    sigemptyset(&action.sa_mask);
+    // No SA_RESTART: a write that waits for a slow reader comes back and sees the interrupt.
+    ::sigaction(number, nullptr, &before);
+    // What the parent had ignored (nohup) stays ignored.
+    if (before.sa_handler != SIG_IGN) ::sigaction(number, &action, nullptr);
+  }
+}
+
+std::vector<std::string> Arguments(int count, char** values) {
+  return {values + (count > 0 ? 1 : 0), values + count};
+}
+
+std::u16string TextOfArgument(std::string_view argument) { return FileNameFromNative(argument); }
+
+bool StandardOutputIsTerminal() { return ::isatty(STDOUT_FILENO) == 1; }
+bool StandardErrorIsTerminal() { return ::isatty(STDERR_FILENO) == 1; }
+
+int Columns() {
+  winsize size = {};
+  if (::ioctl(STDERR_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0) return size.ws_col;
+  return 80;
+}
+
+std::size_t WriteStandardOutput(const char* bytes, std::size_t count) {
+  for (;;) {
+    const ssize_t done = ::write(STDOUT_FILENO, bytes, count);
+    if (done >= 0) return static_cast<std::size_t>(done);
+    if (errno == EINTR) {
+      DeferInterrupts::Poll();
+      continue;
+    }
+    if (errno == EPIPE) throw OutputClosed();
+    throw SystemRefusal(errno, u"standard output");
+  }
+}
+
+void WriteStandardError(std::string_view bytes) {
+  ShowProgressLine({});
+  WriteAll(STDERR_FILENO, bytes);
+}
+
+void ShowProgressLine(std::string_view line) {
+  if (!progressShown && line.empty()) return;
+  std::string text(kClearLine);
+  text += line;
+  progressShown = !line.empty();
+  WriteAll(STDERR_FILENO, text);
+}
+
+DeferInterrupts::DeferInterrupts() { deferred = 1; }
+
+DeferInterrupts::~DeferInterrupts() { deferred = 0; }
+
+void DeferInterrupts::Poll() {
+  if (receivedSignal != 0) throw Interrupted();
+}
+
+void EndAsInterrupted() {
+  EndBySignal(receivedSignal != 0 ? receivedSignal : SIGINT);
+  std::_Exit(kExitRefused);
+}
+
+}  // namespace TextTables::Terminal
+
+#endif

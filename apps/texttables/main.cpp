@@ -1,0 +1,106 @@
+// texttables: a host application for the text data source.
+#include <exception>
+#include <new>
+#include <optional>
+
+#include "Bstr.h"
+#include "CommandLine.h"
+#include "Commands.h"
+#include "Diagnostics.h"
+#include "EventLogFile.h"
+#include "Failures.h"
+#include "Output.h"
+#include "Terminal.h"
+#include "TextEncoding.h"
+#include "host/CoreSupport/QUENRALocale.h"
+#include "host/DataCore/DataCoreUtil.h"
+
+namespace TextTables {
+
+namespace {
+
+// The settings of this process, which the module reads; to be made before it is loaded.
+void ApplyHostSettings(const GlobalOptions& options) {
+  using quenra::QUENRALocale;
+  if (options.locale && !QUENRALocale::SetLocale(*options.locale))
+    throw UsageError("there is no locale \"" + Utf8(*options.locale) + "\"");
+  if (options.ansiCodePage && !QUENRALocale::SetAnsiCodePage(*options.ansiCodePage))
+    throw UsageError("there is no code page " + std::to_string(*options.ansiCodePage));
+  for (const auto& [name, text] : options.hostOptions) {
+    const Bstr copy(text);
+    VARIANT value;
+    ::VariantInit(&value);
+    value.vt = VT_BSTR;
+    value.bstrVal = copy.Get();  // still owned by `copy`
+    quenra::DataCoreUtil::SetOption(name, &value);
+  }
+}
+
+void RunCommand(const CommandLine& line, Output& output) {
+  switch (line.command) {
+    case Command::kList:
+      return RunList(line, output);
+    case Command::kDescribe:
+      return RunDescribe(line, output);
+    case Command::kRows:
+      return RunRows(line, output);
+    case Command::kCount:
+      return RunCount(line, output);
+    case Command::kStat:
+      return RunStat(line, output);
+    case Command::kClaim:
+      return RunClaim(line, output);
+    case Command::kLocale:
+      return RunLocale(line, output);
+  }
+}
+
+void Run(std::vector<std::string> arguments) {
+  const CommandLine line = ParseCommandLine(std::move(arguments));
+  StandardOutput output;
+  if (!line.reply.empty()) {
+    output.Append(line.reply);
+  } else {
+    ApplyHostSettings(line.global);
+    std::optional<EventLogFile> eventLog;
+    if (line.global.eventLogFile) eventLog.emplace(*line.global.eventLogFile);
+    try {
+      RunCommand(line, output);
+    } catch (const Refusal&) {
+      // The rows before the refusal are good.
+      output.Flush();
+      throw;
+    }
+  }
+  output.Flush();
+}
+
+int RunToExitCode(std::vector<std::string> arguments) {
+  try {
+    Run(std::move(arguments));
+    return kExitDone;
+  } catch (const OutputClosed&) {
+    return kExitDone;
+  } catch (const UsageError& error) {
+    ReportUsageError(error.what());
+    return kExitUsage;
+  } catch (const Refusal& refusal) {
+    ReportRefusal(refusal.Code(), refusal.what());
+  } catch (const Interrupted&) {
+    Terminal::EndAsInterrupted();
+  } catch (const std::bad_alloc&) {
+    ReportRefusal(E_OUTOFMEMORY, MeaningOf(E_OUTOFMEMORY));
+  } catch (const std::exception& error) {
+    ReportRefusal(E_UNEXPECTED, error.what());
+  }
+  return kExitRefused;
+}
+
+}  // namespace
+
+}  // namespace TextTables
+
+int main(int count, char** values) {
+  TextTables::Terminal::Prepare();
+  return TextTables::RunToExitCode(TextTables::Terminal::Arguments(count, values));
+}
