@@ -37,14 +37,19 @@ bool SameReal(double first, double second) {
 
 void CheckClass(const Settings& settings, std::u16string_view text, std::uint32_t version) {
   const FieldType type = TextFile::NumberFormat::Classify(settings, text, version);
+  // The classifier trims first, while for the converter white space belongs to a group of digits.
+  text = quenra::TrimWhiteSpace(text);
   const Reading real = Convert(settings, text, FieldType::kDouble);
   const Reading whole = Convert(settings, text, FieldType::kInteger);
   const Reading big = Convert(settings, text, FieldType::kBigInteger);
   switch (type) {
     case FieldType::kUndetermined: {
-      // Only words make doubles that the classifier refuses.
-      const auto isLetter = [](char16_t unit) { return (unit | 0x20) >= u'a' && unit <= u'z'; };
-      Check(!real.done || std::any_of(text.begin(), text.end(), isLetter));
+      // The converter also reads words, and a decimal symbol that is neither dot nor comma.
+      const auto isOther = [](char16_t unit) {
+        return !quenra::IsWhiteSpace(unit) &&
+               std::u16string_view(u"-+0123456789.,Ee").find(unit) == std::u16string_view::npos;
+      };
+      Check(!real.done || std::any_of(text.begin(), text.end(), isOther));
       return;
     }
     case FieldType::kInteger:
@@ -113,7 +118,8 @@ void CheckGrouping(const Settings& settings, std::u16string_view text) {
   if (!grouped) return;
   const Reading real = Convert(settings, text, FieldType::kDouble);
   Check(valid || !real.done);
-  if (!valid) return;
+  // White space inside could come to stand at an end.
+  if (!valid || std::any_of(text.begin(), text.end(), &quenra::IsWhiteSpace)) return;
   std::u16string bare(text);
   std::erase(bare, settings.GroupingSymbol());
   const Reading other = Convert(settings, bare, FieldType::kDouble);
