@@ -123,13 +123,24 @@ void AddGlobalOptions(CLI::App& app, RawArguments& raw, GlobalOptions& global) {
   app.add_flag("--quiet", global.quiet, "No warnings and no progress");
 }
 
+constexpr const char* kJson = "JSON instead of text for people";
+constexpr const char* kFolder = "A folder of text files";
+constexpr const char* kTable = "FOLDER/NAME, a path to a text file";
+
 CLI::App* AddCommand(CLI::App& app, const char* name, const char* description) {
-  return app.add_subcommand(name, description)->fallthrough();
+  CLI::App* command = app.add_subcommand(name, description)->fallthrough();
+  command->footer("texttables --help lists the options that every command takes.");
+  return command;
+}
+
+CLI::Option* AddPositional(CLI::App* command, const char* name, std::string& value,
+                           const char* description) {
+  return command->add_option(name, value, description)->required()->type_name("");
 }
 
 void AddRows(CLI::App& app, RawArguments& raw, bool& json) {
   CLI::App* rows = AddCommand(app, "rows", "The rows of a table");
-  rows->add_option("TABLE", raw.path, "FOLDER/NAME, a path to a text file")->required();
+  AddPositional(rows, "TABLE", raw.path, kTable);
   rows->add_option("--format", raw.format,
                    "table, csv, jsonl, typed or none; by default table on a terminal, else csv")
       ->type_name("FORMAT");
@@ -141,12 +152,8 @@ void AddRows(CLI::App& app, RawArguments& raw, bool& json) {
 }
 
 void AddCommands(CLI::App& app, RawArguments& raw, bool& json) {
-  constexpr const char* kJson = "JSON instead of text for people";
-  constexpr const char* kFolder = "A folder of text files";
-  constexpr const char* kTable = "FOLDER/NAME, a path to a text file";
-
   CLI::App* list = AddCommand(app, "list", "The tables of a folder");
-  list->add_option("FOLDER", raw.path, kFolder)->required();
+  AddPositional(list, "FOLDER", raw.path, kFolder);
   list->add_flag("--json", json, kJson);
 
   const std::pair<const char*, const char*> tableCommands[] = {
@@ -155,14 +162,14 @@ void AddCommands(CLI::App& app, RawArguments& raw, bool& json) {
       {"stat", "Size, times and mode of a table's file"}};
   for (const auto& [name, description] : tableCommands) {
     CLI::App* command = AddCommand(app, name, description);
-    command->add_option("TABLE", raw.path, kTable)->required();
+    AddPositional(command, "TABLE", raw.path, kTable);
     command->add_flag("--json", json, kJson);
     if (std::string_view(name) == "describe") AddRows(app, raw, json);
   }
 
   CLI::App* claim = AddCommand(app, "claim", "Which of these files belong to the data source");
-  claim->add_option("FOLDER", raw.path, kFolder)->required();
-  claim->add_option("NAME", raw.names, "File names; by default those of the folder");
+  AddPositional(claim, "FOLDER", raw.path, kFolder);
+  claim->add_option("NAME", raw.names, "File names; by default those of the folder")->type_name("");
   claim->add_flag("--json", json, kJson);
 
   CLI::App* locale = AddCommand(app, "locale", "The locale values in force");
@@ -237,6 +244,10 @@ CommandLine ParseCommandLine(std::vector<std::string> arguments) {
   app.allow_windows_style_options(false);
   app.set_version_flag("--version", "texttables " TEXTTABLES_VERSION, "The program's version");
   app.require_subcommand(1);
+  app.get_formatter()->label("OPTIONS", "options");
+  app.get_formatter()->label("SUBCOMMAND", "COMMAND ...");
+  app.get_formatter()->label("Subcommands", "Commands");
+  app.get_formatter()->label("REQUIRED", "");
   AddGlobalOptions(app, raw, line.global);
   AddCommands(app, raw, line.json);
 

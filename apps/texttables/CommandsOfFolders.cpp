@@ -2,12 +2,12 @@
 #include <algorithm>
 #include <filesystem>
 
-#include "Bstr.h"
 #include "Commands.h"
 #include "Failures.h"
 #include "JsonText.h"
 #include "ModuleHost.h"
 #include "TextEncoding.h"
+#include "host/CoreSupport/BString.h"
 #include "host/CoreSupport/Components.h"
 #include "host/interfaces/HostClasses.h"
 #include "platform/FileNames.h"
@@ -44,7 +44,7 @@ std::vector<std::u16string> TitlesOf(quenra::HostArray& datasets) {
     ComPtr<IUnknown> element;
     Check(datasets.GetElement(i, element.Receive()), u"tables");
     const auto info = element.As<quenra::IPlugInDatasetInfo>();
-    Bstr title;
+    quenra::BString title;
     Check(info ? info->DatasetFileTitle(title.Receive()) : E_NOINTERFACE, u"tables");
     titles.emplace_back(title.View());
   }
@@ -89,7 +89,7 @@ ComPtr<quenra::HostFileNames> FileNamesOf(const std::vector<FolderEntry>& entrie
   Check(quenra::CreateComponentInstance(quenra::CLSID_HostFileNames, list.Receive()),
         u"file names");
   for (const FolderEntry& entry : entries) {
-    const Bstr name(entry.name);
+    const quenra::BString name(entry.name);
     Check(list->Add(name.Get(), entry.isDirectory ? VARIANT_TRUE : VARIANT_FALSE), entry.name);
   }
   return list;
@@ -101,7 +101,7 @@ std::vector<std::u16string> MissingFrom(quenra::HostFileNames& list,
                                         const std::vector<FolderEntry>& entries) {
   std::vector<std::u16string> missing;
   Check(list.Reset(), u"file names");
-  Bstr left;
+  quenra::BString left;
   VARIANT_BOOL isDirectory = VARIANT_FALSE;
   bool more = list.Next(left.Receive(), &isDirectory) == S_OK;
   for (const FolderEntry& entry : entries) {
@@ -133,8 +133,8 @@ void RunClaim(const CommandLine& line, Output& output) {
   const std::vector<FolderEntry> entries =
       line.names.empty() ? EntriesOf(folder) : EntriesFrom(folder, line.names);
   const auto list = FileNamesOf(entries);
-  const Bstr path(folder);
-  Bstr workspace;
+  const quenra::BString path(folder);
+  quenra::BString workspace;
   Check(host.Factory().ClaimWorkspaceFiles(path.Get(), list.Get(), workspace.Receive()), folder);
   AppendNames(MissingFrom(*list, entries), line.json, output);
 }

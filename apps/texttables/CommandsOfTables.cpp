@@ -1,6 +1,5 @@
 // describe, count and stat.
 #include "AlignedText.h"
-#include "Bstr.h"
 #include "Commands.h"
 #include "DateText.h"
 #include "Failures.h"
@@ -10,12 +9,11 @@
 #include "NumberText.h"
 #include "Progress.h"
 #include "TextEncoding.h"
+#include "host/CoreSupport/BString.h"
 
 namespace TextTables {
 
 namespace {
-
-using quenra::ComPtr;
 
 struct Description {
   std::u16string table;
@@ -26,7 +24,7 @@ struct Description {
 Description Describe(const ModuleHost& host, const TablePath& path) {
   const auto dataset = host.OpenTable(path);
   Description result;
-  Bstr title;
+  quenra::BString title;
   const auto info = dataset.As<quenra::IPlugInDatasetInfo>();
   Check(info ? info->DatasetFileTitle(title.Receive()) : E_NOINTERFACE, path.name);
   result.table = title.View();
@@ -157,8 +155,12 @@ void RunCount(const CommandLine& line, Output& output) {
   const TablePath path = SplitTablePath(line.path);
   const ModuleHost host(line.global);
   const auto counter = host.OpenTable(path).As<quenra::IPlugInRowCount>();
-  LONG count = 0;
-  Check(counter ? counter->CountRows(0, &count) : E_NOINTERFACE, path.name);
+  const auto count = [&] {
+    const WaitingLine waiting = host.Wait(path);
+    LONG rows = 0;
+    Check(counter ? counter->CountRows(0, &rows) : E_NOINTERFACE, path.name);
+    return rows;
+  }();
   AppendShortest(output, count);
   output.Append('\n');
 }

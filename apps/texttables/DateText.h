@@ -18,7 +18,7 @@ DateParts DatePartsOfField(LONG fieldType) noexcept;
 
 // A text of its own, without an allocation. Empty when there is no such date.
 struct IsoText {
-  char text[40];
+  char text[40] = {};
   std::size_t length = 0;
 
   std::string_view View() const noexcept { return {text, length}; }

@@ -4,10 +4,10 @@
 #include <utility>
 #include <vector>
 
-#include "Bstr.h"
 #include "Failures.h"
 #include "Terminal.h"
 #include "TextEncoding.h"
+#include "host/CoreSupport/BString.h"
 #include "host/com/ComPtr.h"
 #include "host/interfaces/HostErrors.h"
 
@@ -23,7 +23,7 @@ struct ChainedError {
 ChainedError Read(quenra::HostChainedError* error) {
   ChainedError result;
   error->GetCode(&result.code);
-  Bstr text;
+  quenra::BString text;
   error->GetText(text.Receive());
   result.text = MessageBytes(text.View());
   return result;
@@ -32,7 +32,7 @@ ChainedError Read(quenra::HostChainedError* error) {
 // An error object of another kind has a description, but no code.
 ChainedError ReadPlain(IErrorInfo* info) {
   ChainedError result;
-  Bstr text;
+  quenra::BString text;
   info->GetDescription(text.Receive());
   result.text = MessageBytes(text.View());
   return result;

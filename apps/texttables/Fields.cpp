@@ -1,7 +1,7 @@
 #include "Fields.h"
 
-#include "Bstr.h"
 #include "Failures.h"
+#include "host/CoreSupport/BString.h"
 #include "host/DataCore/DataCoreUtil.h"
 #include "host/com/ComPtr.h"
 
@@ -11,7 +11,7 @@ namespace {
 
 Field Read(quenra::HostField& field) {
   Field result;
-  Bstr text;
+  quenra::BString text;
   Check(field.GetName(text.Receive()), u"field");
   result.name = text.View();
   Check(field.GetType(&result.type), result.name);

@@ -1,12 +1,15 @@
 #include "ModuleHost.h"
 
-#include "Bstr.h"
+#include <filesystem>
+
 #include "Failures.h"
 #include "ModuleFile.h"
 #include "TextEncoding.h"
 #include "host/CoreSupport/Components.h"
+#include "host/CoreSupport/Variant.h"
 #include "host/interfaces/DataSourceClasses.h"
 #include "host/interfaces/HostClasses.h"
+#include "platform/FileNames.h"
 
 namespace TextTables {
 
@@ -43,13 +46,9 @@ ComPtr<quenra::HostPropertySet> PropertiesWith(const std::u16string& fieldTypeVe
   ComPtr<quenra::HostPropertySet> properties;
   Check(quenra::CreateComponentInstance(quenra::CLSID_HostPropertySet, properties.Receive()),
         u"properties");
-  const Bstr name(u"FIELD_TYPE_VERSION");
-  const Bstr text(fieldTypeVersion);
-  VARIANT value;
-  ::VariantInit(&value);
-  value.vt = VT_BSTR;
-  value.bstrVal = text.Get();  // still owned by `text`; the set copies it
-  Check(properties->SetProperty(name.Get(), &value), u"FIELD_TYPE_VERSION");
+  const quenra::BString name(u"FIELD_TYPE_VERSION");
+  const quenra::Variant value(fieldTypeVersion);
+  Check(properties->SetProperty(name.Get(), value.Address()), name.View());
   return properties;
 }
 
@@ -73,7 +72,8 @@ TablePath SplitTablePath(std::u16string_view path) {
   return result;
 }
 
-ModuleHost::ModuleHost(const GlobalOptions& options) : fieldTypeVersion_(options.fieldTypeVersion) {
+ModuleHost::ModuleHost(const GlobalOptions& options)
+    : showProgress_(!options.quiet), fieldTypeVersion_(options.fieldTypeVersion) {
   try {
     Load(options);
     CreateFactory();
@@ -116,7 +116,7 @@ void ModuleHost::SetOpenOptions(const GlobalOptions& options) {
   const auto openOptions = factory_.As<quenra::IWorkspaceFactoryOpenOptions>();
   for (const auto& [wanted, name] : switches) {
     if (!wanted) continue;
-    const Bstr option(name);
+    const quenra::BString option(name);
     Check(openOptions ? openOptions->SetOption(option.Get(), nullptr) : E_NOINTERFACE, name);
   }
 }
@@ -132,7 +132,7 @@ void ModuleHost::Unload() noexcept {
 
 ComPtr<quenra::IPlugInWorkspaceHelper> ModuleHost::OpenFolder(std::u16string_view folder) const {
   const std::u16string_view place = WithoutTrailingSeparators(folder);
-  const Bstr path(place);
+  const quenra::BString path(place);
   ComPtr<quenra::HostPropertySet> properties;
   if (fieldTypeVersion_) properties = PropertiesWith(*fieldTypeVersion_);
   ComPtr<quenra::IPlugInWorkspaceHelper> workspace;
@@ -142,10 +142,19 @@ ComPtr<quenra::IPlugInWorkspaceHelper> ModuleHost::OpenFolder(std::u16string_vie
 
 ComPtr<quenra::IPlugInDatasetHelper> ModuleHost::OpenTable(const TablePath& path) const {
   const auto workspace = OpenFolder(path.folder);
-  const Bstr name(path.name);
+  const quenra::BString name(path.name);
   ComPtr<quenra::IPlugInDatasetHelper> dataset;
+  const WaitingLine waiting = Wait(path);
   Check(workspace->OpenDatasetByName(name.Get(), dataset.Receive()), path.name);
   return dataset;
+}
+
+WaitingLine ModuleHost::Wait(const TablePath& path) const {
+  const std::filesystem::path file = std::filesystem::path(NativeFromFileName(path.folder)) /
+                                     std::filesystem::path(NativeFromFileName(path.name));
+  std::error_code error;
+  const std::uintmax_t bytes = std::filesystem::file_size(file, error);
+  return {showProgress_, FileNameBytes(path.name), error ? 0 : bytes};
 }
 
 std::u16string ModuleHost::DelimiterOf(const TablePath& path) const {
@@ -153,13 +162,13 @@ std::u16string ModuleHost::DelimiterOf(const TablePath& path) const {
   if (!textFactory) return {};
   std::u16string file = FullPath(path.folder);
   if (RootLength(file) < file.size()) file += u'/';
-  const Bstr fullPath(file + path.name);
+  const quenra::BString fullPath(file + path.name);
   OLECHAR delimiter = 0;
   Check(textFactory->FieldDelimiter(fullPath.Get(), &delimiter), path.name);
   if (delimiter == 0) return {};
   // The delimiter arrives as one signed byte widened to 16 bits.
   const auto unit = static_cast<char16_t>(delimiter);
-  return std::u16string(1, unit >= 0xFF80 ? static_cast<char16_t>(unit & 0xFF) : unit);
+  return {unit >= 0xFF80 ? static_cast<char16_t>(unit & 0xFF) : unit};
 }
 
 }  // namespace TextTables

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "CommandLine.h"
+#include "Progress.h"
 #include "host/com/ComPtr.h"
 #include "host/interfaces/PlugInWorkspaceFactory.h"
 #include "platform/Modules.h"
@@ -45,6 +46,9 @@ class ModuleHost {
   // The character between the fields; empty for a fixed-length table. Throws a Refusal.
   std::u16string DelimiterOf(const TablePath& path) const;
 
+  // To be held while a call reads the whole table.
+  WaitingLine Wait(const TablePath& path) const;
+
   quenra::IPlugInWorkspaceFactoryHelper2& Factory() const noexcept { return *factory_; }
 
  private:
@@ -54,6 +58,7 @@ class ModuleHost {
   void Unload() noexcept;
 
   HMODULE module_ = nullptr;
+  bool showProgress_;
   std::optional<std::u16string> fieldTypeVersion_;
   quenra::ComPtr<quenra::IPlugInWorkspaceFactoryHelper2> factory_;
 };

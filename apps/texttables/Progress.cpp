@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cstdio>
+#include <utility>
 
 #include "Terminal.h"
 
@@ -18,6 +19,13 @@ std::string Grouped(std::uint64_t value) {
   return text;
 }
 
+void ShowLine(std::string line) {
+  // A line that wraps cannot be taken away.
+  const auto columns = static_cast<std::size_t>(Terminal::Columns());
+  if (line.size() >= columns) line.resize(columns > 0 ? columns - 1 : 0);
+  Terminal::ShowProgressLine(line);
+}
+
 }  // namespace
 
 Progress::Progress(bool enabled)
@@ -32,11 +40,35 @@ void Progress::Look(std::uint64_t bytes) {
   if (now < next_) return;
   next_ = now + kInterval;
   const std::chrono::duration<double> elapsed = now - start_;
-  std::string line = ProgressLine(rows_, bytes, elapsed.count());
-  // A line that wraps cannot be taken away.
-  const auto columns = static_cast<std::size_t>(Terminal::Columns());
-  if (line.size() >= columns) line.resize(columns > 0 ? columns - 1 : 0);
-  Terminal::ShowProgressLine(line);
+  ShowLine(ProgressLine(rows_, bytes, elapsed.count()));
+}
+
+WaitingLine::WaitingLine(bool enabled, std::string subject, std::uint64_t bytes) {
+  if (!enabled || !Terminal::StandardErrorIsTerminal()) return;
+  std::string text = "reading " + std::move(subject);
+  if (bytes > 0) text += " (" + ReadableBytes(bytes) + ")";
+  thread_ = std::thread([this, text] { Show(text); });
+}
+
+WaitingLine::~WaitingLine() {
+  if (!thread_.joinable()) return;
+  {
+    const std::lock_guard lock(mutex_);
+    ended_ = true;
+  }
+  ends_.notify_one();
+  thread_.join();
+  Terminal::ShowProgressLine({});
+}
+
+void WaitingLine::Show(const std::string& text) {
+  std::unique_lock lock(mutex_);
+  auto elapsed = kSilence;
+  for (auto pause = kSilence; !ends_.wait_for(lock, pause, [this] { return ended_; });
+       elapsed += pause) {
+    pause = std::chrono::seconds(1);
+    ShowLine(text + ", " + Grouped(static_cast<std::uint64_t>(elapsed.count() / 1000)) + " s");
+  }
 }
 
 std::string ProgressLine(std::uint64_t rows, std::uint64_t bytes, double seconds) {

@@ -1,8 +1,13 @@
 #ifdef _WIN32
 
+#include "platform/ComTypes.h"
+
+// Behind windows.h, which they need.
+// clang-format off
 #include <fcntl.h>
 #include <io.h>
 #include <shellapi.h>
+// clang-format on
 
 #include <algorithm>
 #include <atomic>

@@ -5,7 +5,7 @@
 #include "DateText.h"
 #include "NumberText.h"
 #include "TextEncoding.h"
-#include "platform/OleText.h"
+#include "host/CoreSupport/Variant.h"
 
 namespace TextTables {
 
@@ -51,12 +51,9 @@ void AppendPlainValue(Output& output, const VARIANT& value, LONG fieldType) {
 }
 
 std::u16string ConvertedText(const VARIANT& value) {
-  VARIANT text;
-  ::VariantInit(&text);
-  std::u16string result;
-  if (!FAILED(::VariantChangeType(&text, &value, 0, VT_BSTR))) result = ViewOf(text.bstrVal);
-  ::VariantClear(&text);
-  return result;
+  quenra::Variant text;
+  if (FAILED(::VariantChangeType(text.Receive(), &value, 0, VT_BSTR))) return {};
+  return std::u16string(text.Text());
 }
 
 }  // namespace TextTables

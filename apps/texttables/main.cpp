@@ -3,7 +3,6 @@
 #include <new>
 #include <optional>
 
-#include "Bstr.h"
 #include "CommandLine.h"
 #include "Commands.h"
 #include "Diagnostics.h"
@@ -13,6 +12,7 @@
 #include "Terminal.h"
 #include "TextEncoding.h"
 #include "host/CoreSupport/QUENRALocale.h"
+#include "host/CoreSupport/Variant.h"
 #include "host/DataCore/DataCoreUtil.h"
 
 namespace TextTables {
@@ -26,14 +26,8 @@ void ApplyHostSettings(const GlobalOptions& options) {
     throw UsageError("there is no locale \"" + Utf8(*options.locale) + "\"");
   if (options.ansiCodePage && !QUENRALocale::SetAnsiCodePage(*options.ansiCodePage))
     throw UsageError("there is no code page " + std::to_string(*options.ansiCodePage));
-  for (const auto& [name, text] : options.hostOptions) {
-    const Bstr copy(text);
-    VARIANT value;
-    ::VariantInit(&value);
-    value.vt = VT_BSTR;
-    value.bstrVal = copy.Get();  // still owned by `copy`
-    quenra::DataCoreUtil::SetOption(name, &value);
-  }
+  for (const auto& [name, text] : options.hostOptions)
+    quenra::DataCoreUtil::SetOption(name, quenra::Variant(text).Address());
 }
 
 void RunCommand(const CommandLine& line, Output& output) {

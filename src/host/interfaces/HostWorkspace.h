@@ -16,9 +16,21 @@ inline constexpr IID IID_HostWorkspace =
 template <>
 inline constexpr const IID& kInterfaceId<HostWorkspace> = IID_HostWorkspace;
 
+// Making a workspace object.
+struct HostWorkspaceEdit : public IUnknown {
+  // The text is copied as it is; null is the empty text.
+  virtual HRESULT STDMETHODCALLTYPE SetWorkspacePath(BSTR path) = 0;
+};
+
+inline constexpr IID IID_HostWorkspaceEdit =
+    {0xf2100b65, 0x50de, 0x453d, {0x83, 0x16, 0x54, 0x3b, 0x19, 0xd2, 0x1d, 0xe5}};
+template <>
+inline constexpr const IID& kInterfaceId<HostWorkspaceEdit> = IID_HostWorkspaceEdit;
+
 // What the host adds to every data source's workspace factory by aggregation.
 struct HostWorkspaceFactory : public IUnknown {
   // Opens the workspace of a folder through the data source's factory that this object is part of.
+  // Null and the factory's HRESULT when it refuses; the caller releases the workspace.
   virtual HRESULT STDMETHODCALLTYPE OpenWorkspace(BSTR path, HostWorkspace** workspace) = 0;
 };
 

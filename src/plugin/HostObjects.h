@@ -1,0 +1,23 @@
+// Putting together host objects.
+#pragma once
+
+#include <string_view>
+#include <vector>
+
+#include "host/com/ComPtr.h"
+#include "host/interfaces/HostClassIdentifier.h"
+#include "host/interfaces/HostFields.h"
+#include "schema/FieldDefinition.h"
+
+namespace quenra {
+
+// A new host object that holds `classId`. E_POINTER for a null result; null and E_FAIL when the
+// host cannot make one. The caller releases it.
+HRESULT NewClassIdentifier(const CLSID& classId, HostClassIdentifier** result) noexcept;
+
+// The host's field collection of a table's fields, in order. `*result` is left alone, and the
+// failure of the host's object is answered, when one cannot be made. May throw std::bad_alloc.
+HRESULT NewFieldCollection(const std::vector<TextFile::FieldDefinition>& fields,
+                           ComPtr<HostFieldCollection>& result);
+
+}  // namespace quenra

@@ -1,0 +1,211 @@
+#include "plugin/TextFileDatasetHelper.h"
+
+#include <limits>
+#include <utility>
+
+#include "host/CoreSupport/BString.h"
+#include "host/CoreSupport/FileStat.h"
+#include "host/com/ComCatch.h"
+#include "plugin/FieldMap.h"
+#include "plugin/HostObjects.h"
+#include "plugin/TextFileCursorHelper.h"
+#include "plugin/TextFileErrors.h"
+#include "reading/OpenTextDataset.h"
+#include "reading/ReaderFactory.h"
+
+namespace quenra {
+namespace {
+
+// Writes an answer that needs no work.
+template <class Value>
+HRESULT Answer(Value* result, Value value, HRESULT code = S_OK) noexcept {
+  if (result == nullptr) return E_POINTER;
+  *result = value;
+  return code;
+}
+
+HRESULT NotSupported(const void* result) noexcept { return result == nullptr ? E_POINTER : E_FAIL; }
+
+// The rows from the reader's current one on.
+LONG CountRecords(TextFile::Reader& reader) {
+  if (reader.record().empty()) return 0;
+  LONG count = 1;
+  while (count < std::numeric_limits<LONG>::max() && reader.ReadRecord()) ++count;
+  return count;
+}
+
+}  // namespace
+
+TextFileDatasetHelper::TextFileDatasetHelper(TextFile::TextDatasetDescription description,
+                                             const TextFile::OpenOptions& options)
+    : description_(
+          std::make_shared<const TextFile::TextDatasetDescription>(std::move(description))),
+      options_(options) {}
+
+HRESULT TextFileDatasetHelper::EnsureOpen() noexcept try {
+  if (description_->loaded) return S_OK;
+  // A copy is opened, since a failed attempt may leave half-applied options behind.
+  auto attempt = std::make_shared<TextFile::TextDatasetDescription>(*description_);
+  auto status = TextFile::OpenDatasetStatus::kScanFailed;
+  if (TextFile::OpenTextDataset(*attempt, options_, status)) {
+    description_ = std::move(attempt);
+    return S_OK;
+  }
+  if (status == TextFile::OpenDatasetStatus::kFileNotOpened)
+    return ChainTextFileError(kFileNotOpened, description_->name);
+  return E_FAIL;
+} catch (...) {
+  return HResultFromOpenException(description_->name);
+}
+
+std::u16string_view TextFileDatasetHelper::ErrorSource() const noexcept { return kErrorSource; }
+
+std::u16string_view TextFileDatasetHelper::HelpFile() const noexcept { return kHelpFile; }
+
+HRESULT STDMETHODCALLTYPE TextFileDatasetHelper::DatasetFileTitle(BSTR* title) {
+  return CopyToBstr(description_->name, title);
+}
+
+HRESULT STDMETHODCALLTYPE TextFileDatasetHelper::DatasetKind(LONG* kind) {
+  constexpr LONG kTable = 10;
+  return Answer(kind, kTable);
+}
+
+HRESULT STDMETHODCALLTYPE TextFileDatasetHelper::ShapeKind(LONG* kind) {
+  return Answer<LONG>(kind, 0);
+}
+
+HRESULT STDMETHODCALLTYPE TextFileDatasetHelper::ShapeColumnName(BSTR* name) {
+  return Answer<BSTR>(name, nullptr);
+}
+
+HRESULT STDMETHODCALLTYPE TextFileDatasetHelper::SubclassCount(LONG* count) {
+  return Answer<LONG>(count, 0, E_FAIL);
+}
+
+HRESULT STDMETHODCALLTYPE TextFileDatasetHelper::SubclassName(LONG, BSTR* name) {
+  return Answer<BSTR>(name, nullptr, E_FAIL);
+}
+
+HRESULT STDMETHODCALLTYPE TextFileDatasetHelper::SubclassIndex(BSTR, LONG* index) {
+  // Hosts always hand over a place for the index, and this slot has never looked.
+  *index = 0;
+  return E_FAIL;
+}
+
+HRESULT STDMETHODCALLTYPE TextFileDatasetHelper::Extent(IUnknown** envelope) {
+  return Answer<IUnknown*>(envelope, nullptr, E_FAIL);
+}
+
+HRESULT STDMETHODCALLTYPE TextFileDatasetHelper::DescribeFields(LONG,
+                                                                HostFieldCollection** fields) try {
+  if (fields == nullptr) return E_POINTER;
+  *fields = nullptr;
+  if (!fields_) {
+    if (const HRESULT result = EnsureOpen(); FAILED(result)) return result;
+    if (const HRESULT result = NewFieldCollection(description_->fields, fields_); FAILED(result))
+      return result;
+  }
+  *fields = ComPtr<HostFieldCollection>(fields_).Detach();
+  return S_OK;
+} catch (...) {
+  return HResultFromCurrentException();
+}
+
+HRESULT STDMETHODCALLTYPE TextFileDatasetHelper::RowIdColumnIndex(LONG, LONG* index) {
+  return Answer<LONG>(index, -1);
+}
+
+HRESULT STDMETHODCALLTYPE TextFileDatasetHelper::ShapeColumnIndex(LONG, LONG* index) {
+  return Answer<LONG>(index, -1);
+}
+
+HRESULT STDMETHODCALLTYPE TextFileDatasetHelper::FetchRowById(LONG, LONG, VARIANT,
+                                                              IPlugInCursorHelper** cursor) {
+  return NotSupported(cursor);
+}
+
+HRESULT STDMETHODCALLTYPE TextFileDatasetHelper::FetchAllRows(LONG, BSTR, VARIANT fieldMap,
+                                                              IPlugInCursorHelper** cursor) try {
+  if (cursor == nullptr) return E_POINTER;
+  *cursor = nullptr;
+  if (const HRESULT result = EnsureOpen(); FAILED(result)) return result;
+  FieldMap map(fieldMap);
+  if (!map.IsUsable()) return E_INVALIDARG;
+  *cursor = MakeObject<TextFileCursorHelper>(description_, TextFile::MakeDataReader(*description_),
+                                             std::move(map))
+                .Detach();
+  return S_OK;
+} catch (...) {
+  return HResultFromCurrentException();
+}
+
+HRESULT STDMETHODCALLTYPE TextFileDatasetHelper::FetchRowsInExtent(LONG, IUnknown*, VARIANT_BOOL,
+                                                                   BSTR, VARIANT,
+                                                                   IPlugInCursorHelper** cursor) {
+  return NotSupported(cursor);
+}
+
+HRESULT STDMETHODCALLTYPE TextFileDatasetHelper::AllowsCopy(VARIANT_BOOL* allowed) {
+  return Answer(allowed, VARIANT_BOOL{VARIANT_TRUE});
+}
+
+HRESULT STDMETHODCALLTYPE TextFileDatasetHelper::CopyDataset(BSTR, HostWorkspace*) {
+  return E_NOTIMPL;
+}
+
+HRESULT STDMETHODCALLTYPE TextFileDatasetHelper::AllowsDelete(VARIANT_BOOL* allowed) {
+  return Answer(allowed, VARIANT_BOOL{VARIANT_TRUE});
+}
+
+HRESULT STDMETHODCALLTYPE TextFileDatasetHelper::DeleteDataset() { return E_NOTIMPL; }
+
+HRESULT STDMETHODCALLTYPE TextFileDatasetHelper::AllowsRename(VARIANT_BOOL* allowed) {
+  return Answer(allowed, VARIANT_BOOL{VARIANT_TRUE});
+}
+
+HRESULT STDMETHODCALLTYPE TextFileDatasetHelper::RenameDataset(BSTR, BSTR* resultName) {
+  return Answer<BSTR>(resultName, nullptr, E_NOTIMPL);
+}
+
+HRESULT STDMETHODCALLTYPE TextFileDatasetHelper::CreateLoader(IUnknown*,
+                                                              IPlugInDatasetLoader** loader) {
+  return Answer<IPlugInDatasetLoader*>(loader, nullptr, E_NOTIMPL);
+}
+
+HRESULT STDMETHODCALLTYPE TextFileDatasetHelper::CountRows(LONG, LONG* count) try {
+  if (count == nullptr) return E_POINTER;
+  *count = -1;
+  if (const HRESULT result = EnsureOpen(); FAILED(result)) return result;
+  *count = CountRecords(*TextFile::MakeDataReader(*description_));
+  return S_OK;
+} catch (...) {
+  return HResultFromCurrentException();
+}
+
+HRESULT STDMETHODCALLTYPE TextFileDatasetHelper::FileTime(LONG kind, LONG* time) {
+  if (time == nullptr) return E_POINTER;
+  return Answer<LONG>(time, FileStat(description_->path).GetFileTime(kind));
+}
+
+HRESULT STDMETHODCALLTYPE TextFileDatasetHelper::FileSize(LONG* size) {
+  if (size == nullptr) return E_POINTER;
+  return Answer<LONG>(size, FileStat(description_->path).GetFileSize());
+}
+
+HRESULT STDMETHODCALLTYPE TextFileDatasetHelper::FileMode(LONG* mode) {
+  if (mode == nullptr) return E_POINTER;
+  const int found = FileStat(description_->path).GetFileMode();
+  return Answer<LONG>(mode, found == 2 || found == 4 || found == 6 ? found : 0);
+}
+
+HRESULT STDMETHODCALLTYPE TextFileDatasetHelper::FileSize64(LONGLONG* size) {
+  if (size == nullptr) return E_POINTER;
+  return Answer<LONGLONG>(size, FileStat(description_->path).GetFileSize64());
+}
+
+HRESULT STDMETHODCALLTYPE TextFileDatasetHelper::Reserved1() { return S_OK; }
+
+HRESULT STDMETHODCALLTYPE TextFileDatasetHelper::Reserved2() { return S_OK; }
+
+}  // namespace quenra

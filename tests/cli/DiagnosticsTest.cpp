@@ -1,0 +1,179 @@
+#include <nlohmann/json.hpp>
+#include <sstream>
+
+#include "cli/TexttablesTest.h"
+
+namespace {
+
+class WarningTest : public TexttablesTest {
+ protected:
+  // Numbers for as long as the types are inferred, then two that are none.
+  void WriteMismatches(const std::string& name) const {
+    std::string bytes = "Id,N\n";
+    for (int i = 0; i < 150; ++i) bytes += std::to_string(i) + "," + std::to_string(i) + "\n";
+    Write(name, bytes + "150,7.5\n151,8.5\n");
+  }
+  static std::string Warning(const std::string& text) {
+    return "texttables: warning: 0x80040955: " + text + "\n";
+  }
+};
+
+TEST_F(WarningTest, MismatchIsReportedOnceAColumnAndTheRowGoesOn) {
+  WriteMismatches("a.csv");
+  const ProcessResult result = Run({"rows", "a.csv", "--format", "typed", "--columns", "N"});
+  EXPECT_EQ(result.exitCode, 0);
+  EXPECT_EQ(result.errors,
+            Warning("In file a.csv, field value 7.5 does not match inferred type of field N. "
+                    "Generated schema.ini. Restart and try again."));
+  const std::string end = "[{\"VT_NULL\":null}]\n[{\"VT_R8\":8.5}]\n";
+  ASSERT_GE(result.output.size(), end.size());
+  EXPECT_EQ(result.output.substr(result.output.size() - end.size()), end);
+  // The next run reads what this one has learnt.
+  EXPECT_EQ(
+      Output({"rows", "a.csv", "--format", "typed", "--columns", "N"}).find("{\"VT_R8\":7.5}") !=
+          std::string::npos,
+      true);
+}
+
+TEST_F(WarningTest, DefinedTypeIsNotChanged) {
+  Write("a.csv", "N,M\n1,2\nabc,2.5\ndef,3.5\n");
+  const std::string schema =
+      "[a.csv]\nFormat=CSVDelimited\nColNameHeader=True\nCol1=N Long\nCol2=M Short\n";
+  Write("schema.ini", schema);
+  const ProcessResult result = Run({"rows", "a.csv"});
+  EXPECT_EQ(result.exitCode, 0);
+  EXPECT_EQ(result.output, "N,M\n1,2\n,\n,3.5\n");
+  EXPECT_EQ(result.errors,
+            Warning("In file a.csv, field value abc does not match defined type of field N. "
+                    "Update schema.ini file and try again.") +
+                Warning("In file a.csv, field value 2.5 does not match defined type of field M. "
+                        "Update schema.ini file and try again."));
+  EXPECT_EQ(Read("schema.ini"), schema);
+}
+
+TEST_F(WarningTest, QuietSilencesWarnings) {
+  WriteMismatches("a.csv");
+  EXPECT_EQ(Run({"--quiet", "rows", "a.csv"}).errors, "");
+}
+
+TEST_F(WarningTest, FileNamesAreSpelledAsTheyAre) {
+  WriteMismatches("caf\xE9.csv");
+  EXPECT_EQ(Run({"rows", "caf\xE9.csv", "--format", "none"}).errors,
+            Warning("In file caf\xE9.csv, field value 7.5 does not match inferred type of field N. "
+                    "Generated schema.ini. Restart and try again."));
+}
+
+class RefusalTest : public TexttablesTest {};
+
+TEST_F(RefusalTest, MissingTable) {
+  for (const char* command : {"describe", "rows", "count", "stat"})
+    ExpectRefused(Run({command, "nope.csv"}),
+                  "texttables: error: 0x80040351: table not found: nope.csv\n");
+}
+
+TEST_F(RefusalTest, MissingFolderOfATable) {
+  for (const char* command : {"describe", "rows", "count", "stat"})
+    ExpectRefused(Run({command, "nowhere/a.csv"}), "texttables: error: 0x80040258: nowhere\n");
+}
+
+TEST_F(RefusalTest, DirectoryNamedAsATable) {
+  std::filesystem::create_directory(Folder() / "x.csv");
+  for (const char* command : {"describe", "rows", "count", "stat"})
+    ExpectRefused(Run({command, "x.csv"}), "texttables: error: 0x80040211: x.csv\n");
+}
+
+struct SchemaCase {
+  const char* lines;   // behind the section's name
+  const char* errors;  // the second and the third line of the message
+};
+
+constexpr SchemaCase kSchemaCases[] = {
+    {"Col1=\n", "Missing field name in schema.ini.\n\tCol1="},
+    {"Col1=A\n", "Missing field type in schema.ini.\n\tCol1=A"},
+    {"Col1=A Number\n", "Unknown field type in schema.ini.\n\tCol1=A Number"},
+    {"Col1=A Text 10\n",
+     "Keyword \"Width\" expected after field type in schema.ini.\n\tCol1=A Text 10"},
+    {"Col1=A Text Width\n", "Bad value for field width in schema.ini.\n\tCol1=A Text Width"},
+    {"Format=FixedLength\nCol1=A Text Width 1\nCol3=C Text Width 1\n",
+     "Fixed width files must specify all field in schema.ini."},
+    {"Col1=A Date x\n", "Bad date format in schema.ini.\n\tCol1=A Date x"},
+    {"MaxScanRows=1\nMaxScanRows=1\n", "Duplicate option found in schema.ini.\n\tMaxScanRows=1"},
+    {"Format=Delimited(|\n", "Invalid format option in schema.ini.\n\tDelimited(|"},
+    {"Format=Delimited(\"\n)\n",
+     "Double quote cannot be used as a custom delimiter in schema.ini.\n\tDelimited(\"\n)"},
+    {"ColNameHeader=true\n", "Invalid value for option in schema.ini.\n\tColNameHeader=true"},
+    {"Colour=red\n", "Unknown option in schema.ini.\n\tColour=red"},
+};
+
+TEST_F(RefusalTest, SchemaErrorsKeepTheirLines) {
+  Write("a.csv", "1\n");
+  for (const SchemaCase& c : kSchemaCases) {
+    SCOPED_TRACE(c.lines);
+    Write("schema.ini", std::string("[a.csv]\n") + c.lines);
+    ExpectRefused(Run({"describe", "a.csv"}),
+                  std::string("texttables: error: 0x80040311: a.csv\n\t") + c.errors + "\n");
+  }
+}
+
+class EventLogTest : public TexttablesTest {
+ protected:
+  static std::vector<std::string> LinesOf(const std::string& text) {
+    std::vector<std::string> lines;
+    std::istringstream stream(text);
+    for (std::string line; std::getline(stream, line);) lines.push_back(line);
+    return lines;
+  }
+};
+
+TEST_F(EventLogTest, TellsBeginAndEndOfOpeningATable) {
+  Write("a.csv", "Id\n1\n");
+  Output({"--event-log", "log", "count", "a.csv"});
+  const std::vector<std::string> lines = LinesOf(Read("log"));
+  ASSERT_EQ(lines.size(), 2u) << Read("log");
+  const auto begin = nlohmann::ordered_json::parse(lines[0]);
+  const auto end = nlohmann::ordered_json::parse(lines[1]);
+  EXPECT_EQ(begin.dump(), lines[0]) << "keys in their order, no blanks";
+  EXPECT_EQ(begin["event"], "begin");
+  EXPECT_EQ(end["event"], "end");
+  const char* const beginKeys[] = {"event", "type", "name", "text", "context", "argument"};
+  std::size_t place = 0;
+  for (const auto& [key, value] : begin.items()) EXPECT_EQ(key, beginKeys[place++]);
+  EXPECT_EQ(place, 6u);
+  EXPECT_EQ(end.size(), 7u);
+  EXPECT_TRUE(end["seconds"].is_number());
+  EXPECT_GE(end["seconds"].get<double>(), 0.0);
+  for (const auto& event : {begin, end}) {
+    EXPECT_EQ(event["name"], "Korvanet.TextFile.OpenDataset");
+    EXPECT_TRUE(event["type"].is_number_integer());
+    EXPECT_TRUE(event["argument"].is_number_integer());
+  }
+}
+
+TEST_F(EventLogTest, TellsMessagesAndErrors) {
+  Write("a.csv", "N\n1\nabc\n");
+  Write("schema.ini", "[a.csv]\nFormat=CSVDelimited\nColNameHeader=True\nCol1=N Long\n");
+  Run({"rows", "a.csv", "--event-log", "log"});
+  const std::string text =
+      "\"text\":\"In file a.csv, field value abc does not match defined type of field N. "
+      "Update schema.ini file and try again.\"}";
+  int messages = 0;
+  int errors = 0;
+  for (const std::string& line : LinesOf(Read("log"))) {
+    messages += line == "{\"event\":\"message\"," + text;
+    errors += line == "{\"event\":\"error\",\"code\":\"0x80040955\"," + text;
+  }
+  EXPECT_EQ(messages, 1) << Read("log");
+  EXPECT_EQ(errors, 1) << Read("log");
+}
+
+TEST_F(EventLogTest, TellsRefusalsAndReplacesTheFile) {
+  Write("log", "old\n");
+  Run({"--event-log", "log", "list", "nowhere"});
+  EXPECT_EQ(Read("log"), "{\"event\":\"error\",\"code\":\"0x80040258\",\"text\":\"nowhere\"}\n");
+}
+
+TEST_F(EventLogTest, FileThatCannotBeWrittenIsAWrongCommandLine) {
+  ExpectUsageError(Run({"--event-log", "nowhere/log", "locale"}), "nowhere/log");
+}
+
+}  // namespace

@@ -1,0 +1,46 @@
+// Runs a program and collects what it says.
+//
+//   ProcessRequest request;
+//   request.program = PROGRAM_FILE;
+//   request.arguments = {"count", "a.csv"};
+//   const ProcessResult result = RunProcess(request);
+//   EXPECT_EQ(result.output, "2\n");
+#pragma once
+
+#include <chrono>
+#include <cstddef>
+#include <map>
+#include <optional>
+#include <string>
+#include <vector>
+
+struct ProcessRequest {
+  std::string program;                 // a path
+  std::vector<std::string> arguments;  // behind the program's name, as bytes
+  std::string folder;                  // the current folder; empty: the test's own
+  // Set in the program's environment, which is otherwise the test's without its locale variables
+  // and without ours (LC_*, LANG, LANGUAGE, QUENRA_*); LC_ALL is C unless given here.
+  std::map<std::string, std::string> environment;
+  // Standard output or error is a terminal that passes bytes on unchanged.
+  bool outputIsTerminal = false;
+  bool errorsAreTerminal = false;
+  // Standard output is this file instead; ProcessResult::output stays empty.
+  std::string outputFile;
+  // The reader of standard output goes away after so many bytes.
+  std::optional<std::size_t> closeOutputAfter;
+  // Nothing is read from standard output for so long; the program waits once the pipe is full.
+  std::chrono::milliseconds pauseBeforeReading{0};
+  // After the pause the program gets the interrupt that Ctrl+C sends.
+  bool interruptAfterPause = false;
+};
+
+struct ProcessResult {
+  int exitCode = -1;  // -1 when a signal ended the program
+  int signal = 0;     // that signal
+  std::string output;
+  std::string errors;
+};
+
+// Waits for the program's end. Throws std::system_error when it cannot be started. A program that
+// runs longer than a minute is ended by a signal.
+ProcessResult RunProcess(const ProcessRequest& request);
