@@ -32,14 +32,16 @@ bool DelimitedReader::ReadRecord() {
 void DelimitedReader::TakeFields() {
   const char16_t terminator = TerminatorUnit();
   bool quoting = false;
+  bool hasText = false;
   char16_t unit = 0;
   while (TakeCharacter(unit)) {
     if (textDelimiter_ != 0 && unit == textDelimiter_) {
-      quoting = TakeQuote(quoting);
+      quoting = TakeQuote(quoting, hasText);
     } else if (quoting) {
       record_.Append(unit);
     } else if (unit == delimiter_) {
       record_.EndField();
+      hasText = false;
     } else if (unit == terminator) {
       break;
     } else {
@@ -50,11 +52,15 @@ void DelimitedReader::TakeFields() {
 }
 
 // Handles a text delimiter that has just been taken, and answers whether the text behind it is
-// quoted.
-bool DelimitedReader::TakeQuote(bool quoting) {
-  if (!quoting && quenra::IsBlank(record_.OpenField())) {
-    record_.DropOpenField();
-    return true;
+// quoted. `hasText` remembers that the field is more than white space, so that many quotes behind
+// much white space do not make it look at that again and again.
+bool DelimitedReader::TakeQuote(bool quoting, bool& hasText) {
+  if (!quoting && !hasText) {
+    if (quenra::IsBlank(record_.OpenField())) {
+      record_.DropOpenField();
+      return true;
+    }
+    hasText = true;
   }
   if (PeekCharacter() == textDelimiter_) {
     // A doubled quote is one literal quote, inside quotes and outside.

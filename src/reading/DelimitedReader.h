@@ -25,7 +25,7 @@ class DelimitedReader final : public Reader {
   enum class Single { kReject, kAccept };  // a record of one field
 
   void TakeFields();
-  bool TakeQuote(bool quoting);
+  bool TakeQuote(bool quoting, bool& hasText);
   void EndRecord();
   bool Attempt(Single single, SchemaOptions& options, std::vector<FieldDefinition>& fields,
                const OpenOptions& openOptions);
