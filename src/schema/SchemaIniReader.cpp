@@ -48,8 +48,12 @@ KeyAndValue SplitAtEquals(std::u16string_view line) noexcept {
   return {line.substr(0, equals), line.substr(equals + 1)};
 }
 
+bool HasOddQuotes(std::u16string_view text) noexcept {
+  return std::count(text.begin(), text.end(), u'"') % 2 != 0;
+}
+
 bool HasOpenQuote(std::u16string_view line) noexcept {
-  if (std::count(line.begin(), line.end(), u'"') % 2 == 0) return false;
+  if (!HasOddQuotes(line)) return false;
   // The one option whose value is a single quote is complete by itself.
   const KeyAndValue parts = SplitAtEquals(line);
   return quenra::TrimBlanks(parts.key) != u"TextDelimiter" ||
@@ -61,9 +65,12 @@ bool HasOpenQuote(std::u16string_view line) noexcept {
 bool ReadOptionLine(TextLineStream& stream, std::u16string& line) {
   if (!stream.ReadLine(line) || line.starts_with(u'[')) return false;
   std::u16string next;
-  while (HasOpenQuote(line) && stream.ReadLine(next)) {
+  bool open = HasOpenQuote(line);
+  while (open && stream.ReadLine(next)) {
     line += u'\n';
     line += next;
+    // Only what has come is counted, since a quote may stay open for a whole file.
+    if (HasOddQuotes(next)) open = false;
   }
   return true;
 }
