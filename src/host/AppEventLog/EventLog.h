@@ -17,13 +17,13 @@ namespace quenra {
 struct EventLogRecord {
   enum class Kind { kBegin, kEnd, kMessage, kError };
   Kind kind = Kind::kMessage;
-  int type = 0;                  // begin and end: the event type given to the timer
-  int argument = 0;              // begin and end: the timer's last argument
-  std::u16string_view name;      // begin and end: the event's name
-  std::u16string_view text;      // every kind
-  std::u16string_view context;   // begin and end: what the work was done on
-  std::uint32_t code = 0;        // error: the HRESULT
-  double seconds = 0.0;          // end: the time since the begin event
+  int type = 0;                 // begin and end: the event type given to the timer
+  int argument = 0;             // begin and end: the timer's last argument
+  std::u16string_view name;     // begin and end: the event's name
+  std::u16string_view text;     // every kind
+  std::u16string_view context;  // begin and end: what the work was done on
+  std::uint32_t code = 0;       // error: the HRESULT
+  double seconds = 0.0;         // end: the time since the begin event
 };
 
 class EventLog {

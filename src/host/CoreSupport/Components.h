@@ -11,8 +11,9 @@ namespace quenra {
 
 // Creates an object of one of the classes of host/interfaces/HostClasses.h. With an `outer`
 // object only IID_IUnknown may be asked for, and only classes that can be aggregated allow it
-// (CLASS_E_NOAGGREGATION otherwise): of the embedded ones the workspace factory alone. E_POINTER for
-// a null `object`, REGDB_E_CLASSNOTREG for a class that nobody supplies. `*object` is null after any failure; the caller releases it.
+// (CLASS_E_NOAGGREGATION otherwise): of the embedded ones the workspace factory alone. E_POINTER
+// for a null `object`, REGDB_E_CLASSNOTREG for a class that nobody supplies. `*object` is null
+// after any failure; the caller releases it.
 QUENRA_HOST_API HRESULT CreateComponentInstance(const CLSID& classId, IUnknown* outer,
                                                 const IID& interfaceId, void** object) noexcept;
 

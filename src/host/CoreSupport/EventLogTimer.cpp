@@ -30,8 +30,7 @@ EventLogTimer::~EventLogTimer() {
   record.name = name_;
   record.text = endText_;
   record.context = context_;
-  record.seconds =
-      std::chrono::duration<double>(std::chrono::steady_clock::now() - start_).count();
+  record.seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start_).count();
   EventLog::Report(record);
 }
 

@@ -12,9 +12,8 @@ namespace {
 
 // File times count 100 ns from 1601-01-01 UTC.
 std::int64_t UnixSeconds(const FILETIME& time) noexcept {
-  const std::int64_t ticks =
-      static_cast<std::int64_t>((static_cast<std::uint64_t>(time.dwHighDateTime) << 32) |
-                                time.dwLowDateTime);
+  const std::int64_t ticks = static_cast<std::int64_t>(
+      (static_cast<std::uint64_t>(time.dwHighDateTime) << 32) | time.dwLowDateTime);
   return ticks / 10'000'000 - 11'644'473'600;
 }
 

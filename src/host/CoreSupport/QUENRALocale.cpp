@@ -10,8 +10,8 @@ namespace quenra {
 namespace {
 
 std::atomic<LCID> userLocale{LOCALE_USER_DEFAULT};
-std::atomic<UINT> chosenCodePage{0};   // what the application set; 0 is nothing
-std::atomic<UINT> localeCodePage{0};   // that of the locale set with SetLocale; 0 is none
+std::atomic<UINT> chosenCodePage{0};  // what the application set; 0 is nothing
+std::atomic<UINT> localeCodePage{0};  // that of the locale set with SetLocale; 0 is none
 
 // The ANSI code page of a locale; 0 when it has none, as for languages that only Unicode writes.
 UINT AnsiCodePageOf(LCID locale) noexcept {

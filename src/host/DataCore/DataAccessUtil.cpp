@@ -70,8 +70,7 @@ ErrorChain TakeChain() {
 HRESULT DataAccessUtil::ChainError(HRESULT code, const GUID& source,
                                    std::u16string_view text) noexcept {
   try {
-    const ErrorChain chain =
-        NewError(code, source, text, Shorten(TakeChain(), kLongestChain - 1));
+    const ErrorChain chain = NewError(code, source, text, Shorten(TakeChain(), kLongestChain - 1));
     ::SetErrorInfo(0, chain.As<IErrorInfo>().Get());
   } catch (...) {
     // Out of memory: the code alone has to do.

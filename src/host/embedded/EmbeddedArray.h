@@ -5,8 +5,8 @@
 
 #include "host/com/ComPtr.h"
 #include "host/com/Implements.h"
-#include "host/interfaces/HostClasses.h"
 #include "host/interfaces/HostArray.h"
+#include "host/interfaces/HostClasses.h"
 
 namespace quenra {
 

@@ -10,7 +10,8 @@
 
 namespace quenra {
 
-class EmbeddedFieldCollection final : public Implements<HostFieldCollection, HostFieldCollectionEdit> {
+class EmbeddedFieldCollection final
+    : public Implements<HostFieldCollection, HostFieldCollectionEdit> {
  public:
   std::u16string_view ClassName() const noexcept override { return u"EmbeddedFieldCollection"; }
   const CLSID* ClassId() const noexcept override { return &CLSID_HostFieldCollection; }

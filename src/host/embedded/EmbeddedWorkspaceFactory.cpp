@@ -14,8 +14,8 @@ HRESULT STDMETHODCALLTYPE EmbeddedWorkspaceFactory::OpenWorkspace(BSTR path,
   if (path == nullptr) return E_INVALIDARG;
 
   ComPtr<IPlugInWorkspaceFactoryHelper> factory;
-  HRESULT result = ControllingQueryInterface(kInterfaceId<IPlugInWorkspaceFactoryHelper>,
-                                             factory.ReceiveVoid());
+  HRESULT result =
+      ControllingQueryInterface(kInterfaceId<IPlugInWorkspaceFactoryHelper>, factory.ReceiveVoid());
   if (FAILED(result)) return result;
   // Opened for the verdict alone: the workspace object is a view of the folder.
   ComPtr<IPlugInWorkspaceHelper> helper;

@@ -13,8 +13,8 @@ struct HostArray : public IUnknown {
   virtual HRESULT STDMETHODCALLTYPE Add(IUnknown* element) = 0;
 };
 
-inline constexpr IID IID_HostArray =
-    {0x46de2666, 0x7e3f, 0x463c, {0x89, 0xe9, 0x1d, 0xef, 0x34, 0x54, 0xec, 0x0b}};
+inline constexpr IID IID_HostArray = {
+    0x46de2666, 0x7e3f, 0x463c, {0x89, 0xe9, 0x1d, 0xef, 0x34, 0x54, 0xec, 0x0b}};
 template <>
 inline constexpr const IID& kInterfaceId<HostArray> = IID_HostArray;
 

@@ -14,8 +14,8 @@ struct HostClassIdentifier : public IUnknown {
   virtual HRESULT STDMETHODCALLTYPE GetText(BSTR* text) = 0;
 };
 
-inline constexpr IID IID_HostClassIdentifier =
-    {0xd2886d12, 0x9335, 0x49de, {0xb8, 0xf6, 0xb3, 0xf5, 0xc0, 0x05, 0xe4, 0xcf}};
+inline constexpr IID IID_HostClassIdentifier = {
+    0xd2886d12, 0x9335, 0x49de, {0xb8, 0xf6, 0xb3, 0xf5, 0xc0, 0x05, 0xe4, 0xcf}};
 template <>
 inline constexpr const IID& kInterfaceId<HostClassIdentifier> = IID_HostClassIdentifier;
 

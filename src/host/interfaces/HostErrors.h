@@ -19,8 +19,8 @@ struct HostChainedError : public IUnknown {
   virtual HRESULT STDMETHODCALLTYPE GetText(BSTR* text) = 0;
 };
 
-inline constexpr IID IID_HostChainedError =
-    {0x88c996bf, 0x7396, 0x4d29, {0xad, 0xbd, 0xcc, 0x19, 0x75, 0x82, 0x40, 0xa5}};
+inline constexpr IID IID_HostChainedError = {
+    0x88c996bf, 0x7396, 0x4d29, {0xad, 0xbd, 0xcc, 0x19, 0x75, 0x82, 0x40, 0xa5}};
 template <>
 inline constexpr const IID& kInterfaceId<HostChainedError> = IID_HostChainedError;
 

@@ -18,8 +18,8 @@ struct HostField : public IUnknown {
   virtual HRESULT STDMETHODCALLTYPE GetPrecision(LONG* precision) = 0;
 };
 
-inline constexpr IID IID_HostField =
-    {0x7e4d4038, 0x1524, 0x42af, {0xbb, 0xce, 0xde, 0x25, 0xa0, 0x1b, 0x5b, 0x81}};
+inline constexpr IID IID_HostField = {
+    0x7e4d4038, 0x1524, 0x42af, {0xbb, 0xce, 0xde, 0x25, 0xa0, 0x1b, 0x5b, 0x81}};
 template <>
 inline constexpr const IID& kInterfaceId<HostField> = IID_HostField;
 
@@ -32,8 +32,8 @@ struct HostFieldEdit : public IUnknown {
   virtual HRESULT STDMETHODCALLTYPE SetPrecision(LONG precision) = 0;
 };
 
-inline constexpr IID IID_HostFieldEdit =
-    {0x1e86b610, 0x8cf2, 0x4825, {0xbc, 0xb1, 0x76, 0x5d, 0x27, 0x2e, 0xd2, 0x7a}};
+inline constexpr IID IID_HostFieldEdit = {
+    0x1e86b610, 0x8cf2, 0x4825, {0xbc, 0xb1, 0x76, 0x5d, 0x27, 0x2e, 0xd2, 0x7a}};
 template <>
 inline constexpr const IID& kInterfaceId<HostFieldEdit> = IID_HostFieldEdit;
 
@@ -43,8 +43,8 @@ struct HostFieldTag : public IUnknown {
   virtual HRESULT STDMETHODCALLTYPE SetTag(BSTR tag) = 0;
 };
 
-inline constexpr IID IID_HostFieldTag =
-    {0x3e90f681, 0x5042, 0x4860, {0xb5, 0x62, 0xaa, 0x49, 0xe9, 0x3b, 0xd4, 0x0c}};
+inline constexpr IID IID_HostFieldTag = {
+    0x3e90f681, 0x5042, 0x4860, {0xb5, 0x62, 0xaa, 0x49, 0xe9, 0x3b, 0xd4, 0x0c}};
 template <>
 inline constexpr const IID& kInterfaceId<HostFieldTag> = IID_HostFieldTag;
 
@@ -57,8 +57,8 @@ struct HostFieldCollection : public IUnknown {
   virtual HRESULT STDMETHODCALLTYPE FindField(BSTR name, LONG* index) = 0;
 };
 
-inline constexpr IID IID_HostFieldCollection =
-    {0xd439cbff, 0xc9d3, 0x4af2, {0xa2, 0x7f, 0x00, 0xe9, 0xc4, 0x9e, 0x89, 0x55}};
+inline constexpr IID IID_HostFieldCollection = {
+    0xd439cbff, 0xc9d3, 0x4af2, {0xa2, 0x7f, 0x00, 0xe9, 0xc4, 0x9e, 0x89, 0x55}};
 template <>
 inline constexpr const IID& kInterfaceId<HostFieldCollection> = IID_HostFieldCollection;
 
@@ -68,8 +68,8 @@ struct HostFieldCollectionEdit : public IUnknown {
   virtual HRESULT STDMETHODCALLTYPE AddField(HostField* field) = 0;
 };
 
-inline constexpr IID IID_HostFieldCollectionEdit =
-    {0x382668a3, 0x0a63, 0x494f, {0xa3, 0x2b, 0x29, 0xb1, 0xab, 0xd7, 0xb9, 0x68}};
+inline constexpr IID IID_HostFieldCollectionEdit = {
+    0x382668a3, 0x0a63, 0x494f, {0xa3, 0x2b, 0x29, 0xb1, 0xab, 0xd7, 0xb9, 0x68}};
 template <>
 inline constexpr const IID& kInterfaceId<HostFieldCollectionEdit> = IID_HostFieldCollectionEdit;
 

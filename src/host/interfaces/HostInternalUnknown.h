@@ -7,11 +7,10 @@ namespace quenra {
 
 // The object's own unknown, whoever aggregates it: its three IUnknown slots never delegate to
 // an outer object.
-struct IQUENRAInternalUnknown : public IUnknown {
-};
+struct IQUENRAInternalUnknown : public IUnknown {};
 
-inline constexpr IID IID_IQUENRAInternalUnknown =
-    {0xc4636238, 0x6a58, 0x4787, {0x9b, 0x0f, 0x40, 0xb1, 0x06, 0xbe, 0xe1, 0xbc}};
+inline constexpr IID IID_IQUENRAInternalUnknown = {
+    0xc4636238, 0x6a58, 0x4787, {0x9b, 0x0f, 0x40, 0xb1, 0x06, 0xbe, 0xe1, 0xbc}};
 template <>
 inline constexpr const IID& kInterfaceId<IQUENRAInternalUnknown> = IID_IQUENRAInternalUnknown;
 
@@ -22,8 +21,8 @@ struct IHostClassId : public IUnknown {
   virtual HRESULT STDMETHODCALLTYPE GetProgID(BSTR* progId) = 0;
 };
 
-inline constexpr IID IID_IHostClassId =
-    {0x47f6c44f, 0xcea7, 0x4b9b, {0x82, 0xd9, 0x84, 0xe7, 0x42, 0x62, 0x5c, 0x8a}};
+inline constexpr IID IID_IHostClassId = {
+    0x47f6c44f, 0xcea7, 0x4b9b, {0x82, 0xd9, 0x84, 0xe7, 0x42, 0x62, 0x5c, 0x8a}};
 template <>
 inline constexpr const IID& kInterfaceId<IHostClassId> = IID_IHostClassId;
 
@@ -33,8 +32,8 @@ struct ISingleton : public IUnknown {
   virtual HRESULT STDMETHODCALLTYPE DropUnusedInstance() = 0;
 };
 
-inline constexpr IID IID_ISingleton =
-    {0xed2681e6, 0x6505, 0x411d, {0x8d, 0x6e, 0x99, 0xdc, 0x02, 0xc0, 0xe7, 0xdb}};
+inline constexpr IID IID_ISingleton = {
+    0xed2681e6, 0x6505, 0x411d, {0x8d, 0x6e, 0x99, 0xdc, 0x02, 0xc0, 0xe7, 0xdb}};
 template <>
 inline constexpr const IID& kInterfaceId<ISingleton> = IID_ISingleton;
 

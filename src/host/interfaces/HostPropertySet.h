@@ -13,8 +13,8 @@ struct HostPropertySet : public IUnknown {
   virtual HRESULT STDMETHODCALLTYPE GetPropertyCount(LONG* count) = 0;
 };
 
-inline constexpr IID IID_HostPropertySet =
-    {0x2f601c4d, 0x83f2, 0x440f, {0x8b, 0x00, 0x2a, 0x63, 0xab, 0x13, 0xfc, 0x19}};
+inline constexpr IID IID_HostPropertySet = {
+    0x2f601c4d, 0x83f2, 0x440f, {0x8b, 0x00, 0x2a, 0x63, 0xab, 0x13, 0xfc, 0x19}};
 template <>
 inline constexpr const IID& kInterfaceId<HostPropertySet> = IID_HostPropertySet;
 

@@ -1,8 +1,8 @@
 // The host's buffer of one row, handed to a loader.
 #pragma once
 
-#include "host/interfaces/InterfaceId.h"
 #include "host/interfaces/HostFields.h"
+#include "host/interfaces/InterfaceId.h"
 
 namespace quenra {
 
@@ -16,8 +16,8 @@ struct HostRowBuffer : public IUnknown {
   virtual HRESULT STDMETHODCALLTYPE SetValue(LONG index, const VARIANT* value) = 0;
 };
 
-inline constexpr IID IID_HostRowBuffer =
-    {0xca8137a4, 0xea28, 0x4654, {0xa3, 0x64, 0xba, 0x96, 0x10, 0x13, 0xda, 0x3d}};
+inline constexpr IID IID_HostRowBuffer = {
+    0xca8137a4, 0xea28, 0x4654, {0xa3, 0x64, 0xba, 0x96, 0x10, 0x13, 0xda, 0x3d}};
 template <>
 inline constexpr const IID& kInterfaceId<HostRowBuffer> = IID_HostRowBuffer;
 
@@ -27,8 +27,8 @@ struct HostRowBufferEdit : public IUnknown {
   virtual HRESULT STDMETHODCALLTYPE SetFields(HostFieldCollection* fields) = 0;
 };
 
-inline constexpr IID IID_HostRowBufferEdit =
-    {0xb0b38ccf, 0x72f9, 0x4930, {0x98, 0x39, 0x39, 0x5c, 0x94, 0x5e, 0x45, 0x3d}};
+inline constexpr IID IID_HostRowBufferEdit = {
+    0xb0b38ccf, 0x72f9, 0x4930, {0x98, 0x39, 0x39, 0x5c, 0x94, 0x5e, 0x45, 0x3d}};
 template <>
 inline constexpr const IID& kInterfaceId<HostRowBufferEdit> = IID_HostRowBufferEdit;
 

@@ -13,8 +13,8 @@ struct HostTimestampOffset : public IUnknown {
   virtual HRESULT STDMETHODCALLTYPE GetOffsetMinutes(SHORT* offsetMinutes) = 0;
 };
 
-inline constexpr IID IID_HostTimestampOffset =
-    {0xbc759665, 0xafa3, 0x4eda, {0x99, 0x61, 0xd1, 0x43, 0x40, 0xa2, 0x82, 0xf4}};
+inline constexpr IID IID_HostTimestampOffset = {
+    0xbc759665, 0xafa3, 0x4eda, {0x99, 0x61, 0xd1, 0x43, 0x40, 0xa2, 0x82, 0xf4}};
 template <>
 inline constexpr const IID& kInterfaceId<HostTimestampOffset> = IID_HostTimestampOffset;
 

@@ -11,8 +11,8 @@ struct HostWorkspace : public IUnknown {
   virtual HRESULT STDMETHODCALLTYPE WorkspacePath(BSTR* path) = 0;
 };
 
-inline constexpr IID IID_HostWorkspace =
-    {0x33d0f92b, 0x38da, 0x41e4, {0x87, 0x64, 0xa2, 0x5f, 0x67, 0x04, 0xff, 0xa7}};
+inline constexpr IID IID_HostWorkspace = {
+    0x33d0f92b, 0x38da, 0x41e4, {0x87, 0x64, 0xa2, 0x5f, 0x67, 0x04, 0xff, 0xa7}};
 template <>
 inline constexpr const IID& kInterfaceId<HostWorkspace> = IID_HostWorkspace;
 
@@ -22,8 +22,8 @@ struct HostWorkspaceEdit : public IUnknown {
   virtual HRESULT STDMETHODCALLTYPE SetWorkspacePath(BSTR path) = 0;
 };
 
-inline constexpr IID IID_HostWorkspaceEdit =
-    {0xf2100b65, 0x50de, 0x453d, {0x83, 0x16, 0x54, 0x3b, 0x19, 0xd2, 0x1d, 0xe5}};
+inline constexpr IID IID_HostWorkspaceEdit = {
+    0xf2100b65, 0x50de, 0x453d, {0x83, 0x16, 0x54, 0x3b, 0x19, 0xd2, 0x1d, 0xe5}};
 template <>
 inline constexpr const IID& kInterfaceId<HostWorkspaceEdit> = IID_HostWorkspaceEdit;
 
@@ -34,8 +34,8 @@ struct HostWorkspaceFactory : public IUnknown {
   virtual HRESULT STDMETHODCALLTYPE OpenWorkspace(BSTR path, HostWorkspace** workspace) = 0;
 };
 
-inline constexpr IID IID_HostWorkspaceFactory =
-    {0x0d6765c2, 0x56a5, 0x4e91, {0xba, 0xa4, 0x29, 0x61, 0x22, 0xfe, 0x23, 0x30}};
+inline constexpr IID IID_HostWorkspaceFactory = {
+    0x0d6765c2, 0x56a5, 0x4e91, {0xba, 0xa4, 0x29, 0x61, 0x22, 0xfe, 0x23, 0x30}};
 template <>
 inline constexpr const IID& kInterfaceId<HostWorkspaceFactory> = IID_HostWorkspaceFactory;
 

@@ -6,8 +6,8 @@
 //     }
 #pragma once
 
-#include "host/interfaces/InterfaceId.h"
 #include "host/interfaces/HostRowBuffer.h"
+#include "host/interfaces/InterfaceId.h"
 
 namespace quenra {
 
@@ -27,8 +27,8 @@ struct IPlugInCursorHelper : public IUnknown {
   virtual HRESULT STDMETHODCALLTYPE ReadRecordShape(IUnknown* geometry) = 0;
 };
 
-inline constexpr IID IID_IPlugInCursorHelper =
-    {0x68006dda, 0xd135, 0x4274, {0x9f, 0x5a, 0x45, 0x1a, 0x9a, 0x4f, 0x8b, 0x13}};
+inline constexpr IID IID_IPlugInCursorHelper = {
+    0x68006dda, 0xd135, 0x4274, {0x9f, 0x5a, 0x45, 0x1a, 0x9a, 0x4f, 0x8b, 0x13}};
 template <>
 inline constexpr const IID& kInterfaceId<IPlugInCursorHelper> = IID_IPlugInCursorHelper;
 
@@ -38,8 +38,8 @@ struct IPlugInFastQueryValues : public IUnknown {
   virtual HRESULT STDMETHODCALLTYPE ReadRecordValuesFast(HostFieldValue* values) = 0;
 };
 
-inline constexpr IID IID_IPlugInFastQueryValues =
-    {0xb869b4f7, 0xf64c, 0x41fb, {0xaa, 0xb2, 0x9e, 0x1f, 0x13, 0xed, 0x48, 0xf7}};
+inline constexpr IID IID_IPlugInFastQueryValues = {
+    0xb869b4f7, 0xf64c, 0x41fb, {0xaa, 0xb2, 0x9e, 0x1f, 0x13, 0xed, 0x48, 0xf7}};
 template <>
 inline constexpr const IID& kInterfaceId<IPlugInFastQueryValues> = IID_IPlugInFastQueryValues;
 

@@ -1,11 +1,10 @@
-#include "host/AppEventLog/EventLog.h"
-
 #include <atomic>
 #include <stdexcept>
 #include <string>
 #include <thread>
 #include <vector>
 
+#include "host/AppEventLog/EventLog.h"
 #include "host/CoreSupport/EventLogTimer.h"
 #include "tests/host/HostTest.h"
 

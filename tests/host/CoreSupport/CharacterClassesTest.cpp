@@ -1,8 +1,8 @@
-#include "host/CoreSupport/CharacterClasses.h"
-
 #include <gtest/gtest.h>
 
 #include <set>
+
+#include "host/CoreSupport/CharacterClasses.h"
 
 namespace quenra {
 namespace {
@@ -62,8 +62,7 @@ TEST(CharacterClassesTest, UpperCaseIsReachedInOneStep) {
 }
 
 TEST(CharacterClassesTest, WhiteSpaceIsUnicodes) {
-  std::set<unsigned> expected = {0x20,   0x85,   0xA0,   0x1680, 0x2028,
-                                 0x2029, 0x202F, 0x205F, 0x3000};
+  std::set<unsigned> expected = {0x20, 0x85, 0xA0, 0x1680, 0x2028, 0x2029, 0x202F, 0x205F, 0x3000};
   for (unsigned unit = 0x09; unit <= 0x0D; ++unit) expected.insert(unit);
   for (unsigned unit = 0x2000; unit <= 0x200A; ++unit) expected.insert(unit);
   for (unsigned unit = 0; unit <= 0xFFFF; ++unit)

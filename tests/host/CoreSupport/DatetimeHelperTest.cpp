@@ -1,10 +1,10 @@
-#include "host/CoreSupport/DatetimeHelper.h"
-
 #include <gtest/gtest.h>
 
 #include <cmath>
 #include <limits>
 #include <optional>
+
+#include "host/CoreSupport/DatetimeHelper.h"
 
 namespace quenra {
 namespace {
@@ -109,9 +109,9 @@ TEST(DatetimeHelperTest, RoundsToTheNextDay) {
 
 TEST(DatetimeHelperTest, RefusesDatesOutOfRange) {
   SYSTEMTIME time = Time(1, 2, 3);
-  for (const DATE date : {-657435.0, 2958466.0, 2958465.9999999999, 1e300, -1e300,
-                          std::numeric_limits<double>::infinity(),
-                          std::numeric_limits<double>::quiet_NaN()}) {
+  for (const DATE date :
+       {-657435.0, 2958466.0, 2958465.9999999999, 1e300, -1e300,
+        std::numeric_limits<double>::infinity(), std::numeric_limits<double>::quiet_NaN()}) {
     EXPECT_FALSE(DatetimeHelper::FromOADate(date, time)) << date;
     EXPECT_EQ(time.wYear, 1) << date;
   }

@@ -1,5 +1,3 @@
-#include "host/CoreSupport/FileStat.h"
-
 #include <gtest/gtest.h>
 
 #include <boost/filesystem.hpp>
@@ -7,6 +5,7 @@
 #include <fstream>
 #include <string>
 
+#include "host/CoreSupport/FileStat.h"
 #include "platform/FileNames.h"
 
 namespace quenra {

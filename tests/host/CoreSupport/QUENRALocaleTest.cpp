@@ -1,7 +1,6 @@
-#include "host/CoreSupport/QUENRALocale.h"
-
 #include <boost/filesystem.hpp>
 
+#include "host/CoreSupport/QUENRALocale.h"
 #include "platform/CodePages.h"
 #include "platform/FileNames.h"
 #include "platform/OleText.h"

@@ -1,6 +1,6 @@
-#include "host/CoreSupport/String.h"
-
 #include <gtest/gtest.h>
+
+#include "host/CoreSupport/String.h"
 
 namespace quenra {
 namespace {

@@ -1,6 +1,5 @@
-#include "host/CoreSupport/Variant.h"
-
 #include "host/CoreSupport/Components.h"
+#include "host/CoreSupport/Variant.h"
 #include "host/interfaces/HostArray.h"
 #include "host/interfaces/HostClasses.h"
 #include "tests/host/HostTest.h"
@@ -8,9 +7,9 @@
 namespace quenra {
 namespace {
 
-using VariantTest = HostTest;
+using HostVariantTest = HostTest;
 
-TEST_F(VariantTest, BStringKeepsZerosInside) {
+TEST_F(HostVariantTest, BStringKeepsZerosInside) {
   constexpr std::u16string_view kText(u"a\0b", 3);
   BString text(kText);
   EXPECT_EQ(text.View(), kText);
@@ -21,7 +20,7 @@ TEST_F(VariantTest, BStringKeepsZerosInside) {
   EXPECT_NE(copy.Get(), text.Get());
 }
 
-TEST_F(VariantTest, EmptyAndNullTexts) {
+TEST_F(HostVariantTest, EmptyAndNullTexts) {
   const BString null;
   EXPECT_EQ(null.Get(), nullptr);
   EXPECT_EQ(null.View(), u"");
@@ -36,7 +35,7 @@ TEST_F(VariantTest, EmptyAndNullTexts) {
   EXPECT_EQ(null.CopyTo(nullptr), E_POINTER);
 }
 
-TEST_F(VariantTest, BStringMoves) {
+TEST_F(HostVariantTest, BStringMoves) {
   BString from(u"text");
   const BSTR raw = from.Get();
   BString to = std::move(from);
@@ -48,7 +47,7 @@ TEST_F(VariantTest, BStringMoves) {
   ::SysFreeString(detached);
 }
 
-TEST_F(VariantTest, HoldsEachKind) {
+TEST_F(HostVariantTest, HoldsEachKind) {
   EXPECT_EQ(Variant().Type(), VT_EMPTY);
   EXPECT_EQ(Variant(LONG{5}).Get().lVal, 5);
   EXPECT_EQ(Variant(1.5).Get().dblVal, 1.5);
@@ -58,7 +57,7 @@ TEST_F(VariantTest, HoldsEachKind) {
   EXPECT_EQ(Variant(LONG{5}).Text(), u"");
 }
 
-TEST_F(VariantTest, OwnsWhatItHolds) {
+TEST_F(HostVariantTest, OwnsWhatItHolds) {
   ComPtr<HostArray> array;
   ASSERT_EQ(CreateComponentInstance(CLSID_HostArray, array.Receive()), S_OK);
   VARIANT value;
@@ -74,7 +73,7 @@ TEST_F(VariantTest, OwnsWhatItHolds) {
   EXPECT_EQ(References(array.Get()), 1u);
 }
 
-TEST_F(VariantTest, CopiesWhatAReferencePointsAt) {
+TEST_F(HostVariantTest, CopiesWhatAReferencePointsAt) {
   LONG number = 42;
   VARIANT value;
   ::VariantInit(&value);
@@ -87,7 +86,7 @@ TEST_F(VariantTest, CopiesWhatAReferencePointsAt) {
   EXPECT_EQ(copy.Get().lVal, 42);
 }
 
-TEST_F(VariantTest, ConvertsByOleRules) {
+TEST_F(HostVariantTest, ConvertsByOleRules) {
   Variant number;
   EXPECT_EQ(number.ConvertFrom(Variant(u"17").Get(), VT_I4), S_OK);
   EXPECT_EQ(number.Get().lVal, 17);

@@ -1,9 +1,8 @@
-#include "host/DataCore/DataAccessUtil.h"
-
 #include <string>
 #include <thread>
 #include <vector>
 
+#include "host/DataCore/DataAccessUtil.h"
 #include "host/interfaces/HostErrors.h"
 #include "platform/OleText.h"
 #include "tests/host/HostTest.h"
@@ -11,7 +10,8 @@
 namespace quenra {
 namespace {
 
-constexpr GUID kSource = {0xbb82d2c2, 0x6a31, 0x4bf2, {0x95, 0x66, 0x5b, 0x8c, 0x45, 0x06, 0x7a, 0x81}};
+constexpr GUID kSource = {
+    0xbb82d2c2, 0x6a31, 0x4bf2, {0x95, 0x66, 0x5b, 0x8c, 0x45, 0x06, 0x7a, 0x81}};
 constexpr HRESULT kCode = static_cast<HRESULT>(0x80040211u);
 
 ComPtr<IErrorInfo> TakeErrorInfo() {
@@ -27,7 +27,8 @@ std::vector<std::u16string> TextsOf(ComPtr<HostChainedError> error) {
     EXPECT_EQ(error->GetText(text.Receive()), S_OK);
     texts.emplace_back(text.View());
     ComPtr<HostChainedError> next;
-    EXPECT_EQ(error->GetNext(next.Receive()), next ? S_OK : S_FALSE);
+    const HRESULT result = error->GetNext(next.Receive());
+    EXPECT_EQ(result, next ? S_OK : S_FALSE);
     error = std::move(next);
   }
   return texts;
@@ -98,8 +99,7 @@ TEST_F(DataAccessUtilTest, ReadingStartsAnotherChain) {
   DataAccessUtil::ChainError(kCode, kSource, u"old");
   const ComPtr<IErrorInfo> old = TakeErrorInfo();
   DataAccessUtil::ChainError(kCode, kSource, u"new");
-  EXPECT_EQ(TextsOf(TakeErrorInfo().As<HostChainedError>()),
-            (std::vector<std::u16string>{u"new"}));
+  EXPECT_EQ(TextsOf(TakeErrorInfo().As<HostChainedError>()), (std::vector<std::u16string>{u"new"}));
 }
 
 TEST_F(DataAccessUtilTest, KeepsTheNewest64) {

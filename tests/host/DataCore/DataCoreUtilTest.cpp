@@ -1,7 +1,6 @@
-#include "host/DataCore/DataCoreUtil.h"
-
 #include <cstdlib>
 
+#include "host/DataCore/DataCoreUtil.h"
 #include "tests/host/HostTest.h"
 
 namespace quenra {

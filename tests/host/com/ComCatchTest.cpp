@@ -1,10 +1,10 @@
-#include "host/com/ComCatch.h"
-
 #include <gtest/gtest.h>
 
 #include <boost/filesystem/exception.hpp>
 #include <new>
 #include <stdexcept>
+
+#include "host/com/ComCatch.h"
 
 namespace quenra {
 namespace {

@@ -1,11 +1,10 @@
-#include "host/com/Unknown.h"
-
 #include <memory>
 #include <thread>
 #include <vector>
 
 #include "host/com/Implements.h"
 #include "host/com/ProgIds.h"
+#include "host/com/Unknown.h"
 #include "host/interfaces/PlugInDataset.h"
 #include "tests/host/HostTest.h"
 
@@ -254,7 +253,8 @@ TEST_F(UnknownTest, ComPtrKeepsCount) {
     ComPtr<Gauge> moved = std::move(copy);
     EXPECT_FALSE(copy);  // NOLINT(bugprone-use-after-move): moves leave the source empty
     EXPECT_EQ(gauge->ReferenceCount(), 2u);
-    moved = moved;
+    const ComPtr<Gauge>& itself = moved;
+    moved = itself;
     EXPECT_EQ(gauge->ReferenceCount(), 2u);
     Gauge* const detached = moved.Detach();
     EXPECT_FALSE(moved);

@@ -1,9 +1,8 @@
 // The table of the host's classes, and what every object of it has in common.
-#include "host/CoreSupport/Components.h"
-
 #include <stdexcept>
 #include <vector>
 
+#include "host/CoreSupport/Components.h"
 #include "host/interfaces/HostArray.h"
 #include "host/interfaces/HostClassIdentifier.h"
 #include "host/interfaces/HostClasses.h"
@@ -27,8 +26,10 @@ struct ComponentCase {
 };
 
 const ComponentCase kComponents[] = {
-    {"field collection", CLSID_HostFieldCollection,
-     {IID_HostFieldCollection, IID_HostFieldCollectionEdit}, false},
+    {"field collection",
+     CLSID_HostFieldCollection,
+     {IID_HostFieldCollection, IID_HostFieldCollectionEdit},
+     false},
     {"field", CLSID_HostField, {IID_HostField, IID_HostFieldEdit, IID_HostFieldTag}, false},
     {"array", CLSID_HostArray, {IID_HostArray}, false},
     {"property set", CLSID_HostPropertySet, {IID_HostPropertySet}, false},
@@ -58,9 +59,9 @@ TEST_F(ComponentsTest, EveryClassAnswersItsInterfacesWithOneIdentity) {
   for (const ComponentCase& component : kComponents) {
     SCOPED_TRACE(component.name);
     ComPtr<IUnknown> object;
-    ASSERT_EQ(CreateComponentInstance(component.classId, nullptr, IID_IUnknown,
-                                      object.ReceiveVoid()),
-              S_OK);
+    ASSERT_EQ(
+        CreateComponentInstance(component.classId, nullptr, IID_IUnknown, object.ReceiveVoid()),
+        S_OK);
     EXPECT_EQ(References(object.Get()), 1u);
     for (const IID& iid : component.interfaces) {
       ComPtr<IUnknown> face;
@@ -86,9 +87,9 @@ TEST_F(ComponentsTest, OnlyTheWorkspaceFactoryCanBeAggregated) {
     SCOPED_TRACE(component.name);
     SilentOuter outer;
     ComPtr<IUnknown> object;
-    EXPECT_EQ(CreateComponentInstance(component.classId, &outer, IID_IUnknown,
-                                      object.ReceiveVoid()),
-              component.aggregatable ? S_OK : CLASS_E_NOAGGREGATION);
+    EXPECT_EQ(
+        CreateComponentInstance(component.classId, &outer, IID_IUnknown, object.ReceiveVoid()),
+        component.aggregatable ? S_OK : CLASS_E_NOAGGREGATION);
     EXPECT_EQ(static_cast<bool>(object), component.aggregatable);
     void* face = &face;
     EXPECT_EQ(CreateComponentInstance(component.classId, &outer, component.interfaces[0], &face),
@@ -101,8 +102,7 @@ TEST_F(ComponentsTest, OnlyTheWorkspaceFactoryCanBeAggregated) {
 
 TEST_F(ComponentsTest, RefusesUnknownClassesInterfacesAndNullResults) {
   void* object = &object;
-  EXPECT_EQ(CreateComponentInstance(kNoClass, nullptr, IID_IUnknown, &object),
-            REGDB_E_CLASSNOTREG);
+  EXPECT_EQ(CreateComponentInstance(kNoClass, nullptr, IID_IUnknown, &object), REGDB_E_CLASSNOTREG);
   EXPECT_EQ(object, nullptr);
   object = &object;
   EXPECT_EQ(CreateComponentInstance(CLSID_HostArray, nullptr, IID_HostField, &object),

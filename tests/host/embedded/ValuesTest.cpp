@@ -65,9 +65,9 @@ class EmbeddedRowBufferTest : public HostTest {
   static ComPtr<HostFieldCollection> MakeFields(int count) {
     const auto fields = Make<HostFieldCollection>(CLSID_HostFieldCollection);
     for (int i = 0; i < count; ++i)
-      EXPECT_EQ(fields.As<HostFieldCollectionEdit>()->AddField(
-                    Make<HostField>(CLSID_HostField).Get()),
-                S_OK);
+      EXPECT_EQ(
+          fields.As<HostFieldCollectionEdit>()->AddField(Make<HostField>(CLSID_HostField).Get()),
+          S_OK);
     return fields;
   }
 };
