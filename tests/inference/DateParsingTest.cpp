@@ -1,5 +1,3 @@
-#include "inference/DateParsing.h"
-
 #include <gtest/gtest.h>
 
 #include <cstdint>
@@ -13,6 +11,7 @@
 #include <utility>
 
 #include "host/CoreSupport/CharacterClasses.h"
+#include "inference/DateParsing.h"
 #include "support/ShowText.h"
 
 namespace TextFile {
@@ -363,8 +362,7 @@ TEST(DateParsingTest, ConvertsByTheType) {
   EXPECT_EQ(Value(time, DateOrder::kAny, kNew, u"10:30Z"), "none");
   EXPECT_EQ(Value(time, DateOrder::kAny, kNew, u"10:30 "), "none");
   EXPECT_EQ(Value(time, DateOrder::kAny, kNew, u"2020-01-05 10:30"), "none");
-  EXPECT_EQ(Value(offset, kYmd, kNew, u"2020-01-05T10:30:00+02:00"),
-            "2020-01-05 10:30:00.000 120");
+  EXPECT_EQ(Value(offset, kYmd, kNew, u"2020-01-05T10:30:00+02:00"), "2020-01-05 10:30:00.000 120");
   EXPECT_EQ(Value(offset, kYmd, kNew, u"2020-01-05T10:30:00"), "2020-01-05 10:30:00.000 0")
       << "the offset may be missing";
   EXPECT_EQ(Value(offset, kYmd, kNew, u"2020-01-05T10:30:00+02:00Z"), "none");
@@ -375,8 +373,8 @@ TEST(DateParsingTest, ConvertsByTheType) {
 
 TEST(DateParsingTest, FractionsCountByTheirCharacters) {
   const auto milliseconds = [](std::u16string_view fraction) {
-    const std::string shown = Value(FieldType::kDate, kYmd, kNew,
-                                    u"2020-01-05 10:30:15." + std::u16string(fraction));
+    const std::string shown =
+        Value(FieldType::kDate, kYmd, kNew, u"2020-01-05 10:30:15." + std::u16string(fraction));
     return shown == "none" ? shown : shown.substr(shown.size() - 3);
   };
   EXPECT_EQ(milliseconds(u"5"), "500");
@@ -475,9 +473,9 @@ TEST(DateParsingTest, PartsMoveThePositionBehindWhatTheyRead) {
 
 constexpr int DaysIn(int year, int month) {
   const bool leap = (year % 4 == 0 && year % 100 != 0) || year % 400 == 0;
-  return month == 2 ? (leap ? 29 : 28) : month == 4 || month == 6 || month == 9 || month == 11
-                                             ? 30
-                                             : 31;
+  return month == 2                                              ? (leap ? 29 : 28)
+         : month == 4 || month == 6 || month == 9 || month == 11 ? 30
+                                                                 : 31;
 }
 
 TEST(DateParsingTest, EveryDayIsReadBackInEachOrderWithEachSeparator) {
@@ -518,11 +516,10 @@ TEST(DateParsingTest, EveryDayIsReadBackInEachOrderWithEachSeparator) {
 TEST(DateParsingTest, EverySecondOfADayIsReadBack) {
   for (int second = 0; second < 86400; ++second) {
     char printed[20];
-    std::snprintf(printed, sizeof(printed), "%02d:%02d:%02d.%03d", second / 3600,
-                  second / 60 % 60, second % 60, second % 1000);
+    std::snprintf(printed, sizeof(printed), "%02d:%02d:%02d.%03d", second / 3600, second / 60 % 60,
+                  second % 60, second % 1000);
     const std::string text(static_cast<const char*>(printed));
-    ASSERT_EQ(Value(FieldType::kTimeOnly, DateOrder::kAny, kNew, Wide(text)),
-              "0000-00-00 " + text);
+    ASSERT_EQ(Value(FieldType::kTimeOnly, DateOrder::kAny, kNew, Wide(text)), "0000-00-00 " + text);
   }
 }
 
@@ -659,9 +656,12 @@ class Reference {
 };
 
 TEST(DateParsingTest, ChangedDatesAgreeWithTheReference) {
-  constexpr std::u16string_view kSeeds[] = {
-      u"2020-01-05T10:30:15.5+02:00", u"5.1.20", u"12/11/10 9:08:07 -1:30", u"05.. 01.. 2020. ",
-      u"T10:30:15Z",                  u"1-2-3 4:. 5:. 6.. 7 +8:. 9"};
+  constexpr std::u16string_view kSeeds[] = {u"2020-01-05T10:30:15.5+02:00",
+                                            u"5.1.20",
+                                            u"12/11/10 9:08:07 -1:30",
+                                            u"05.. 01.. 2020. ",
+                                            u"T10:30:15Z",
+                                            u"1-2-3 4:. 5:. 6.. 7 +8:. 9"};
   constexpr std::u16string_view kUnits = u"0123459-./:+ TZ.  x\t";
   std::mt19937 random(1);
   int dates = 0;
@@ -706,8 +706,7 @@ TEST(DateParsingTest, RandomTextsNeverCrashAndClassifiedOnesConvert) {
     DateClass found;
     if (!ClassifyDate(text, kNew, true, found)) continue;
     for (const DateOrder order : {kMdy, kDmy, kYmd}) {
-      const bool expected =
-          found.type == FieldType::kTimeOnly || found.orders.Contains(order);
+      const bool expected = found.type == FieldType::kTimeOnly || found.orders.Contains(order);
       ASSERT_EQ(Value(found.type, order, kNew, text) != "none", expected) << Show(text);
     }
   }

@@ -1,5 +1,3 @@
-#include "inference/NumberParsing.h"
-
 #include <gtest/gtest.h>
 
 #include <charconv>
@@ -13,6 +11,7 @@
 #include <vector>
 
 #include "host/CoreSupport/CharacterClasses.h"
+#include "inference/NumberParsing.h"
 #include "support/LocaleScope.h"
 #include "support/ShowText.h"
 
@@ -372,8 +371,8 @@ TEST_F(NumberParsingTest, ConvertsNumbersOfManyDigits) {
   EXPECT_EQ(value.integer, 7);
   ASSERT_TRUE(NumberFormat::Convert(point_, u"1." + zeros + u"1", FieldType::kDouble, value));
   EXPECT_EQ(value.real, 1.0);
-  ASSERT_TRUE(NumberFormat::Convert(point_, u"0." + zeros.substr(0, 299) + u"1",
-                                    FieldType::kDouble, value));
+  ASSERT_TRUE(NumberFormat::Convert(point_, u"0." + zeros.substr(0, 299) + u"1", FieldType::kDouble,
+                                    value));
   EXPECT_EQ(value.real, 1e-300);
   const std::u16string nines(400, u'9');
   EXPECT_FALSE(NumberFormat::Convert(point_, nines, FieldType::kDouble, value));
@@ -482,7 +481,8 @@ TEST_F(NumberParsingTest, RandomTextsClassifyOnlyAsWhatTheyConvertTo) {
   std::u16string text;
   for (int n = 0; n < 200000; ++n) {
     text.clear();
-    for (auto length = random() % 12; length > 0; --length) text += kUnits[random() % kUnits.size()];
+    for (auto length = random() % 12; length > 0; --length)
+      text += kUnits[random() % kUnits.size()];
     for (const NumberFormat::Settings& settings : {point_, comma_}) {
       const FieldType type = NumberFormat::Classify(settings, text, kNew);
       ASSERT_TRUE(type == kNone || type == FieldType::kInteger || type == FieldType::kBigInteger ||
@@ -490,8 +490,7 @@ TEST_F(NumberParsingTest, RandomTextsClassifyOnlyAsWhatTheyConvertTo) {
           << Show(text);
       if (type == kNone) continue;
       NumberValue value;
-      ASSERT_TRUE(
-          NumberFormat::Convert(settings, quenra::TrimWhiteSpace(text), type, value))
+      ASSERT_TRUE(NumberFormat::Convert(settings, quenra::TrimWhiteSpace(text), type, value))
           << Show(text);
     }
   }
