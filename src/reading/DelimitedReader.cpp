@@ -48,11 +48,13 @@ DelimitedReader::Step DelimitedReader::TakePlainField() {
   const char16_t* const text = line();
   const std::size_t begin = cursor();
   const char16_t* hit = FindEither(text + begin, delimiter_, textDelimiter_);
-  while (*hit != delimiter_ && *hit != 0) {
+  if (*hit != delimiter_ && *hit != 0) {
     const auto quote = static_cast<std::size_t>(hit - text);
     if (quote == begin) return TakeQuotedField(quote);
-    const bool opens = quenra::IsBlank({text + begin, quote - begin});
-    if (opens || hit[1] == textDelimiter_) return Step::kUndecided;
+    if (quenra::IsBlank({text + begin, quote - begin})) return Step::kUndecided;
+  }
+  while (*hit != delimiter_ && *hit != 0) {
+    if (hit[1] == textDelimiter_) return Step::kUndecided;
     hit = FindEither(hit + 1, delimiter_, textDelimiter_);
   }
   return EndPlainField(begin, static_cast<std::size_t>(hit - text));
@@ -91,10 +93,11 @@ DelimitedReader::Step DelimitedReader::EndPlainField(std::size_t begin, std::siz
 DelimitedReader::Step DelimitedReader::TakeFieldExactly() {
   const char16_t terminator = TerminatorUnit();
   bool quoting = false;
+  bool hasText = false;
   char16_t unit = 0;
   while (TakeCharacter(unit)) {
     if (textDelimiter_ != 0 && unit == textDelimiter_) {
-      quoting = TakeQuote(quoting);
+      quoting = TakeQuote(quoting, hasText);
     } else if (quoting) {
       record_.Append(unit);
     } else if (unit == delimiter_) {
@@ -111,11 +114,15 @@ DelimitedReader::Step DelimitedReader::TakeFieldExactly() {
 }
 
 // Handles a text delimiter that has just been taken, and answers whether the text behind it is
-// quoted.
-bool DelimitedReader::TakeQuote(bool quoting) {
-  if (!quoting && quenra::IsBlank(record_.OpenField())) {
-    record_.DropOpenField();
-    return true;
+// quoted. `hasText` remembers that the field is more than white space, so that many quotes behind
+// much white space do not make it look at that again and again.
+bool DelimitedReader::TakeQuote(bool quoting, bool& hasText) {
+  if (!quoting && !hasText) {
+    if (quenra::IsBlank(record_.OpenField())) {
+      record_.DropOpenField();
+      return true;
+    }
+    hasText = true;
   }
   if (PeekCharacter() == textDelimiter_) {
     // A doubled quote is one literal quote, inside quotes and outside.

@@ -35,7 +35,7 @@ class DelimitedReader final : public Reader {
   Step TakeQuotedField(std::size_t quote);
   Step EndPlainField(std::size_t begin, std::size_t end);
   Step TakeFieldExactly();
-  bool TakeQuote(bool quoting);
+  bool TakeQuote(bool quoting, bool& hasText);
   void EndRecord();
   bool Attempt(Single single, SchemaOptions& options, std::vector<FieldDefinition>& fields,
                const OpenOptions& openOptions);

@@ -6,6 +6,7 @@
 
 #include "schema/SchemaIniReader.h"
 #include "schema/SchemaIniWriter.h"
+#include "support/SectionText.h"
 #include "support/TemporaryFolder.h"
 #include "support/UserLocale.h"
 #include "support/Utf16Bytes.h"
