@@ -1,3 +1,4 @@
+#include "host/CoreSupport/Variant.h"
 #include "RowSlots.h"
 
 #include <algorithm>
@@ -59,7 +60,7 @@ RowSlots::RowSlots(std::size_t count) : values_(count) {
 
 void RowSlots::Clear() noexcept {
   for (quenra::HostFieldValue& slot : values_)
-    if (slot.value.vt != VT_EMPTY) ::VariantClear(&slot.value);
+    quenra::ClearVariant(slot.value);
 }
 
 }  // namespace TextTables

@@ -5,6 +5,7 @@
 #include "host/CoreSupport/CharacterClasses.h"
 #include "host/CoreSupport/Components.h"
 #include "host/CoreSupport/DatetimeHelper.h"
+#include "host/CoreSupport/Variant.h"
 #include "host/interfaces/HostClasses.h"
 #include "host/interfaces/HostTimestampOffset.h"
 #include "inference/NumberParsing.h"
@@ -95,7 +96,7 @@ void RowConverter::MakePlan() {
 
 std::size_t RowConverter::Convert(const Record& record) {
   if (!messages_.empty()) messages_.clear();
-  for (VARIANT& value : row_) ::VariantClear(&value);
+  for (VARIANT& value : row_) quenra::ClearVariant(value);
 
   std::size_t field = 0;
   for (std::size_t column = 0; column < record.size() && field < plan_.size(); ++column) {

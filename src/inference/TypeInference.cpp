@@ -17,6 +17,9 @@ constexpr std::size_t kDefaultUpperLimit = 100;  // rows
 constexpr std::size_t kLowerLimit = 10;          // rows, while a column is still open
 constexpr std::size_t kLowerLimitWhenDeclared = 1;
 
+// How dates with an offset are written, whatever the table's dates look like.
+constexpr std::u16string_view kTimestampPattern = u"yyyy-MM-ddTHH:mm:ss";
+
 // The type of a column that has seen values of both types.
 FieldType Merge(FieldType column, FieldType value) noexcept {
   if (column == FieldType::kUndetermined) return value;
@@ -282,6 +285,7 @@ FieldDefinition TypeInference::MakeField(const ColumnState& column, std::size_t 
     field.dateFormat.version = openOptions_.fieldTypeVersion;
     field.dateFormat.type = field.type;
     field.dateFormat.fractionalSeconds = column.fractionalSeconds;
+    if (field.type == FieldType::kTimestampOffset) field.dateFormat.pattern = kTimestampPattern;
     if (!column.HasDatePattern()) {
       const DateOrder single = column.dateOrders.Single();
       field.dateFormat.order = single != DateOrder::kAny ? single : LocaleDateOrder();

@@ -17,6 +17,9 @@ class DelimitedReader final : public Reader {
 
   bool ReadRecord() override;
 
+  // Splits character by character only, for comparison with the way that looks for delimiters.
+  void SplitExactly() noexcept { exact_ = true; }
+
   // Tries the current delimiter, then ",", ";", tab, "|" and blank.
   bool Scan(SchemaOptions& options, std::vector<FieldDefinition>& fields,
             const OpenOptions& openOptions) override;
@@ -24,14 +27,22 @@ class DelimitedReader final : public Reader {
  private:
   enum class Single { kReject, kAccept };  // a record of one field
 
-  void TakeFields();
-  bool TakeQuote(bool quoting);
+  // What a step of splitting has come to.
+  enum class Step { kField, kRecord, kUndecided };
+
+  Step TakeField();
+  Step TakePlainField();
+  Step TakeQuotedField(std::size_t quote);
+  Step EndPlainField(std::size_t begin, std::size_t end);
+  Step TakeFieldExactly();
+  bool TakeQuote(bool quoting, bool& hasText);
   void EndRecord();
   bool Attempt(Single single, SchemaOptions& options, std::vector<FieldDefinition>& fields,
                const OpenOptions& openOptions);
   bool TryDelimiter(char16_t candidate, Single single, SchemaOptions& options,
                     std::vector<FieldDefinition>& fields, const OpenOptions& openOptions);
 
+  bool exact_ = false;
   char16_t delimiter_;
   char16_t textDelimiter_;  // 0: no quoting
 };

@@ -61,7 +61,9 @@ inline constexpr std::int32_t kDefaultTextWidth = 8000;
 struct DateFieldFormat {
   FieldType type = FieldType::kDate;  // kDate, kDateOnly, kTimeOnly or kTimestampOffset
   DateOrder order = DateOrder::kAny;
-  std::u16string pattern;  // such as u"dd.MM.yyyy HH:mm"; empty when the column has none of its own
+  // Such as u"dd.MM.yyyy HH:mm"; empty when the column has none of its own. That of dates with an
+  // offset is always the same.
+  std::u16string pattern;
   std::uint32_t version = kCurrentFieldTypeVersion;
   bool fractionalSeconds = false;  // the scanned rows held fractions of a second
 };

@@ -28,6 +28,12 @@ bool IsHeaderOf(std::u16string_view header, std::u16string_view name) noexcept {
          quenra::DataCoreUtil::CompareFoldCase(header.substr(1, name.size()), name);
 }
 
+// Whether a file's name can stand in a header line and be read back.
+bool FitsHeader(std::u16string_view name) noexcept {
+  constexpr std::u16string_view kUnreadable(u"\0\n\x1A", 3);
+  return IsWellFormedText(name) && name.find_first_of(kUnreadable) == std::u16string_view::npos;
+}
+
 [[noreturn]] void Fail(std::u16string_view reason) {
   throw SchemaIniFailure{std::u16string(reason)};
 }
@@ -71,7 +77,7 @@ const SectionLines* SchemaIniFile::Find(std::u16string_view name) const noexcept
 }
 
 void SchemaIniFile::Replace(std::u16string_view name, SectionLines lines) {
-  if (!IsWellFormedText(name)) Fail(kNameNotText);
+  if (!FitsHeader(name)) Fail(kNameNotText);
   std::u16string header = HeaderLine(name);
   const auto isNamed = [&](const Section& section) { return IsHeaderOf(section.header, name); };
   const auto found = std::find_if(sections_.begin(), sections_.end(), isNamed);
@@ -84,7 +90,7 @@ void SchemaIniFile::Replace(std::u16string_view name, SectionLines lines) {
 }
 
 void SchemaIniFile::Duplicate(std::u16string_view name, std::u16string_view newName) {
-  if (!IsWellFormedText(newName)) Fail(kNameNotText);
+  if (!FitsHeader(newName)) Fail(kNameNotText);
   const auto found = std::find_if(sections_.begin(), sections_.end(), [&](const Section& section) {
     return IsHeaderOf(section.header, name);
   });
@@ -98,7 +104,7 @@ void SchemaIniFile::Remove(std::u16string_view name) {
 }
 
 void SchemaIniFile::Rename(std::u16string_view name, std::u16string_view newName) {
-  if (!IsWellFormedText(newName)) Fail(kNameNotText);
+  if (!FitsHeader(newName)) Fail(kNameNotText);
   for (Section& section : sections_)
     if (IsHeaderOf(section.header, name)) section.header = HeaderLine(newName);
 }
