@@ -52,7 +52,7 @@ void AppendPlainValue(Output& output, const VARIANT& value, LONG fieldType) {
 
 std::u16string ConvertedText(const VARIANT& value) {
   quenra::Variant text;
-  if (FAILED(::VariantChangeType(text.Receive(), &value, 0, VT_BSTR))) return {};
+  if (FAILED(text.ConvertFrom(value, VT_BSTR))) return {};
   return std::u16string(text.Text());
 }
 

@@ -24,7 +24,12 @@
 #include <unknwn.h>
 #include <windows.h>
 
-#define PLATFORM_API
+// What is not the system's own exists once in a process, in the shared host library.
+#ifdef QUENRA_HOST_BUILD
+#define PLATFORM_API __declspec(dllexport)
+#else
+#define PLATFORM_API __declspec(dllimport)
+#endif
 
 #else
 

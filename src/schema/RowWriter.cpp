@@ -47,7 +47,10 @@ bool IsNull(const VARIANT& value) noexcept { return value.vt == VT_NULL || value
 
 // The value as another variant type, by the rules of OLE with no locale's habits.
 bool ChangeType(const VARIANT& value, VARTYPE type, quenra::Variant& changed) {
-  return SUCCEEDED(::VariantChangeTypeEx(changed.Receive(), &value, LOCALE_INVARIANT, 0, type));
+  // The call's parameter is not const, though it reads alone.
+  VARIANT shallow = value;
+  return SUCCEEDED(
+      ::VariantChangeTypeEx(changed.Receive(), &shallow, LOCALE_INVARIANT, 0, type));
 }
 
 VARTYPE VariantTypeOf(FieldType type) noexcept {
@@ -253,7 +256,7 @@ void RowWriter::AppendValue(const Column& column, const VARIANT& value) {
 bool RowWriter::FormatValue(const Column& column, const VARIANT& value) {
   if ((value.vt & VT_BYREF) != 0) {
     quenra::Variant direct;
-    return SUCCEEDED(::VariantCopyInd(direct.Receive(), &value)) &&
+    return SUCCEEDED(direct.CopyFrom(value)) &&
            (IsNull(direct.Get()) || FormatValue(column, direct.Get()));
   }
   switch (column.type) {

@@ -1,6 +1,5 @@
 #include "server/ClassTable.h"
 
-#include "host/com/ProgIds.h"
 #include "host/interfaces/DataSourceClasses.h"
 #include "plugin/TextFileNativeType.h"
 #include "plugin/TextFileWorkspaceFactory.h"
@@ -22,22 +21,30 @@ std::vector<ClassEntry> MakeTable() {
                    u"TextFileWorkspaceFactory",
                    u"Text File Workspace Factory",
                    NewFactory<SingletonClassFactory<TextFileWorkspaceFactory>>(),
-                   {CATID_PlugInWorkspaceFactories}});
+                   {CATID_PlugInWorkspaceFactories},
+                   ThreadingModel::kApartment,
+                   nullptr});
   table.push_back({CLSID_TextFileNativeType,
                    u"TextFileNativeType",
                    u"Text File Native Type",
                    NewFactory<ClassFactory<TextFileNativeType>>(),
-                   {CATID_NativeTypes}});
-  for (const ClassEntry& entry : table) RegisterProgId(entry.classId, VersionedProgId(entry));
+                   {CATID_NativeTypes},
+                   ThreadingModel::kApartment,
+                   nullptr});
   return table;
 }
 
 }  // namespace
 
-std::u16string VersionedProgId(const ClassEntry& entry) {
+std::u16string ProgId(const ClassEntry& entry) {
   std::u16string text(kProgIdPrefix);
   text += u'.';
   text += entry.name;
+  return text;
+}
+
+std::u16string VersionedProgId(const ClassEntry& entry) {
+  std::u16string text = ProgId(entry);
   text += u'.';
   for (const char digit : std::to_string(kProgIdVersion)) text += static_cast<char16_t>(digit);
   return text;

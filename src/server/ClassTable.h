@@ -14,13 +14,24 @@ namespace quenra {
 inline constexpr std::u16string_view kProgIdPrefix = u"quenraDataSourcesFile";
 inline constexpr int kProgIdVersion = 1;
 
+// How the system's class loader may share a class's objects among threads. The values are those of
+// the registration scheme.
+enum class ThreadingModel { kApartment = 0, kFree = 1, kBoth = 2 };
+
 struct ClassEntry {
   CLSID classId;
   std::u16string_view name;  // also the class's part of its ProgIDs
   std::u16string_view description;
   ComPtr<IClassFactory> factory;
-  std::vector<CATID> categories;  // the component categories that the class implements
+  std::vector<GUID> categories;  // the component categories that the class implements
+  // A workspace factory belongs to one thread, and what it creates is used by that thread alone:
+  // open options, datasets and cursors carry no locks. An apartment of one thread is that promise.
+  ThreadingModel threadingModel = ThreadingModel::kApartment;
+  const GUID* typeLibrary = nullptr;  // null: the class has none
 };
+
+// "quenraDataSourcesFile.<name>", which stands for the newest version
+std::u16string ProgId(const ClassEntry& entry);
 
 // "quenraDataSourcesFile.<name>.1"
 std::u16string VersionedProgId(const ClassEntry& entry);

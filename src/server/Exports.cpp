@@ -3,6 +3,7 @@
 #include "host/com/LiveObjects.h"
 #include "host/interfaces/HostInternalUnknown.h"
 #include "server/ClassTable.h"
+#include "server/Registration.h"
 
 using quenra::ClassEntry;
 using quenra::ComPtr;
@@ -36,7 +37,14 @@ STDAPI DllRegisterServer() { return S_OK; }
 
 STDAPI DllUnregisterServer() { return S_OK; }
 
-// There is no registration yet: hosts are told so, instead of believing that entries were written.
-STDAPI quenraDllRegisterServer() { return E_NOTIMPL; }
+STDAPI quenraDllRegisterServer() try {
+  return quenra::RegisterClasses();
+} catch (...) {
+  return E_FAIL;
+}
 
-STDAPI quenraDllUnregisterServer() { return E_NOTIMPL; }
+STDAPI quenraDllUnregisterServer() try {
+  return quenra::UnregisterClasses();
+} catch (...) {
+  return SELFREG_E_CLASS;
+}

@@ -3,6 +3,7 @@
 #include "host/interfaces/HostClasses.h"
 #include "host/interfaces/HostInternalUnknown.h"
 #include "module/ModuleTest.h"
+#include "support/TestRegistry.h"
 
 namespace quenra::test {
 namespace {
@@ -180,6 +181,8 @@ TEST_F(IdentityTest, NativeType) {
 }
 
 TEST_F(IdentityTest, ClassesReportTheirIdentifiersAndProgIds) {
+  const TestRegistry registry;
+  ASSERT_EQ(module_->Call("quenraDllRegisterServer"), S_OK);
   HRESULT result = E_FAIL;
   const auto factory = Factory();
   CLSID classId{};
@@ -193,6 +196,10 @@ TEST_F(IdentityTest, ClassesReportTheirIdentifiersAndProgIds) {
   EXPECT_TRUE(IsEqualCLSID(classId, CLSID_TextFileNativeType));
   EXPECT_EQ(ProgIdOf(type.Get(), result), "quenraDataSourcesFile.TextFileNativeType.1");
   EXPECT_EQ(result, S_OK);
+
+  ASSERT_EQ(module_->Call("quenraDllUnregisterServer"), S_OK);
+  EXPECT_EQ(ProgIdOf(type.Get(), result), "");
+  EXPECT_EQ(result, REGDB_E_CLASSNOTREG);
 }
 
 TEST_F(IdentityTest, ErrorInformationIsSupportedForEveryInterface) {

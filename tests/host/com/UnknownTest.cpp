@@ -2,10 +2,11 @@
 #include <thread>
 #include <vector>
 
+#include "host/CoreSupport/GuidText.h"
 #include "host/com/Implements.h"
-#include "host/com/ProgIds.h"
 #include "host/com/Unknown.h"
 #include "host/interfaces/PlugInDataset.h"
+#include "support/TestRegistry.h"
 #include "tests/host/HostTest.h"
 
 namespace quenra {
@@ -174,7 +175,9 @@ TEST_F(UnknownTest, TearOffKeepsTheObjectAliveAndItsIdentity) {
 }
 
 TEST_F(UnknownTest, ClassIdTearOffNamesTheClass) {
-  RegisterProgId(kGaugeClass, u"workshop.Gauge.1");
+  const test::TestRegistry registry;
+  const std::u16string classKey = u"CLSID\\" + GuidText(kGaugeClass);
+  registry.Write(classKey + u"\\ProgID", u"workshop.Gauge.1");
   GaugeOptions options;
   options.classId = &kGaugeClass;
   const ComPtr<Gauge> gauge = MakeObject<Gauge>(options);
@@ -188,6 +191,10 @@ TEST_F(UnknownTest, ClassIdTearOffNamesTheClass) {
   EXPECT_EQ(progId.View(), u"workshop.Gauge.1");
   EXPECT_EQ(identity->GetClassID(nullptr), E_POINTER);
   EXPECT_EQ(identity->GetProgID(nullptr), E_POINTER);
+  ::RegDeleteKeyW(HKEY_CLASSES_ROOT, AsOle((classKey + u"\\ProgID").c_str()));
+  ::RegDeleteKeyW(HKEY_CLASSES_ROOT, AsOle(classKey.c_str()));
+  EXPECT_EQ(identity->GetProgID(progId.Receive()), REGDB_E_CLASSNOTREG);
+  EXPECT_EQ(progId.Get(), nullptr);
 }
 
 TEST_F(UnknownTest, ClassIdTearOffFailsWithoutClass) {

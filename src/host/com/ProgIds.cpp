@@ -1,11 +1,8 @@
-// On Windows: the registry.
 #include "host/com/ProgIds.h"
 
-#ifdef _WIN32
+#include "platform/Registry.h"
 
 namespace quenra {
-
-void RegisterProgId(const CLSID&, std::u16string_view) {}
 
 HRESULT ProgIdOfClass(const CLSID& classId, BSTR* progId) noexcept {
   *progId = nullptr;
@@ -18,5 +15,3 @@ HRESULT ProgIdOfClass(const CLSID& classId, BSTR* progId) noexcept {
 }
 
 }  // namespace quenra
-
-#endif

@@ -1,0 +1,124 @@
+#include "server/Registration.h"
+
+#include "host/CoreSupport/GuidText.h"
+#include "host/interfaces/DataSourceClasses.h"
+#include "platform/ComponentCategories.h"
+#include "platform/Modules.h"
+#include "platform/OleText.h"
+#include "resources/ResourceStrings.h"
+#include "server/ClassTable.h"
+#include "server/RegistryKeys.h"
+
+namespace quenra {
+namespace {
+
+constexpr char16_t kErrorLookupName[] = u"Error Lookup Service";
+
+std::u16string ClassKey(const ClassEntry& entry) { return u"CLSID\\" + GuidText(entry.classId); }
+
+const char16_t* NameOf(ThreadingModel model) {
+  switch (model) {
+    case ThreadingModel::kFree:
+      return u"Free";
+    case ThreadingModel::kBoth:
+      return u"Both";
+    case ThreadingModel::kApartment:
+      break;
+  }
+  return u"Apartment";
+}
+
+// Empty when the file has no name, or one that the registry's readers have no room for.
+std::u16string ModuleFileName() {
+  char16_t name[MAX_PATH + 1] = {};
+  const DWORD length = ::GetModuleFileNameW(OwnModule(), AsOle(name), MAX_PATH + 1);
+  return length <= MAX_PATH ? std::u16string(name, length) : std::u16string();
+}
+
+// Writes texts until one is refused; that first answer is kept.
+class Writer {
+ public:
+  void Text(const std::u16string& path, const std::u16string& name, const std::u16string& text) {
+    if (Done()) result_ = WriteRegistryText(path, name, text);
+  }
+  void Default(const std::u16string& path, const std::u16string& text) { Text(path, {}, text); }
+  void Key(const std::u16string& path) {
+    if (Done()) result_ = CreateRegistryKey(path);
+  }
+  bool Done() const { return result_ == static_cast<LSTATUS>(ERROR_SUCCESS); }
+
+ private:
+  LSTATUS result_ = static_cast<LSTATUS>(ERROR_SUCCESS);
+};
+
+void WriteServer(Writer& writer, const ClassEntry& entry, const std::u16string& moduleFile) {
+  const std::u16string key = ClassKey(entry);
+  writer.Default(key, std::u16string(entry.description));
+  writer.Default(key + u"\\InprocServer32", moduleFile);
+  writer.Text(key + u"\\InprocServer32", u"ThreadingModel", NameOf(entry.threadingModel));
+}
+
+void WriteProgIds(Writer& writer, const ClassEntry& entry) {
+  const std::u16string key = ClassKey(entry);
+  const std::u16string classId = GuidText(entry.classId);
+  const std::u16string progId = ProgId(entry);
+  const std::u16string versioned = VersionedProgId(entry);
+  writer.Default(progId, progId);
+  writer.Default(progId + u"\\CLSID", classId);
+  writer.Default(progId + u"\\CurVer", versioned);
+  writer.Default(versioned, versioned);
+  writer.Default(versioned + u"\\CLSID", classId);
+  writer.Default(key + u"\\VersionIndependentProgID", progId);
+  writer.Default(key + u"\\ProgID", versioned);
+  if (entry.typeLibrary != nullptr)
+    writer.Default(key + u"\\TypeLib", GuidText(*entry.typeLibrary));
+}
+
+bool WriteCategories(const ClassEntry& entry) {
+  for (const GUID& category : entry.categories)
+    if (FAILED(RegisterImplementedCategory(entry.classId, category))) return false;
+  return true;
+}
+
+void WriteExtendedErrors(Writer& writer, const ClassEntry& entry) {
+  const std::u16string key = ClassKey(entry) + u"\\ExtendedErrors";
+  writer.Key(key);
+  writer.Default(key + u'\\' + GuidText(CLSID_ErrorLookupService), kErrorLookupName);
+}
+
+bool WriteClass(const ClassEntry& entry, const std::u16string& moduleFile) {
+  Writer writer;
+  WriteServer(writer, entry, moduleFile);
+  WriteProgIds(writer, entry);
+  if (!writer.Done() || !WriteCategories(entry)) return false;
+  WriteExtendedErrors(writer, entry);
+  return writer.Done();
+}
+
+bool RemoveClass(const ClassEntry& entry) {
+  bool done = true;
+  for (const GUID& category : entry.categories)
+    if (FAILED(UnregisterImplementedCategory(entry.classId, category))) done = false;
+  for (const std::u16string& key : {ClassKey(entry), ProgId(entry), VersionedProgId(entry)})
+    if (DeleteRegistryTree(key) != static_cast<LSTATUS>(ERROR_SUCCESS)) done = false;
+  return done;
+}
+
+}  // namespace
+
+HRESULT RegisterClasses() {
+  const std::u16string moduleFile = ModuleFileName();
+  if (moduleFile.empty()) return E_FAIL;
+  for (const ClassEntry& entry : CreatableClasses())
+    if (!WriteClass(entry, moduleFile)) return SELFREG_E_CLASS;
+  return S_OK;
+}
+
+HRESULT UnregisterClasses() {
+  HRESULT result = S_OK;
+  for (const ClassEntry& entry : CreatableClasses())
+    if (!RemoveClass(entry)) result = SELFREG_E_CLASS;
+  return result;
+}
+
+}  // namespace quenra
