@@ -74,10 +74,9 @@ OptionMap ReadOptions(TextLineStream& stream) {
   while (ReadOptionLine(stream, line)) {
     if (line.empty()) continue;
     const KeyAndValue parts = SplitAtEquals(line);
-    const bool inserted = options
-                              .emplace(quenra::TrimWhiteSpace(parts.key),
-                                       quenra::TrimWhiteSpace(parts.value))
-                              .second;
+    const bool inserted =
+        options.emplace(quenra::TrimWhiteSpace(parts.key), quenra::TrimWhiteSpace(parts.value))
+            .second;
     if (!inserted) throw ParseError(ParseErrorCode::kDuplicateOption, line);
   }
   return options;
