@@ -425,6 +425,33 @@ TEST_F(TextLineStreamTest, AgreesWithPlainReadingOfRandomBytes) {
   }
 }
 
+TEST_F(TextLineStreamTest, LinesAreTheSameAfterARewindAnywhere) {
+  const std::string files[] = {
+      "a\r\nb\r\n\x1A"s + "c\nd\n",
+      "\xEF\xBB\xBF"
+      "a\nb\xFF\n\nc",
+      Utf16File(u"a\r\nb\u010A\r\n\x1A\nc"),
+      "a\rb\n\r\nc",
+      "\xFE\xFF\0a"s,
+  };
+  for (const std::string& file : files) {
+    TextLineStream whole;
+    whole.Open(Source(file), TextLineStream::kTerminateLines);
+    const Texts expected = ReadAll(whole);
+    for (std::size_t block = 1; block <= file.size(); ++block) {
+      for (std::size_t before = 0; before <= expected.size() + 1; ++before) {
+        TextLineStream stream;
+        stream.Open(Source(file), TextLineStream::kTerminateLines, block);
+        std::u16string line;
+        for (std::size_t i = 0; i < before; ++i) stream.ReadLine(line);
+        stream.Rewind();
+        EXPECT_EQ(stream.AtEnd(), expected.empty());
+        EXPECT_EQ(ReadAll(stream), expected) << "block size " << block << " after " << before;
+      }
+    }
+  }
+}
+
 TEST_F(TextLineStreamTest, LongLineComesWhole) {
   const std::string bytes(3 * TextLineStream::kDefaultBlockSize + 7, 'x');
   const Texts lines = Lines(bytes + "\ny\n");
