@@ -285,6 +285,9 @@ TEST_F(TextLineStreamTest, AnsiIsTheCodePageOfTheApplication) {
   EXPECT_EQ(Lines("\xB3\n"), (Texts{u"\u0142"}));
   ASSERT_TRUE(quenra::QUENRALocale::SetAnsiCodePage(1251));
   EXPECT_EQ(Lines("\xE6\n"), (Texts{u"\u0436"}));
+  // Two bytes a character, of which the second may look like ASCII.
+  ASSERT_TRUE(quenra::QUENRALocale::SetAnsiCodePage(932));
+  EXPECT_EQ(Lines("a\x83\x65z\n"), (Texts{u"a\u30C6z"}));
   ASSERT_TRUE(quenra::QUENRALocale::SetAnsiCodePage(1252));
   EXPECT_EQ(Lines("\x80\n"), (Texts{u"\u20AC"}));
 }
