@@ -48,29 +48,28 @@ KeyAndValue SplitAtEquals(std::u16string_view line) noexcept {
   return {line.substr(0, equals), line.substr(equals + 1)};
 }
 
-bool HasOddQuotes(std::u16string_view text) noexcept {
-  return std::count(text.begin(), text.end(), u'"') % 2 != 0;
+bool HoldsOddQuotes(std::u16string_view line) noexcept {
+  return std::count(line.begin(), line.end(), u'"') % 2 != 0;
 }
 
-bool HasOpenQuote(std::u16string_view line) noexcept {
-  if (!HasOddQuotes(line)) return false;
-  // The one option whose value is a single quote is complete by itself.
+// The one option whose value is a single quote; its line is complete by itself.
+bool IsQuoteAsTextDelimiter(std::u16string_view line) noexcept {
   const KeyAndValue parts = SplitAtEquals(line);
-  return quenra::TrimBlanks(parts.key) != u"TextDelimiter" ||
-         quenra::TrimBlanks(parts.value) != u"\"";
+  return quenra::TrimBlanks(parts.key) == u"TextDelimiter" &&
+         quenra::TrimBlanks(parts.value) == u"\"";
 }
 
 // The next line of the section; a quoted value may span lines. False at the next section's header
 // and at the end.
 bool ReadOptionLine(TextLineStream& stream, std::u16string& line) {
   if (!stream.ReadLine(line) || line.starts_with(u'[')) return false;
+  // Each line is counted once: an open quote may run to the end of a file of any length.
+  bool open = HoldsOddQuotes(line) && !IsQuoteAsTextDelimiter(line);
   std::u16string next;
-  bool open = HasOpenQuote(line);
   while (open && stream.ReadLine(next)) {
     line += u'\n';
     line += next;
-    // Only what has come is counted, since a quote may stay open for a whole file.
-    if (HasOddQuotes(next)) open = false;
+    open = !HoldsOddQuotes(next);
   }
   return true;
 }
@@ -81,10 +80,9 @@ OptionMap ReadOptions(TextLineStream& stream) {
   while (ReadOptionLine(stream, line)) {
     if (line.empty()) continue;
     const KeyAndValue parts = SplitAtEquals(line);
-    const bool inserted = options
-                              .emplace(quenra::TrimWhiteSpace(parts.key),
-                                       quenra::TrimWhiteSpace(parts.value))
-                              .second;
+    const bool inserted =
+        options.emplace(quenra::TrimWhiteSpace(parts.key), quenra::TrimWhiteSpace(parts.value))
+            .second;
     if (!inserted) throw ParseError(ParseErrorCode::kDuplicateOption, line);
   }
   return options;
