@@ -10,7 +10,7 @@
 #include "inference/MismatchReport.h"
 #include "inference/RowConverter.h"
 #include "reading/ReaderFactory.h"
-#include "support/LocaleScope.h"
+#include "support/UserLocale.h"
 #include "support/OpenedTable.h"
 #include "support/OrdinaryUser.h"
 #include "support/TemporaryFolder.h"
@@ -64,7 +64,7 @@ class MismatchReportTest : public ::testing::Test {
     return RecordMismatch(Table(), mismatch);
   }
 
-  LocaleScope locale_{u"en-US"};
+  UserLocale locale_{u"en-US"};
   TemporaryFolder folder_;
   std::vector<std::u16string> events_;
 };
