@@ -1,4 +1,3 @@
-#include "host/CoreSupport/Variant.h"
 #include "RowSlots.h"
 
 #include <algorithm>
@@ -6,6 +5,7 @@
 
 #include "Failures.h"
 #include "TextEncoding.h"
+#include "host/CoreSupport/Variant.h"
 
 namespace TextTables {
 
@@ -59,8 +59,7 @@ RowSlots::RowSlots(std::size_t count) : values_(count) {
 }
 
 void RowSlots::Clear() noexcept {
-  for (quenra::HostFieldValue& slot : values_)
-    quenra::ClearVariant(slot.value);
+  for (quenra::HostFieldValue& slot : values_) quenra::ClearVariant(slot.value);
 }
 
 }  // namespace TextTables

@@ -186,8 +186,7 @@ bool ClassifyAs(FieldType type, std::u16string_view text, std::uint32_t version,
        {DateOrder::kYearMonthDay, DateOrder::kDayMonthYear, DateOrder::kMonthDayYear}) {
     Scanner scanner(text, 0);
     ParsedDateTime value;
-    if (!TakeDate(scanner, order, value.time) || !TakeRest(scanner, type, version, value))
-      continue;
+    if (!TakeDate(scanner, order, value.time) || !TakeRest(scanner, type, version, value)) continue;
     found.orders.Add(order);
     found.fractionalSeconds = value.fractionalSeconds;
   }

@@ -122,7 +122,8 @@ bool FromPlainInteger(const PlainNumber& number, NumberValue& value) noexcept {
   if (number.hasDecimalSymbol) return false;
   const auto magnitude = static_cast<std::int64_t>(number.digits);
   const std::int64_t integer = number.negative ? -magnitude : magnitude;
-  if (integer < std::numeric_limits<Integer>::min() || integer > std::numeric_limits<Integer>::max())
+  if (integer < std::numeric_limits<Integer>::min() ||
+      integer > std::numeric_limits<Integer>::max())
     return false;
   value.integer = integer;
   return true;
@@ -138,8 +139,9 @@ bool FromPlainReal(const PlainNumber& number, const Real (&powers)[Powers],
   return true;
 }
 
-constexpr double kPowersOfTen[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,  1e8,  1e9,  1e10, 1e11,
-                                   1e12, 1e13, 1e14, 1e15, 1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
+constexpr double kPowersOfTen[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
+                                   1e8,  1e9,  1e10, 1e11, 1e12, 1e13, 1e14, 1e15,
+                                   1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
 constexpr float kSinglePowersOfTen[] = {1e0F, 1e1F, 1e2F, 1e3F, 1e4F, 1e5F,
                                         1e6F, 1e7F, 1e8F, 1e9F, 1e10F};
 

@@ -140,8 +140,7 @@ void RowConverter::ConvertField(std::size_t field, std::size_t column, std::u16s
 }
 
 // A number that the type cannot hold is delivered as the Double that it is, and reported.
-void RowConverter::ConvertNumber(std::size_t field, std::size_t column,
-                                 std::u16string_view text) {
+void RowConverter::ConvertNumber(std::size_t field, std::size_t column, std::u16string_view text) {
   const NumberFormat::Settings& settings = table_->options.number;
   NumberValue number;
   if (NumberFormat::Convert(settings, text, plan_[field].type, number)) {
@@ -155,8 +154,7 @@ void RowConverter::ConvertNumber(std::size_t field, std::size_t column,
   }
 }
 
-void RowConverter::ConvertDouble(std::size_t field, std::size_t column,
-                                 std::u16string_view text) {
+void RowConverter::ConvertDouble(std::size_t field, std::size_t column, std::u16string_view text) {
   NumberValue number;
   double amount = 0;
   if (NumberFormat::Convert(table_->options.number, text, FieldType::kDouble, number)) {

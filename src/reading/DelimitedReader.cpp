@@ -25,7 +25,7 @@ bool DelimitedReader::ReadRecord() {
   for (;;) {
     record_.Clear();
     BeginRecord();
-    while (TakeField() == Step::kField) {
+    while (TakeFields() == Step::kField) {
     }
     if (!record_.empty()) return true;
     if (StreamAtEnd()) return false;
@@ -33,59 +33,62 @@ bool DelimitedReader::ReadRecord() {
   }
 }
 
-// Takes the next field of the record. Most fields are a part of their line: those are found by
-// looking for the next delimiter. Everything else is left to the exact way, which takes one
-// character after the other; both stop at the same place with the same text.
-DelimitedReader::Step DelimitedReader::TakeField() {
+// Takes fields up to the end of the record, or at least one. Most fields are a part of their line:
+// those are found by looking for the next delimiter. Everything else is left to the exact way,
+// which takes one character after the other; both stop at the same place with the same text.
+DelimitedReader::Step DelimitedReader::TakeFields() {
   if (exact_ || !EnsureLine() || !RecordIsInOneLine()) return TakeFieldExactly();
-  const Step step = TakePlainField();
+  const Step step = TakePlainFields();
   return step == Step::kUndecided ? TakeFieldExactly() : step;
 }
 
-// Takes a field that is quoted from its first character to its last, or not quoted at all; single
-// text delimiters inside unquoted text are characters. Undecided, and nothing is taken, for others.
-DelimitedReader::Step DelimitedReader::TakePlainField() {
+// Takes the fields of the line that are not quoted, or from their first character to their last;
+// single text delimiters inside unquoted text are characters. Undecided in front of any other field.
+DelimitedReader::Step DelimitedReader::TakePlainFields() {
   const char16_t* const text = line();
-  const std::size_t begin = cursor();
+  std::size_t begin = cursor();
+  for (;;) {
+    const PlainField field = FindPlainField(text, begin);
+    if (field.step == Step::kUndecided) {
+      SetCursor(begin);
+      return Step::kUndecided;
+    }
+    if (field.step == Step::kRecord) {
+      UseUpLine();
+      // A record of one empty field is a blank line.
+      if (!record_.empty() || field.length > 0)
+        record_.AddFromLine(text, field.begin, field.length);
+      return Step::kRecord;
+    }
+    record_.AddFromLine(text, field.begin, field.length);
+    begin = field.next;
+  }
+}
+
+// The field at `begin`, or undecided when it has to be put together.
+inline DelimitedReader::PlainField DelimitedReader::FindPlainField(
+    const char16_t* text, std::size_t begin) const noexcept {
   const char16_t* hit = FindEither(text + begin, delimiter_, textDelimiter_);
   if (*hit != delimiter_ && *hit != 0) {
     const auto quote = static_cast<std::size_t>(hit - text);
-    if (quote == begin) return TakeQuotedField(quote);
-    if (quenra::IsBlank({text + begin, quote - begin})) return Step::kUndecided;
+    if (quote == begin) return FindQuotedField(text, quote);
+    if (quenra::IsBlank({text + begin, quote - begin})) return {Step::kUndecided};
+    while (*hit != delimiter_ && *hit != 0) {
+      if (hit[1] == textDelimiter_) return {Step::kUndecided};
+      hit = FindEither(hit + 1, delimiter_, textDelimiter_);
+    }
   }
-  while (*hit != delimiter_ && *hit != 0) {
-    if (hit[1] == textDelimiter_) return Step::kUndecided;
-    hit = FindEither(hit + 1, delimiter_, textDelimiter_);
-  }
-  return EndPlainField(begin, static_cast<std::size_t>(hit - text));
+  const auto end = static_cast<std::size_t>(hit - text);
+  return {*hit == 0 ? Step::kRecord : Step::kField, begin, end - begin, end + 1};
 }
 
-DelimitedReader::Step DelimitedReader::TakeQuotedField(std::size_t quote) {
-  const char16_t* const text = line();
+DelimitedReader::PlainField DelimitedReader::FindQuotedField(const char16_t* text,
+                                                             std::size_t quote) const noexcept {
   const char16_t* const close = FindEither(text + quote + 1, textDelimiter_, textDelimiter_);
-  if (*close == 0 || (close[1] != delimiter_ && close[1] != 0)) return Step::kUndecided;
+  if (*close == 0 || (close[1] != delimiter_ && close[1] != 0)) return {Step::kUndecided};
   const auto end = static_cast<std::size_t>(close - text);
-  if (*(close + 1) == delimiter_) {
-    record_.AddFromLine(text, quote + 1, end - quote - 1);
-    SetCursor(end + 2);
-    return Step::kField;
-  }
-  UseUpLine();
-  if (!record_.empty() || end > quote + 1) record_.AddFromLine(text, quote + 1, end - quote - 1);
-  return Step::kRecord;
-}
-
-// The field [begin, end) of the line, ended by a delimiter or by the line's end. A record of one
-// empty field is a blank line.
-DelimitedReader::Step DelimitedReader::EndPlainField(std::size_t begin, std::size_t end) {
-  if (line()[end] != 0) {
-    record_.AddFromLine(line(), begin, end - begin);
-    SetCursor(end + 1);
-    return Step::kField;
-  }
-  UseUpLine();
-  if (!record_.empty() || end > begin) record_.AddFromLine(line(), begin, end - begin);
-  return Step::kRecord;
+  const Step step = close[1] == 0 ? Step::kRecord : Step::kField;
+  return {step, quote + 1, end - quote - 1, end + 2};
 }
 
 // Takes the characters of one field, up to a delimiter or record terminator outside quotes or to

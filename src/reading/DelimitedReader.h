@@ -30,10 +30,18 @@ class DelimitedReader final : public Reader {
   // What a step of splitting has come to.
   enum class Step { kField, kRecord, kUndecided };
 
-  Step TakeField();
-  Step TakePlainField();
-  Step TakeQuotedField(std::size_t quote);
-  Step EndPlainField(std::size_t begin, std::size_t end);
+  // A field that is the part [begin, begin + length) of its line; the next one begins at `next`.
+  struct PlainField {
+    Step step;
+    std::size_t begin = 0;
+    std::size_t length = 0;
+    std::size_t next = 0;
+  };
+
+  Step TakeFields();
+  Step TakePlainFields();
+  PlainField FindPlainField(const char16_t* text, std::size_t begin) const noexcept;
+  PlainField FindQuotedField(const char16_t* text, std::size_t quote) const noexcept;
   Step TakeFieldExactly();
   bool TakeQuote(bool quoting, bool& hasText);
   void EndRecord();

@@ -4,9 +4,9 @@
 //   record[0];            // u"a"
 //
 // A field is either a part of the line that was read last, referred to where it stands, or a text
-// that had to be put together (a doubled quote, a line end inside quotes). Those stand in one buffer
-// that is used again for the next row, so after the first rows a record allocates nothing, however
-// many fields it has.
+// that had to be put together (a doubled quote, a line end inside quotes). Those stand in one
+// buffer that is used again for the next row, so after the first rows a record allocates nothing,
+// however many fields it has.
 #pragma once
 
 #include <cstddef>
@@ -77,10 +77,10 @@ class Record {
   }
 
   std::vector<Field> fields_;
-  std::u16string text_;  // the fields that are no parts of the line, and the open field
-  std::size_t open_ = 0;  // where the open field begins in text_
+  std::u16string text_;             // the fields that are no parts of the line, and the open field
+  std::size_t open_ = 0;            // where the open field begins in text_
   const char16_t* line_ = nullptr;  // what the other fields are parts of
-  std::u16string kept_;  // a copy of that line, for records that go on behind it
+  std::u16string kept_;             // a copy of that line, for records that go on behind it
 };
 
 }  // namespace TextFile

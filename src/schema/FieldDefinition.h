@@ -74,10 +74,10 @@ struct FieldDefinition {
   std::int32_t width = kDefaultTextWidth;  // UTF-16 code units; schema.ini may say anything
   bool hasWidth = false;                   // a Width clause was read, or a width was assigned
   DateFieldFormat dateFormat;
-  bool isCoordinate = false;           // a virtual coordinate field
-  bool isPair = false;                 // a virtual coordinate field parsed from two text columns
-  std::int32_t coordinateFormat = 0;   // on the text column: LatLongFormat's code of its notation
-  bool hasDatePrecision = false;       // created by the host with precision 1
+  bool isCoordinate = false;          // a virtual coordinate field
+  bool isPair = false;                // a virtual coordinate field parsed from two text columns
+  std::int32_t coordinateFormat = 0;  // on the text column: LatLongFormat's code of its notation
+  bool hasDatePrecision = false;      // created by the host with precision 1
 };
 
 }  // namespace TextFile

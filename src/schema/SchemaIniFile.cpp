@@ -19,9 +19,7 @@ constexpr std::u16string_view kCouldNotWriteTemporary = u"Could not write to tem
 constexpr std::u16string_view kCouldNotRead = u"Could not read schema.ini.";
 constexpr std::u16string_view kNameNotText = u"The file's name cannot be written to schema.ini.";
 
-std::u16string HeaderLine(std::u16string_view name) {
-  return u'[' + std::u16string(name) + u']';
-}
+std::u16string HeaderLine(std::u16string_view name) { return u'[' + std::u16string(name) + u']'; }
 
 bool IsHeaderOf(std::u16string_view header, std::u16string_view name) noexcept {
   return header.size() == name.size() + 2 && header.back() == u']' &&
@@ -100,7 +98,8 @@ void SchemaIniFile::Duplicate(std::u16string_view name, std::u16string_view newN
 }
 
 void SchemaIniFile::Remove(std::u16string_view name) {
-  std::erase_if(sections_, [&](const Section& section) { return IsHeaderOf(section.header, name); });
+  std::erase_if(sections_,
+                [&](const Section& section) { return IsHeaderOf(section.header, name); });
 }
 
 void SchemaIniFile::Rename(std::u16string_view name, std::u16string_view newName) {

@@ -70,9 +70,10 @@ std::u16string PatternClause(std::u16string_view pattern) {
   return u" \"" + text.substr(0, blank) + u"\" " + text.substr(blank + 1);
 }
 
-// Quotes keep blanks in a name, and white space at its ends.
+// Quotes keep blanks and line ends in a name, and white space at its ends.
 bool NeedsQuotes(std::u16string_view name) noexcept {
-  return name.find(u' ') != std::u16string_view::npos || quenra::TrimWhiteSpace(name) != name;
+  return name.find_first_of(u" \r\n") != std::u16string_view::npos ||
+         quenra::TrimWhiteSpace(name) != name;
 }
 
 std::u16string ColumnLine(const FieldDefinition& field, std::u16string_view tableFormat) {
@@ -114,8 +115,7 @@ void AddCurrencyLines(const CurrencySettings& currency, SectionText& text) {
   const auto given = [&](CurrencySettings::Option option) {
     return (currency.specified & option) != 0;
   };
-  if (given(CurrencySettings::kSymbol))
-    text.Line(u"CurrencySymbol", currency.symbol);
+  if (given(CurrencySettings::kSymbol)) text.Line(u"CurrencySymbol", currency.symbol);
   if (given(CurrencySettings::kPositiveFormat))
     text.Line(u"CurrencyPosFormat", currency.positiveFormat);
   if (given(CurrencySettings::kDigits)) text.Number(u"CurrencyDigits", currency.digits);
@@ -131,8 +131,7 @@ void AddCurrencyLines(const CurrencySettings& currency, SectionText& text) {
 
 SectionLines SchemaSectionLines(const SchemaOptions& options) {
   SectionText text;
-  if (options.IsSpecified(SchemaOptions::kFormat))
-    text.Line(u"Format", FormatOf(options));
+  if (options.IsSpecified(SchemaOptions::kFormat)) text.Line(u"Format", FormatOf(options));
   if (options.IsSpecified(SchemaOptions::kColNameHeader))
     text.Flag(u"ColNameHeader", options.columnNameHeader);
   if (options.IsSpecified(SchemaOptions::kMaxScanRows))

@@ -4,7 +4,7 @@
 #include <string_view>
 
 #include "inference/CoordinateColumns.h"
-#include "support/LocaleScope.h"
+#include "support/UserLocale.h"
 #include "support/OpenedTable.h"
 #include "support/TemporaryFolder.h"
 
@@ -46,7 +46,7 @@ class CoordinateColumnsTest : public ::testing::Test {
     return row + '\n';
   }
 
-  LocaleScope locale_{u"en-US"};
+  UserLocale locale_{u"en-US"};
   TemporaryFolder folder_;
 };
 

@@ -482,15 +482,15 @@ TEST(DateParsingTest, EveryDayIsReadBackInEachOrderWithEachSeparator) {
   for (const int year : {1900, 1999, 2000, 2023, 2024}) {
     for (int month = 1; month <= 12; ++month) {
       for (int day = 1; day <= DaysIn(year, month); ++day) {
-        char expected[40];
+        char expected[64];
         std::snprintf(expected, sizeof(expected), "%04d-%02d-%02d 00:00:00.000", year, month, day);
         for (const char separator : {'-', '.', '/'}) {
           for (const DateOrder order : {kMdy, kDmy, kYmd}) {
             const int first = order == kMdy ? month : order == kDmy ? day : year;
             const int second = order == kDmy || order == kYmd ? month : day;
             const int third = order == kYmd ? day : year;
-            char padded[40];
-            char plain[40];
+            char padded[64];
+            char plain[64];
             std::snprintf(padded, sizeof(padded), "%02d%c%02d%c%02d", first, separator, second,
                           separator, third);
             std::snprintf(plain, sizeof(plain), "%d%c%d%c%d", first, separator, second, separator,
@@ -515,7 +515,7 @@ TEST(DateParsingTest, EveryDayIsReadBackInEachOrderWithEachSeparator) {
 
 TEST(DateParsingTest, EverySecondOfADayIsReadBack) {
   for (int second = 0; second < 86400; ++second) {
-    char printed[20];
+    char printed[64];
     std::snprintf(printed, sizeof(printed), "%02d:%02d:%02d.%03d", second / 3600, second / 60 % 60,
                   second % 60, second % 1000);
     const std::string text(static_cast<const char*>(printed));

@@ -11,7 +11,7 @@
 
 #include "inference/DateParsing.h"
 #include "inference/NumberParsing.h"
-#include "support/LocaleScope.h"
+#include "support/UserLocale.h"
 #include "support/OpenedTable.h"
 #include "support/TemporaryFolder.h"
 
@@ -193,7 +193,7 @@ constexpr std::u16string_view kPools[][6] = {
 };
 
 TEST(InferenceReferenceTest, RandomTablesAgreeWithTheRules) {
-  const LocaleScope locale(u"en-US");
+  const UserLocale locale(u"en-US");
   const TemporaryFolder folder;
   std::mt19937 random(20200105);
   int opened = 0;

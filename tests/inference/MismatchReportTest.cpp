@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include <filesystem>
+#include <boost/filesystem.hpp>
 #include <fstream>
 #include <string>
 #include <string_view>
@@ -10,7 +10,7 @@
 #include "inference/MismatchReport.h"
 #include "inference/RowConverter.h"
 #include "reading/ReaderFactory.h"
-#include "support/LocaleScope.h"
+#include "support/UserLocale.h"
 #include "support/OpenedTable.h"
 #include "support/OrdinaryUser.h"
 #include "support/TemporaryFolder.h"
@@ -64,7 +64,7 @@ class MismatchReportTest : public ::testing::Test {
     return RecordMismatch(Table(), mismatch);
   }
 
-  LocaleScope locale_{u"en-US"};
+  UserLocale locale_{u"en-US"};
   TemporaryFolder folder_;
   std::vector<std::u16string> events_;
 };
@@ -175,13 +175,13 @@ TEST_F(MismatchReportTest, AFolderThatCannotBeWrittenIsToldApart) {
   EXPECT_EQ(RecordMismatch(missing, At(0, kText)), MismatchOutcome::kNotWritten);
   EXPECT_FALSE(folder_.Exists("missing"));
 
-  std::filesystem::create_directory(folder_.Native("schema.ini"));
+  boost::filesystem::create_directory(folder_.Native("schema.ini"));
   EXPECT_EQ(RecordMismatch(Table(), At(0, kText)), MismatchOutcome::kNotWritten);
-  EXPECT_TRUE(std::filesystem::is_directory(folder_.Native("schema.ini")));
+  EXPECT_TRUE(boost::filesystem::is_directory(folder_.Native("schema.ini")));
 }
 
 TEST_F(MismatchReportTest, ATemporaryFileThatCannotBeWrittenLeavesSchemaIni) {
-  std::filesystem::create_directory(folder_.Native("~scheam.ini"));
+  boost::filesystem::create_directory(folder_.Native("~scheam.ini"));
   folder_.Write("~scheam.ini/kept", "");
   const std::string_view schemaIni = "[other.csv]\nFormat=CSVDelimited\n";
   EXPECT_EQ(Record(schemaIni, At(0, kText)), MismatchOutcome::kNotWritten);
@@ -189,15 +189,15 @@ TEST_F(MismatchReportTest, ATemporaryFileThatCannotBeWrittenLeavesSchemaIni) {
 }
 
 TEST_F(MismatchReportTest, AReadOnlyFolderIsToldApart) {
-  namespace fs = std::filesystem;
-  constexpr fs::perms kReadOnly = fs::perms::owner_read | fs::perms::owner_exec |
-                                  fs::perms::others_read | fs::perms::others_exec;
+  namespace fs = boost::filesystem;
+  constexpr fs::perms kReadOnly =
+      fs::perms::owner_read | fs::perms::owner_exe | fs::perms::others_read | fs::perms::others_exe;
   const std::string_view schemaIni = "[other.csv]\nFormat=CSVDelimited\n";
   folder_.Write("schema.ini", schemaIni);
   fs::permissions(folder_.Native(), kReadOnly);
   {
     const OrdinaryUser ordinary;
-    if (std::ofstream(folder_.Native("probe")).is_open())
+    if (std::ofstream(folder_.Native("probe").c_str()).is_open())
       GTEST_SKIP() << "this system has no read-only folders";
     EXPECT_EQ(RecordMismatch(Table(), At(0, kText)), MismatchOutcome::kNotWritten);
     EXPECT_NE(ReportMismatch(Table(), At(0, kText), &LoadMessage).find(u"Create schema.ini file"),

@@ -12,7 +12,7 @@
 
 #include "host/CoreSupport/CharacterClasses.h"
 #include "inference/NumberParsing.h"
-#include "support/LocaleScope.h"
+#include "support/UserLocale.h"
 #include "support/ShowText.h"
 
 namespace TextFile {
@@ -30,7 +30,7 @@ class NumberParsingTest : public ::testing::Test {
     return settings;
   }
 
-  LocaleScope locale_{u"en-US"};
+  UserLocale locale_{u"en-US"};
   NumberFormat::Settings point_ = With(u'.');
   NumberFormat::Settings comma_ = With(u',');
 };

@@ -12,7 +12,7 @@
 #include "inference/RowConverter.h"
 #include "platform/OleText.h"
 #include "reading/ReaderFactory.h"
-#include "support/LocaleScope.h"
+#include "support/UserLocale.h"
 #include "support/OpenedTable.h"
 #include "support/ShowText.h"
 #include "support/TemporaryFolder.h"
@@ -145,7 +145,7 @@ class RowConverterTest : public ::testing::Test {
     return ConvertOne(Field(u"f", type), text);
   }
 
-  LocaleScope locale_{u"en-US"};
+  UserLocale locale_{u"en-US"};
   TemporaryFolder folder_;
 };
 

@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "inference/TypeInference.h"
-#include "support/LocaleScope.h"
+#include "support/UserLocale.h"
 #include "support/OpenedTable.h"
 #include "support/TemporaryFolder.h"
 
@@ -84,7 +84,7 @@ class TypeInferenceTest : public ::testing::Test {
                : -1;
   }
 
-  LocaleScope locale_{u"en-US"};
+  UserLocale locale_{u"en-US"};
   TemporaryFolder folder_;
 
  private:
@@ -315,15 +315,15 @@ TEST_F(TypeInferenceTest, OpenOrdersAreTheLocales) {
   const std::string section = "Format=CSVDelimited\n";
   EXPECT_EQ(Fields(bytes, section), "a:date/mdy b:text");
   {
-    const LocaleScope british(u"en-GB");
+    const UserLocale british(u"en-GB");
     EXPECT_EQ(Fields(bytes, section), "a:date/dmy b:text");
   }
   {
-    const LocaleScope german(u"de-DE");
+    const UserLocale german(u"de-DE");
     EXPECT_EQ(Fields(bytes, section), "a:date/dmy b:text");
   }
   {
-    const LocaleScope swedish(u"sv-SE");
+    const UserLocale swedish(u"sv-SE");
     EXPECT_EQ(Fields(bytes, section), "a:date/ymd b:text") << "though no value is of that order";
   }
 }
@@ -482,7 +482,7 @@ TEST_F(DecimalDecisionTest, NothingToGainChangesNothing) {
 }
 
 TEST_F(DecimalDecisionTest, DecimalCommasOfALocaleBecomePoints) {
-  const LocaleScope german(u"de-DE");
+  const UserLocale german(u"de-DE");
   folder_.Write("d.csv", "a;b\n1.5;x\n2.25;x\n");
   OpenedTable points(folder_, u"d.csv");
   EXPECT_EQ(points.Fields(), "a:double b:text");

@@ -1,5 +1,6 @@
 // Walking a table's rows.
 #include <atomic>
+#include <cstdlib>
 #include <fstream>
 #include <thread>
 
@@ -244,6 +245,21 @@ TEST_F(CursorHelperTest, FinishedCursorStaysFinishedWhenTheFileGrows) {
   cursor.Advance();
   EXPECT_TRUE(cursor.AtEnd());
   EXPECT_THAT(Rows(table), ElementsAre("I4:1", "I4:2")) << "a new cursor sees the new row";
+}
+
+TEST_F(CursorHelperTest, AnotherProcessAppendsBetweenTheRows) {
+  const auto table = Table(u"a.csv", "Id\n1\n2\n3\n");
+  CursorOverAll first(table);
+  CursorOverAll second(table);
+  first.Advance();
+  // Every system's shell knows this much.
+  const std::string command = "echo 4 >> \"" + ToUtf8(folder_.Path(u"a.csv")) + "\"";
+  ASSERT_EQ(std::system(command.c_str()), 0);
+  EXPECT_EQ(first.Row(), "I4:2");
+  EXPECT_EQ(second.Row(), "I4:1");
+  first.Advance();
+  EXPECT_EQ(first.Row(), "I4:3");
+  EXPECT_THAT(Rows(table), ElementsAre("I4:1", "I4:2", "I4:3", "I4:4"));
 }
 
 // Rows that were there when a cursor started are read unharmed while the file grows.

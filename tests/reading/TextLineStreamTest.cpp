@@ -287,6 +287,9 @@ TEST_F(TextLineStreamTest, AnsiIsTheCodePageOfTheApplication) {
   EXPECT_EQ(Lines("\xB3\n"), (Texts{u"\u0142"}));
   ASSERT_TRUE(quenra::QUENRALocale::SetAnsiCodePage(1251));
   EXPECT_EQ(Lines("\xE6\n"), (Texts{u"\u0436"}));
+  // Two bytes a character, of which the second may look like ASCII.
+  ASSERT_TRUE(quenra::QUENRALocale::SetAnsiCodePage(932));
+  EXPECT_EQ(Lines("a\x83\x65z\n"), (Texts{u"a\u30C6z"}));
   ASSERT_TRUE(quenra::QUENRALocale::SetAnsiCodePage(1252));
   EXPECT_EQ(Lines("\x80\n"), (Texts{u"\u20AC"}));
 }
@@ -424,6 +427,33 @@ TEST_F(TextLineStreamTest, AgreesWithPlainReadingOfRandomBytes) {
     ASSERT_EQ(StreamSteps(file, delimiter, block), PlainSteps(file, delimiter))
         << "round " << round << ' ' << ::testing::PrintToString(file) << " delimiter "
         << static_cast<int>(delimiter) << " block size " << block;
+  }
+}
+
+TEST_F(TextLineStreamTest, LinesAreTheSameAfterARewindAnywhere) {
+  const std::string files[] = {
+      "a\r\nb\r\n\x1A"s + "c\nd\n",
+      "\xEF\xBB\xBF"
+      "a\nb\xFF\n\nc",
+      Utf16File(u"a\r\nb\u010A\r\n\x1A\nc"),
+      "a\rb\n\r\nc",
+      "\xFE\xFF\0a"s,
+  };
+  for (const std::string& file : files) {
+    TextLineStream whole;
+    whole.Open(Source(file), TextLineStream::kTerminateLines);
+    const Texts expected = ReadAll(whole);
+    for (std::size_t block = 1; block <= file.size(); ++block) {
+      for (std::size_t before = 0; before <= expected.size() + 1; ++before) {
+        TextLineStream stream;
+        stream.Open(Source(file), TextLineStream::kTerminateLines, block);
+        std::u16string line;
+        for (std::size_t i = 0; i < before; ++i) stream.ReadLine(line);
+        stream.Rewind();
+        EXPECT_EQ(stream.AtEnd(), expected.empty());
+        EXPECT_EQ(ReadAll(stream), expected) << "block size " << block << " after " << before;
+      }
+    }
   }
 }
 

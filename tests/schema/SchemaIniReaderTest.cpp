@@ -186,6 +186,13 @@ TEST_F(SchemaIniReaderTest, OpenQuoteTakesTheRestOfTheFile) {
   EXPECT_EQ(Options("CurrencySymbol=\"\nMaxScanRows=x").currency.symbol, u"\"\nMaxScanRows=x");
 }
 
+TEST_F(SchemaIniReaderTest, OpenQuoteInALongFileIsReadInOneGo) {
+  // Lines counted again with each one that joins them would take hours.
+  std::string lines = "CurrencySymbol=\"";
+  for (int i = 0; i < 300'000; ++i) lines += "\nx=y";
+  EXPECT_EQ(Options(lines).currency.symbol.size(), lines.size() - 15);
+}
+
 TEST_F(SchemaIniReaderTest, LineOfTheQuoteAsTextDelimiterIsComplete) {
   for (const char* line : {"TextDelimiter=\"", "  TextDelimiter =  \" "}) {
     const SchemaOptions options = Options(line + "\nMaxScanRows=4"s);

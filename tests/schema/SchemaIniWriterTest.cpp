@@ -151,7 +151,10 @@ TEST_F(SchemaIniWriterTest, ColumnLinesOfEveryType) {
 TEST_F(SchemaIniWriterTest, NamesWithBlanksAreQuoted) {
   EXPECT_EQ(ColumnLine(Field(u"First Name", FieldType::kString)), u"\"First Name\" Text");
   EXPECT_EQ(ColumnLine(Field(u" a", FieldType::kString)), u"\" a\" Text");
-  EXPECT_EQ(ColumnLine(Field(u"a\nb", FieldType::kString)), u"\"a\nb\" Text") << "any white space";
+  EXPECT_EQ(ColumnLine(Field(u"a\nb", FieldType::kString)), u"\"a\nb\" Text") << "a line end";
+  EXPECT_EQ(ColumnLine(Field(u"a\u00A0", FieldType::kString)), u"\"a\u00A0\" Text")
+      << "white space at the end";
+  EXPECT_EQ(ColumnLine(Field(u"a\tb", FieldType::kString)), u"a\tb Text");
   EXPECT_EQ(ColumnLine(Field(u"FirstName", FieldType::kString)), u"FirstName Text");
 }
 
