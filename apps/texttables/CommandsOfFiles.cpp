@@ -120,16 +120,31 @@ void RunWhole(const Call& call) {
   Terminal::DeferInterrupts::Poll();
 }
 
-// A section that was in schema.ini before decides the types of the columns.
+// The type that a field of a new table comes back with: schema.ini has no words for some.
+LONG TypeReadBack(LONG type) noexcept {
+  switch (type) {
+    case kObjectIdField:
+      return kIntegerField;
+    case kGuidField:
+    case kGlobalIdField:
+      return kStringField;
+    case kTimestampOffsetField:
+      return kDateField;
+    default:
+      return type;
+  }
+}
+
+// A section that was in schema.ini before decides the types of the columns, which may surprise.
 void WarnOfOtherTypes(quenra::IPlugInDatasetHelper& dataset, const TablePath& path,
                       const std::vector<NewField>& wanted) {
   const std::vector<Field> fields = FieldsOf(dataset, path.name);
   for (std::size_t i = 0; i < fields.size() && i < wanted.size(); ++i)
-    if (fields[i].type != wanted[i].type)
-      ReportWarning(kFieldTypeDiffers, "field \"" + Utf8(wanted[i].name) + "\" became " +
-                                           FieldTypeName(fields[i].type) + ", not " +
-                                           FieldTypeName(wanted[i].type) +
-                                           ", as schema.ini says of " + FileNameBytes(path.name));
+    if (fields[i].type != TypeReadBack(wanted[i].type))
+      ReportWarning(kFieldTypeDiffers, "field \"" + Utf8(wanted[i].name) + "\" is " +
+                                           FieldTypeName(fields[i].type) +
+                                           ": schema.ini had described " +
+                                           FileNameBytes(path.name) + " already");
 }
 
 }  // namespace
@@ -148,7 +163,9 @@ void RunCreate(const CommandLine& line, Output&) {
                   : E_NOINTERFACE,
           path.name);
   });
-  if (!line.global.quiet) WarnOfOtherTypes(*dataset.Get(), path, line.fields);
+  // Hosts may ask for older types, and then get them.
+  const bool usualTypes = !line.global.fieldTypeVersion && line.global.hostOptions.empty();
+  if (!line.global.quiet && usualTypes) WarnOfOtherTypes(*dataset.Get(), path, line.fields);
 }
 
 void RunCopy(const CommandLine& line, Output&) {
