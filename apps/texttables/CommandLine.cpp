@@ -30,8 +30,9 @@ struct FormatName {
   const char* name;
 };
 constexpr FormatName kFormats[] = {
-    {RowFormat::kTable, "table"}, {RowFormat::kCsv, "csv"},         {RowFormat::kJsonLines, "jsonl"},
-    {RowFormat::kTyped, "typed"}, {RowFormat::kGeoJson, "geojson"}, {RowFormat::kNone, "none"},
+    {RowFormat::kTable, "table"},     {RowFormat::kCsv, "csv"},
+    {RowFormat::kJsonLines, "jsonl"}, {RowFormat::kTyped, "typed"},
+    {RowFormat::kGeoJson, "geojson"}, {RowFormat::kNone, "none"},
 };
 
 template <class Entry, std::size_t count>
@@ -147,8 +148,9 @@ CLI::Option* AddPositional(CLI::App* command, const char* name, std::string& val
 void AddRows(CLI::App& app, RawArguments& raw, bool& json) {
   CLI::App* rows = AddCommand(app, "rows", "The rows of a table");
   AddPositional(rows, "TABLE", raw.path, kTable);
-  rows->add_option("--format", raw.format,
-                   "table, csv, jsonl, typed, geojson or none; by default table on a terminal, else csv")
+  rows->add_option(
+          "--format", raw.format,
+          "table, csv, jsonl, typed, geojson or none; by default table on a terminal, else csv")
       ->type_name("FORMAT");
   rows->add_flag("--json", json, "The same as --format jsonl");
   rows->add_option("--columns", raw.columns, "Only these columns, in this order")
@@ -169,8 +171,9 @@ void AddWritingCommands(CLI::App& app, RawArguments& raw, bool& overwrite) {
 
   CLI::App* load = AddCommand(app, "load", "Append rows to a table");
   AddPositional(load, "TABLE", raw.path, kTable);
-  load->add_option("FILE", raw.source,
-                   "Lines of JSON, an array or an object a row; by default, and with -, standard input")
+  load->add_option(
+          "FILE", raw.source,
+          "Lines of JSON, an array or an object a row; by default, and with -, standard input")
       ->type_name("");
 
   CLI::App* copy = AddCommand(app, "copy", "Copy a table with what schema.ini says of it");

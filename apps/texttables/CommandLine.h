@@ -61,10 +61,10 @@ struct CommandLine {
   std::vector<std::u16string> names;  // claim
   bool json = false;
   RowOptions rows;
-  std::vector<NewField> fields;        // create
-  bool overwrite = false;              // create
+  std::vector<NewField> fields;          // create
+  bool overwrite = false;                // create
   std::optional<std::u16string> source;  // load; nothing: standard input
-  std::u16string target;               // copy: NEWTABLE; rename: NEWNAME
+  std::u16string target;                 // copy: NEWTABLE; rename: NEWNAME
   std::string reply;  // not empty: only this text is to be printed (help, version)
 };
 

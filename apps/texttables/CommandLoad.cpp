@@ -29,7 +29,7 @@ bool IsBlank(std::string_view line) {
   return line.find_first_not_of(" \t\r") == std::string_view::npos;
 }
 
-// Rows on their way from the lines into the table.
+// Rows on their way from the lines into the table. Not to be used after it has thrown.
 class Loading {
  public:
   Loading(quenra::IPlugInDatasetHelper& dataset, const std::vector<Field>& fields,
@@ -40,6 +40,7 @@ class Loading {
     row_.emplace(*collection, fields);
     const auto load = quenra::QueryFor<quenra::IPlugInDatasetLoad>(&dataset);
     Check(load ? load->CreateLoader(nullptr, loader_.Receive()) : E_NOINTERFACE, table_);
+    counter_ = quenra::QueryFor<quenra::IPlugInRowCount>(&dataset);
   }
 
   // Throws a Refusal that names the line and says how many rows there are.
@@ -50,7 +51,12 @@ class Loading {
       Finish();
       throw Refusal(bad.Code(), Place(number) + bad.what() + "; " + RowsLoaded(rows_));
     }
-    Check(loader_->LoadRow(row_->Buffer()), table_);
+    const HRESULT result = loader_->LoadRow(row_->Buffer());
+    if (FAILED(result)) {
+      const std::string text = TakeChainedText(result);
+      loader_.Reset();
+      RefuseWriting(result, text);
+    }
     ++rows_;
     for (const std::string& warning : row_->Warnings()) Warn(number, warning);
     for (const std::u16string& message : watch_.Take())
@@ -61,12 +67,21 @@ class Loading {
   void Finish() {
     loader_.Reset();
     const std::vector<std::u16string> messages = watch_.Take();
-    if (!messages.empty()) throw Refusal(E_FAIL, MessageBytes(messages.back()));
+    if (!messages.empty()) RefuseWriting(E_FAIL, MessageBytes(messages.back()));
   }
 
   std::uint64_t Rows() const noexcept { return rows_; }
 
  private:
+  // Rows wait in the data source's buffer: those that were taken are not all in the file.
+  [[noreturn]] void RefuseWriting(HRESULT code, const std::string& text) {
+    std::string whole = text.empty() ? MeaningOf(code) + ": " + MessageBytes(table_) : text;
+    LONG count = 0;
+    if (counter_ && !FAILED(counter_->CountRows(0, &count)))
+      whole += "; the table has " + std::to_string(count) + (count == 1 ? " row" : " rows");
+    throw Refusal(code, whole);
+  }
+
   std::string Place(std::uint64_t number) const {
     return source_ + ", line " + std::to_string(number) + ": ";
   }
@@ -81,6 +96,7 @@ class Loading {
   MessageWatch watch_;
   std::optional<LoadedRow> row_;
   ComPtr<quenra::IPlugInDatasetLoader> loader_;
+  ComPtr<quenra::IPlugInRowCount> counter_;
   std::uint64_t rows_ = 0;
   std::unordered_set<std::u16string> told_;
 };

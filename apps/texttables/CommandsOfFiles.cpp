@@ -141,10 +141,9 @@ void WarnOfOtherTypes(quenra::IPlugInDatasetHelper& dataset, const TablePath& pa
   const std::vector<Field> fields = FieldsOf(dataset, path.name);
   for (std::size_t i = 0; i < fields.size() && i < wanted.size(); ++i)
     if (fields[i].type != TypeReadBack(wanted[i].type))
-      ReportWarning(kFieldTypeDiffers, "field \"" + Utf8(wanted[i].name) + "\" is " +
-                                           FieldTypeName(fields[i].type) +
-                                           ": schema.ini had described " +
-                                           FileNameBytes(path.name) + " already");
+      ReportWarning(kFieldTypeDiffers,
+                    "field \"" + Utf8(wanted[i].name) + "\" is " + FieldTypeName(fields[i].type) +
+                        ": schema.ini had described " + FileNameBytes(path.name) + " already");
 }
 
 }  // namespace
@@ -159,9 +158,9 @@ void RunCreate(const CommandLine& line, Output&) {
   const BString name(path.name);
   ComPtr<quenra::IPlugInDatasetHelper> dataset;
   RunWhole([&] {
-    Check(creator ? creator->CreateTable(name.Get(), fields.Get(), dataset.Receive())
-                  : E_NOINTERFACE,
-          path.name);
+    Check(
+        creator ? creator->CreateTable(name.Get(), fields.Get(), dataset.Receive()) : E_NOINTERFACE,
+        path.name);
   });
   // Hosts may ask for older types, and then get them.
   const bool usualTypes = !line.global.fieldTypeVersion && line.global.hostOptions.empty();

@@ -91,7 +91,8 @@ std::optional<LONG> FieldTypeOf(std::string_view name) {
 
 std::string FieldTypeNames() {
   std::string names;
-  for (const TypeName& entry : kTypeNames) names += (names.empty() ? "" : ", ") + std::string(entry.name);
+  for (const TypeName& entry : kTypeNames)
+    names += (names.empty() ? "" : ", ") + std::string(entry.name);
   return names;
 }
 

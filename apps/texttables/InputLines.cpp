@@ -21,11 +21,13 @@ bool InputLines::Next() {
   if (end == std::string::npos && start_ == buffer_.size()) return false;
 
   const std::size_t next = end == std::string::npos ? buffer_.size() : end + 1;
-  line_ = std::string_view(buffer_).substr(start_, (end == std::string::npos ? next : end) - start_);
+  line_ =
+      std::string_view(buffer_).substr(start_, (end == std::string::npos ? next : end) - start_);
   bytes_ += next - start_;
   start_ = next;
   if (end != std::string::npos && !line_.empty() && line_.back() == '\r') line_.remove_suffix(1);
-  if (number_++ == 0 && line_.starts_with(kByteOrderMark)) line_.remove_prefix(kByteOrderMark.size());
+  if (number_++ == 0 && line_.starts_with(kByteOrderMark))
+    line_.remove_prefix(kByteOrderMark.size());
   return true;
 }
 

@@ -115,8 +115,7 @@ void LoadedRow::ReadObject() {
 
 // The first field of that key that the row has not given yet, or kNoField; `known` tells whether
 // there is a field of that key at all.
-std::size_t LoadedRow::FreeField(const Index& index, const std::u16string& key,
-                                 bool& known) const {
+std::size_t LoadedRow::FreeField(const Index& index, const std::u16string& key, bool& known) const {
   std::size_t found = kNoField;
   const auto [begin, end] = index.equal_range(key);
   known = begin != end;

@@ -29,7 +29,8 @@ void AddColumn(ColumnPlan& plan, const std::vector<Field>& fields, std::size_t f
 
 // Whether `name` is that of `column` with the suffix, behind which one "_" may tell it apart from
 // another column.
-bool IsCompanion(std::u16string_view name, const std::u16string& column, std::u16string_view suffix) {
+bool IsCompanion(std::u16string_view name, const std::u16string& column,
+                 std::u16string_view suffix) {
   const std::u16string companion = column + std::u16string(suffix);
   return name == companion || name == companion + u"_";
 }

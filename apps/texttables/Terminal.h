@@ -40,7 +40,8 @@ class Input {
   Input(const Input&) = delete;
   Input& operator=(const Input&) = delete;
 
-  // Fills at most `count` bytes and answers how many; 0 at the end. Throws Interrupted or a Refusal.
+  // Fills at most `count` bytes and answers how many; 0 at the end. Throws Interrupted or a
+  // Refusal.
   std::size_t Read(char* bytes, std::size_t count);
 
  private:

@@ -10,8 +10,8 @@
 #include "DateReader.h"
 #include "DateText.h"
 #include "Failures.h"
-#include "Output.h"
 #include "NumberText.h"
+#include "Output.h"
 #include "host/CoreSupport/Components.h"
 #include "host/CoreSupport/DatetimeHelper.h"
 #include "host/com/ComPtr.h"
@@ -127,9 +127,9 @@ std::optional<Meaning> TypedMeaning(const JsonDocument& document, std::size_t ob
     return number ? std::optional<Meaning>(OleDate{number->real}) : std::nullopt;
   }
   // Kinds without a form of their own go by their number, as text.
-  const bool isKind = kind == u"VT_BSTR" || (kind.starts_with(u"VT_") && kind.size() > 3 &&
-                                             kind.find_first_not_of(u"0123456789", 3) ==
-                                                 std::u16string_view::npos);
+  const bool isKind =
+      kind == u"VT_BSTR" || (kind.starts_with(u"VT_") && kind.size() > 3 &&
+                             kind.find_first_not_of(u"0123456789", 3) == std::u16string_view::npos);
   if (!isKind || node.kind != JsonKind::kString) return std::nullopt;
   return document.Text(node);
 }
@@ -178,7 +178,7 @@ void SetTimestamp(const Timestamp& timestamp, Variant& value) {
 }
 
 template <class Integer>
-bool SetInteger(const Number& number, VARTYPE type, Integer VARIANT::* member, Variant& value) {
+bool SetInteger(const Number& number, VARTYPE type, Integer VARIANT::*member, Variant& value) {
   if (!number.integer || *number.integer < std::numeric_limits<Integer>::min() ||
       *number.integer > std::numeric_limits<Integer>::max())
     return false;
