@@ -127,7 +127,7 @@ void AddGlobalOptions(CLI::App& app, RawArguments& raw, GlobalOptions& global) {
       ->allow_extra_args(false);
   app.add_option("--event-log", raw.eventLogFile, "Write the data source's events as JSON lines")
       ->type_name("FILE");
-  app.add_flag("--quiet", global.quiet, "No warnings and no progress");
+  app.add_flag("--quiet", global.quiet, "No warnings, no progress, no count of loaded rows");
 }
 
 constexpr const char* kJson = "JSON instead of text for people";
