@@ -5,6 +5,7 @@
 
 #include "Failures.h"
 #include "TextEncoding.h"
+#include "host/CoreSupport/Variant.h"
 
 namespace TextTables {
 
@@ -97,8 +98,7 @@ RowSlots::RowSlots(std::size_t count) : values_(count) {
 }
 
 void RowSlots::Clear() noexcept {
-  for (quenra::HostFieldValue& slot : values_)
-    if (slot.value.vt != VT_EMPTY) ::VariantClear(&slot.value);
+  for (quenra::HostFieldValue& slot : values_) quenra::ClearVariant(slot.value);
 }
 
 }  // namespace TextTables

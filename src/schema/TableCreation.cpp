@@ -62,8 +62,8 @@ void SetColumns(const std::vector<FieldDefinition>& fields, SchemaOptions& optio
 // A name as the header holds it, quoted where it would not be read back otherwise.
 void AppendName(const SchemaOptions& options, std::u16string_view name, std::string& bytes) {
   const std::u16string special = {options.delimiter, u'\r', u'\n', u'"'};
-  const bool quoted = name.find_first_of(special) != std::u16string_view::npos &&
-                      options.textDelimiter != 0;
+  const bool quoted =
+      name.find_first_of(special) != std::u16string_view::npos && options.textDelimiter != 0;
   if (!quoted) return AppendUtf8(name, bytes);
   std::u16string text(1, options.textDelimiter);
   for (const char16_t unit : name) {
