@@ -337,6 +337,25 @@ TEST_F(LoadTest, FirstTextOfAColumnThatIsCutIsAWarning) {
                "characters; a text of 11 is cut\n3 rows loaded\n");
 }
 
+TEST_F(LoadTest, NumberWiderThanItsFixedColumnIsAWarningAndAnEvent) {
+  Write("schema.ini",
+        "[f.txt]\nFormat=FixedLength\nColNameHeader=False\nCol1=Id Long Width 3\n"
+        "Col2=N Text Width 2\n");
+  Write("f.txt", "  1 A\n");
+  Write("rows", "[12345,\"B\"]\n[2,\"C\"]\n[54321,\"D\"]\n");
+  const ProcessResult result = Run({"--event-log", "log", "load", "f.txt", "rows"});
+  EXPECT_EQ(result.exitCode, 0);
+  EXPECT_EQ(result.errors,
+            "texttables: warning: 0x80040955: rows, line 1: In file f.txt, a value of field Id "
+            "cannot be written as the field's type. It is left blank.\n3 rows loaded\n");
+  EXPECT_EQ(Read("f.txt"), "  1 A\n    B\n  2 C\n    D\n");
+  const std::string event =
+      "{\"event\":\"message\",\"text\":\"In file f.txt, a value of field Id cannot be written as "
+      "the field's type. It is left blank.\"}\n";
+  const std::string log = Read("log");
+  EXPECT_EQ(log.substr(log.size() - 2 * event.size()), event + event);
+}
+
 TEST_F(LoadTest, LongLinesComeThroughWhole) {
   Write("a.csv", "Id,T\n");
   Write("schema.ini",
