@@ -1,4 +1,5 @@
 // load.
+#include <filesystem>
 #include <optional>
 #include <unordered_set>
 
@@ -12,6 +13,7 @@
 #include "Progress.h"
 #include "Terminal.h"
 #include "TextEncoding.h"
+#include "platform/FileNames.h"
 
 namespace TextTables {
 
@@ -101,6 +103,16 @@ class Loading {
   std::unordered_set<std::u16string> told_;
 };
 
+// Its own rows would come in again and again, without an end.
+void RequireOtherFile(const std::u16string& source, const TablePath& path) {
+  const auto native = [](const std::u16string& name) {
+    return std::filesystem::path(NativeFromFileName(name));
+  };
+  std::error_code error;
+  if (std::filesystem::equivalent(native(source), native(path.folder) / native(path.name), error))
+    throw UsageError("a table cannot be loaded from its own file, " + FileNameBytes(source));
+}
+
 void LoadLines(InputLines& lines, Loading& loading, bool showProgress) {
   Progress progress(showProgress);
   while (lines.Next()) {
@@ -118,6 +130,7 @@ void RunLoad(const CommandLine& line, Output&) {
   const bool quiet = line.global.quiet;
   std::optional<Terminal::Input> input;
   if (line.source) {
+    RequireOtherFile(*line.source, path);
     input.emplace(*line.source);
   } else {
     input.emplace();

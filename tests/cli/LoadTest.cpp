@@ -390,6 +390,8 @@ TEST_F(LoadTest, MissingTablesAndFilesAreNamed) {
                 "texttables: error: 0x80040351: table not found: nope.csv\n");
   ExpectRefused(Run({"load", "a.csv", "nowhere"}),
                 "texttables: error: 0x80070002: No such file or directory: nowhere\n");
+  ExpectUsageError(Run({"load", "a.csv", "./a.csv"}),
+                   "a table cannot be loaded from its own file, ./a.csv");
   ExpectUsageError(Run({"load"}), "TABLE");
   ExpectUsageError(Run({"load", "a.csv", "b", "c"}), "c");
   EXPECT_EQ(Read("a.csv"), "Id,Name\n1,Ann\n");
