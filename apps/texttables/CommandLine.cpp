@@ -23,6 +23,7 @@ constexpr CommandName kCommands[] = {
     {Command::kCount, "count"},   {Command::kStat, "stat"},         {Command::kCreate, "create"},
     {Command::kLoad, "load"},     {Command::kCopy, "copy"},         {Command::kRename, "rename"},
     {Command::kDelete, "delete"}, {Command::kClaim, "claim"},       {Command::kLocale, "locale"},
+    {Command::kRegister, "register"}, {Command::kUnregister, "unregister"},
 };
 
 struct FormatName {
@@ -214,6 +215,9 @@ void AddCommands(CLI::App& app, RawArguments& raw, CommandLine& line) {
 
   CLI::App* locale = AddCommand(app, "locale", "The locale values in force");
   locale->add_flag("--json", json, kJson);
+
+  AddCommand(app, "register", "Write the module's registration");
+  AddCommand(app, "unregister", "Take the module's registration back");
 }
 
 std::pair<std::u16string, std::u16string> HostOptionOf(const std::string& argument) {

@@ -23,7 +23,9 @@ enum class Command {
   kRename,
   kDelete,
   kClaim,
-  kLocale
+  kLocale,
+  kRegister,
+  kUnregister
 };
 
 // Options that stand before or behind any command.

@@ -18,6 +18,8 @@ void RunLoad(const CommandLine& line, Output& output);
 void RunCopy(const CommandLine& line, Output& output);
 void RunRename(const CommandLine& line, Output& output);
 void RunDelete(const CommandLine& line, Output& output);
+void RunRegister(const CommandLine& line, Output& output);
+void RunUnregister(const CommandLine& line, Output& output);
 void RunLocale(const CommandLine& line, Output& output);
 
 }  // namespace TextTables

@@ -31,6 +31,8 @@ const Meaning kMeanings[] = {
     {E_OUTOFMEMORY, "out of memory"},
     {E_UNEXPECTED, "unexpected failure"},
     {CLASS_E_CLASSNOTAVAILABLE, "the module does not hold this class"},
+    {REGDB_E_CLASSNOTREG, "the class is not registered"},
+    {SELFREG_E_CLASS, "the registration cannot be changed"},
     {CLASS_E_NOAGGREGATION, "the class cannot be aggregated"},
 };
 

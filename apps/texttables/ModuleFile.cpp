@@ -3,6 +3,7 @@
 #include <filesystem>
 
 #include "Failures.h"
+#include "TextEncoding.h"
 #include "platform/FileNames.h"
 #include "platform/Modules.h"
 #include "platform/OleText.h"
@@ -44,6 +45,16 @@ std::u16string FullPath(const std::u16string& fileName) {
   const auto path =
       std::filesystem::absolute(std::filesystem::path(NativeFromFileName(fileName)), error);
   return error ? fileName : FileNameFromNative(path.native());
+}
+
+HMODULE LoadModule(const std::optional<std::u16string>& named) {
+  const std::u16string file = named ? FullPath(*named) : InstalledModule();
+  const HMODULE module = ::LoadLibraryW(AsOle(file.c_str()));
+  if (module != nullptr) return module;
+  const DWORD error = ::GetLastError();
+  const std::string text = "the module cannot be loaded: " + FileNameBytes(file);
+  if (named) throw UsageError(text);
+  throw Refusal(HRESULT_FROM_WIN32(error), text);
 }
 
 }  // namespace TextTables

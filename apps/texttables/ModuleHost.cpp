@@ -20,12 +20,6 @@ using quenra::ComPtr;
 using GetClassObjectFunction = HRESULT(STDAPICALLTYPE*)(REFCLSID, REFIID, void**);
 using CanUnloadFunction = HRESULT(STDAPICALLTYPE*)();
 
-template <class Function>
-Function EntryOf(HMODULE module, const char* name) {
-  // Through a neutral pointer: the compiler warns of a cast between unlike function types.
-  return reinterpret_cast<Function>(reinterpret_cast<void*>(::GetProcAddress(module, name)));
-}
-
 #ifdef _WIN32
 constexpr std::u16string_view kSeparators = u"/\\";
 #else
@@ -75,8 +69,7 @@ TablePath SplitTablePath(std::u16string_view path) {
 ModuleHost::ModuleHost(const GlobalOptions& options)
     : showProgress_(!options.quiet), fieldTypeVersion_(options.fieldTypeVersion) {
   try {
-    Load(options);
-    CreateFactory();
+    CreateFactory(options);
     SetOpenOptions(options);
   } catch (...) {
     Unload();
@@ -86,17 +79,10 @@ ModuleHost::ModuleHost(const GlobalOptions& options)
 
 ModuleHost::~ModuleHost() { Unload(); }
 
-void ModuleHost::Load(const GlobalOptions& options) {
-  const std::u16string file =
-      options.moduleFile ? FullPath(*options.moduleFile) : InstalledModule();
-  module_ = ::LoadLibraryW(AsOle(file.c_str()));
-  if (module_ != nullptr) return;
-  const std::string text = "the module cannot be loaded: " + FileNameBytes(file);
-  if (options.moduleFile) throw UsageError(text);
-  throw Refusal(HRESULT_FROM_WIN32(::GetLastError()), text);
-}
-
-void ModuleHost::CreateFactory() {
+void ModuleHost::CreateFactory(const GlobalOptions& options) {
+  if (!options.moduleFile) factory_ = CreateRegisteredFactory();
+  if (factory_) return;
+  module_ = LoadModule(options.moduleFile);
   const auto getClassObject = EntryOf<GetClassObjectFunction>(module_, "DllGetClassObject");
   if (getClassObject == nullptr) throw UsageError("the module is no data source");
   ComPtr<IClassFactory> classFactory;

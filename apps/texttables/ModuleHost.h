@@ -11,6 +11,7 @@
 
 #include "CommandLine.h"
 #include "Progress.h"
+#include "RegisteredModule.h"
 #include "host/com/ComPtr.h"
 #include "host/interfaces/PlugInWorkspaceFactory.h"
 #include "platform/Modules.h"
@@ -31,7 +32,7 @@ std::u16string_view WithoutTrailingSeparators(std::u16string_view folder);
 
 class ModuleHost {
  public:
-  // Loads the module and hands it the open options. Throws UsageError when --module names none,
+  // Loads the module, which is the registered one unless --module names another, and hands it the open options. Throws UsageError when --module names none,
   // and a Refusal when no module is installed or it gives no factory.
   explicit ModuleHost(const GlobalOptions& options);
   // Every object that came from here must have been released. Unloads the module.
@@ -52,12 +53,12 @@ class ModuleHost {
   quenra::IPlugInWorkspaceFactoryHelper2& Factory() const noexcept { return *factory_; }
 
  private:
-  void Load(const GlobalOptions& options);
-  void CreateFactory();
+  void CreateFactory(const GlobalOptions& options);
   void SetOpenOptions(const GlobalOptions& options);
   void Unload() noexcept;
 
-  HMODULE module_ = nullptr;
+  const Apartment apartment_;  // the last to go
+  HMODULE module_ = nullptr;   // null when the system has loaded the module
   bool showProgress_;
   std::optional<std::u16string> fieldTypeVersion_;
   quenra::ComPtr<quenra::IPlugInWorkspaceFactoryHelper2> factory_;

@@ -56,6 +56,10 @@ void RunCommand(const CommandLine& line, Output& output) {
       return RunClaim(line, output);
     case Command::kLocale:
       return RunLocale(line, output);
+    case Command::kRegister:
+      return RunRegister(line, output);
+    case Command::kUnregister:
+      return RunUnregister(line, output);
   }
 }
 

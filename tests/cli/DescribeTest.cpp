@@ -1,7 +1,5 @@
-#include <fcntl.h>
-#include <sys/stat.h>
-
 #include "cli/TexttablesTest.h"
+#include "support/FileTimes.h"
 
 namespace {
 
@@ -129,8 +127,7 @@ class StatTest : public TexttablesTest {
  protected:
   // Sets last access and last modification, in seconds since 1970.
   void SetTimes(const std::string& name, long access, long modification) const {
-    const timespec times[] = {{access, 0}, {modification, 0}};
-    ASSERT_EQ(::utimensat(AT_FDCWD, (Folder() / name).c_str(), times, 0), 0);
+    SetFileTimes(Folder() / name, access, modification);
   }
 };
 

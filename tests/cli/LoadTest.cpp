@@ -1,9 +1,11 @@
+#include <algorithm>
+#include <csignal>
+
+#ifndef _WIN32
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
-
-#include <algorithm>
-#include <csignal>
+#endif
 
 #include "cli/TexttablesTest.h"
 
@@ -397,6 +399,8 @@ TEST_F(LoadTest, MissingTablesAndFilesAreNamed) {
   EXPECT_EQ(Read("a.csv"), "Id,Name\n1,Ann\n");
 }
 
+#ifndef _WIN32
+
 TEST_F(LoadTest, FullDiskKeepsWholeRowsAndCountsThem) {
   WriteTable();
   std::string rows;
@@ -434,5 +438,7 @@ TEST_F(LoadTest, InterruptKeepsTheRowsSoFar) {
   EXPECT_EQ(result.errors, "2 rows loaded\n");
   EXPECT_EQ(Read("a.csv"), "Id,Name\n1,Ann\n2,Bob\n3,Cy\n");
 }
+
+#endif
 
 }  // namespace

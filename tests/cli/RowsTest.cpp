@@ -255,12 +255,16 @@ TEST_F(RowsTest, ColumnThatIsNotAskedForIsNotConvertedIntoOthers) {
             "[{\"VT_BSTR\":\"Ann\"}]\n[{\"VT_NULL\":null}]\n");
 }
 
+#ifndef _WIN32
+
 TEST_F(RowsTest, TerminalGetsTheTableFormat) {
   Write("a.csv", "Id,Name\n1,Ann\n");
   ProcessRequest request = Request({"rows", "a.csv"});
   request.outputIsTerminal = true;
   EXPECT_EQ(RunProcess(request).output, "Id  Name\n--  ----\n 1  Ann\n");
 }
+
+#endif
 
 class ManyRowsTest : public TexttablesTest {
  protected:
@@ -283,6 +287,8 @@ TEST_F(ManyRowsTest, OutputToAClosedPipeEndsQuietly) {
     EXPECT_EQ(result.errors, "") << format;
   }
 }
+
+#ifndef _WIN32
 
 TEST_F(ManyRowsTest, InterruptEndsQuietlyBySignal) {
   WriteManyRows();
@@ -325,5 +331,7 @@ TEST_F(ManyRowsTest, FullDiskIsAnError) {
   EXPECT_EQ(result.exitCode, 1);
   EXPECT_EQ(result.errors.rfind("texttables: error: 0x8007001C: ", 0), 0u) << result.errors;
 }
+
+#endif
 
 }  // namespace

@@ -13,6 +13,7 @@
 #include <fstream>
 #include <initializer_list>
 #include <iterator>
+#include <random>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -22,9 +23,11 @@
 class TexttablesTest : public testing::Test {
  protected:
   TexttablesTest() {
-    std::string pattern = (std::filesystem::temp_directory_path() / "texttables-XXXXXX").string();
-    if (::mkdtemp(pattern.data()) == nullptr) throw std::runtime_error("no temporary folder");
-    folder_ = pattern;
+    // Several of these programs may run at once: a name that is taken is not ours.
+    std::random_device random;
+    do {
+      folder_ = std::filesystem::temp_directory_path() / ("texttables-" + std::to_string(random()));
+    } while (!std::filesystem::create_directory(folder_));
   }
 
   ~TexttablesTest() override {

@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "platform/CodePages.h"
+#include "platform/OleText.h"
 
 namespace {
 
@@ -13,7 +14,7 @@ std::u16string Decode(UINT codePage, std::string_view bytes, DWORD flags = 0) {
   const int needed = ::MultiByteToWideChar(codePage, flags, bytes.data(), length, nullptr, 0);
   std::u16string text(static_cast<std::size_t>(needed), u'#');
   if (needed == 0) return text;
-  EXPECT_EQ(::MultiByteToWideChar(codePage, flags, bytes.data(), length, text.data(), needed),
+  EXPECT_EQ(::MultiByteToWideChar(codePage, flags, bytes.data(), length, AsOle(text.data()), needed),
             needed);
   return text;
 }
@@ -21,10 +22,10 @@ std::u16string Decode(UINT codePage, std::string_view bytes, DWORD flags = 0) {
 std::string Encode(UINT codePage, std::u16string_view text, DWORD flags = 0) {
   const int length = static_cast<int>(text.size());
   const int needed =
-      ::WideCharToMultiByte(codePage, flags, text.data(), length, nullptr, 0, nullptr, nullptr);
+      ::WideCharToMultiByte(codePage, flags, AsOle(text.data()), length, nullptr, 0, nullptr, nullptr);
   std::string bytes(static_cast<std::size_t>(needed), '#');
   if (needed == 0) return bytes;
-  EXPECT_EQ(::WideCharToMultiByte(codePage, flags, text.data(), length, bytes.data(), needed,
+  EXPECT_EQ(::WideCharToMultiByte(codePage, flags, AsOle(text.data()), length, bytes.data(), needed,
                                   nullptr, nullptr),
             needed);
   return bytes;
@@ -142,7 +143,7 @@ TEST(CodePagesTest, Utf8FollowsTableInBothModes) {
     ::SetLastError(ERROR_SUCCESS);
     char16_t text[16];
     EXPECT_EQ(::MultiByteToWideChar(CP_UTF8, MB_ERR_INVALID_CHARS, c.bytes.data(),
-                                    static_cast<int>(c.bytes.size()), text, 16),
+                                    static_cast<int>(c.bytes.size()), AsOle(text), 16),
               0);
     EXPECT_EQ(::GetLastError(), ERROR_NO_UNICODE_TRANSLATION);
   }
@@ -208,10 +209,10 @@ TEST(CodePagesTest, LoneSurrogatesBecomeReplacementCharactersOrFail) {
 
 TEST(CodePagesTest, LengthMinusOneTakesTheTerminatingZeroAlong) {
   char16_t text[8];
-  EXPECT_EQ(::MultiByteToWideChar(CP_UTF8, 0, "ab", -1, text, 8), 3);
+  EXPECT_EQ(::MultiByteToWideChar(CP_UTF8, 0, "ab", -1, AsOle(text), 8), 3);
   EXPECT_EQ(std::u16string_view(text, 3), std::u16string_view(u"ab\0", 3));
   char bytes[8];
-  EXPECT_EQ(::WideCharToMultiByte(1252, 0, u"ab", -1, bytes, 8, nullptr, nullptr), 3);
+  EXPECT_EQ(::WideCharToMultiByte(1252, 0, AsOle(u"ab"), -1, bytes, 8, nullptr, nullptr), 3);
 }
 
 TEST(CodePagesTest, ZerosInsideAreOrdinaryCharacters) {
@@ -225,22 +226,22 @@ TEST(CodePagesTest, BadArgumentsFail) {
     EXPECT_EQ(result, 0);
     EXPECT_EQ(::GetLastError(), error);
   };
-  fails(::MultiByteToWideChar(CP_UTF8, 0, nullptr, 1, text, 4), ERROR_INVALID_PARAMETER);
-  fails(::MultiByteToWideChar(CP_UTF8, 0, "a", 0, text, 4), ERROR_INVALID_PARAMETER);
+  fails(::MultiByteToWideChar(CP_UTF8, 0, nullptr, 1, AsOle(text), 4), ERROR_INVALID_PARAMETER);
+  fails(::MultiByteToWideChar(CP_UTF8, 0, "a", 0, AsOle(text), 4), ERROR_INVALID_PARAMETER);
   fails(::MultiByteToWideChar(CP_UTF8, 0, "a", 1, nullptr, 4), ERROR_INVALID_PARAMETER);
-  fails(::MultiByteToWideChar(CP_UTF8, 0, "a", 1, text, -1), ERROR_INVALID_PARAMETER);
-  fails(::MultiByteToWideChar(12345, 0, "a", 1, text, 4), ERROR_INVALID_PARAMETER);
-  fails(::MultiByteToWideChar(CP_UTF8, 0, "abcde", 5, text, 4), ERROR_INSUFFICIENT_BUFFER);
-  fails(::MultiByteToWideChar(1252, 0, "abcde", 5, text, 4), ERROR_INSUFFICIENT_BUFFER);
-  fails(::MultiByteToWideChar(CP_UTF8, 0, "abc\xF0\x9F\x92\xA9", 7, text, 4),
+  fails(::MultiByteToWideChar(CP_UTF8, 0, "a", 1, AsOle(text), -1), ERROR_INVALID_PARAMETER);
+  fails(::MultiByteToWideChar(12345, 0, "a", 1, AsOle(text), 4), ERROR_INVALID_PARAMETER);
+  fails(::MultiByteToWideChar(CP_UTF8, 0, "abcde", 5, AsOle(text), 4), ERROR_INSUFFICIENT_BUFFER);
+  fails(::MultiByteToWideChar(1252, 0, "abcde", 5, AsOle(text), 4), ERROR_INSUFFICIENT_BUFFER);
+  fails(::MultiByteToWideChar(CP_UTF8, 0, "abc\xF0\x9F\x92\xA9", 7, AsOle(text), 4),
         ERROR_INSUFFICIENT_BUFFER);
   BOOL used = FALSE;
   char bytes[4];
-  fails(::WideCharToMultiByte(CP_UTF8, 0, u"a", 1, bytes, 4, "?", nullptr),
+  fails(::WideCharToMultiByte(CP_UTF8, 0, AsOle(u"a"), 1, bytes, 4, "?", nullptr),
         ERROR_INVALID_PARAMETER);
-  fails(::WideCharToMultiByte(CP_UTF8, 0, u"a", 1, bytes, 4, nullptr, &used),
+  fails(::WideCharToMultiByte(CP_UTF8, 0, AsOle(u"a"), 1, bytes, 4, nullptr, &used),
         ERROR_INVALID_PARAMETER);
-  fails(::WideCharToMultiByte(CP_UTF8, 0, u"\u20AC\u20AC", 2, bytes, 4, nullptr, nullptr),
+  fails(::WideCharToMultiByte(CP_UTF8, 0, AsOle(u"\u20AC\u20AC"), 2, bytes, 4, nullptr, nullptr),
         ERROR_INSUFFICIENT_BUFFER);
 }
 
@@ -315,12 +316,12 @@ TEST(CodePagesTest, BadPairsBecomeTheDefaultCharacterOrFail) {
 TEST(CodePagesTest, MissingCharactersAreReported) {
   char bytes[8];
   BOOL used = FALSE;
-  EXPECT_EQ(::WideCharToMultiByte(1252, 0, u"a\u6771\U0001F4A9", 4, bytes, 8, nullptr, &used), 3);
+  EXPECT_EQ(::WideCharToMultiByte(1252, 0, AsOle(u"a\u6771\U0001F4A9"), 4, bytes, 8, nullptr, &used), 3);
   EXPECT_EQ(std::string_view(bytes, 3), "a??");
   EXPECT_EQ(used, TRUE);
-  EXPECT_EQ(::WideCharToMultiByte(1252, 0, u"a\u6771", 2, bytes, 8, "_", &used), 2);
+  EXPECT_EQ(::WideCharToMultiByte(1252, 0, AsOle(u"a\u6771"), 2, bytes, 8, "_", &used), 2);
   EXPECT_EQ(std::string_view(bytes, 2), "a_");
-  EXPECT_EQ(::WideCharToMultiByte(1252, 0, u"abc", 3, bytes, 8, nullptr, &used), 3);
+  EXPECT_EQ(::WideCharToMultiByte(1252, 0, AsOle(u"abc"), 3, bytes, 8, nullptr, &used), 3);
   EXPECT_EQ(used, FALSE);
 }
 

@@ -4,6 +4,7 @@
 
 #include "platform/ComTypes.h"
 #include "platform/LastError.h"
+#include "platform/OleText.h"
 
 namespace {
 
@@ -13,11 +14,11 @@ constexpr char16_t kSampleText[] = u"{1CF2B120-547D-101B-8E65-08002B2BD119}";
 
 TEST(ComTypesTest, GuidsAreWrittenAndRead) {
   char16_t text[39];
-  EXPECT_EQ(::StringFromGUID2(kSample, text, 39), 39);
+  EXPECT_EQ(::StringFromGUID2(kSample, AsOle(text), 39), 39);
   EXPECT_EQ(std::u16string(text), kSampleText);
-  EXPECT_EQ(::StringFromGUID2(kSample, text, 38), 0);
+  EXPECT_EQ(::StringFromGUID2(kSample, AsOle(text), 38), 0);
   GUID guid{};
-  EXPECT_EQ(::CLSIDFromString(u"{1cf2b120-547d-101b-8e65-08002b2bd119}", &guid), S_OK);
+  EXPECT_EQ(::CLSIDFromString(AsOle(u"{1cf2b120-547d-101b-8e65-08002b2bd119}"), &guid), S_OK);
   EXPECT_TRUE(guid == kSample);
   EXPECT_TRUE(guid == IID_IErrorInfo);
 }
@@ -28,10 +29,10 @@ TEST(ComTypesTest, OtherTextIsNoGuid) {
         u"{1CF2B120-547D-101B-8E65-08002B2BD119", u"{1CF2B120-547D-101B-8E65-08002B2BD119} ",
         u"{1CF2B120-547D-101B-8E65-08002B2BD11G}"}) {
     GUID guid = kSample;
-    EXPECT_EQ(::CLSIDFromString(text, &guid), CO_E_CLASSSTRING);
+    EXPECT_EQ(::CLSIDFromString(AsOle(text), &guid), CO_E_CLASSSTRING);
     EXPECT_TRUE(guid == GUID_NULL);
   }
-  EXPECT_EQ(::CLSIDFromString(kSampleText, nullptr), E_INVALIDARG);
+  EXPECT_EQ(::CLSIDFromString(AsOle(kSampleText), nullptr), E_INVALIDARG);
 }
 
 TEST(ComTypesTest, ResultCodesHaveTheirPublishedValues) {

@@ -9,7 +9,9 @@
 class OrdinaryUser {
  public:
 #ifdef _WIN32
-  OrdinaryUser() = default;
+  // Written out, so that an object whose only use is its life is no unused variable.
+  OrdinaryUser() {}
+  ~OrdinaryUser() {}
 #else
   OrdinaryUser() : user_(::geteuid()) {
     constexpr uid_t kNobody = 65534;

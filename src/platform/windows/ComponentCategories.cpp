@@ -44,5 +44,8 @@ HRESULT RegisterImplementedCategory(REFCLSID classId, REFGUID category) noexcept
 HRESULT UnregisterImplementedCategory(REFCLSID classId, REFGUID category) noexcept {
   const HRESULT result =
       ChangeCategory(&ICatRegister::UnRegisterClassImplCategories, classId, category);
-  return result == HRESULT_FROM_WIN32(ERROR_FILE_NOT_FOUND) ? S_OK : result;
+  // Registrars differ in what they call a category that the class does not have.
+  const bool hadNone =
+      result == HRESULT_FROM_WIN32(ERROR_FILE_NOT_FOUND) || result == CAT_E_CATIDNOEXIST;
+  return hadNone ? S_OK : result;
 }

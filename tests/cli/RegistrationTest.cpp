@@ -1,0 +1,59 @@
+#include "cli/TexttablesTest.h"
+
+namespace {
+
+// On Windows the machine's registry is written; each test takes its entries back.
+class RegistrationTest : public TexttablesTest {
+ protected:
+  ProcessResult RunRegistered(std::vector<std::string> arguments) const {
+    ProcessRequest request = Request(std::move(arguments));
+    request.environment["QUENRA_REGISTRY"] = (Folder() / "registry").string();
+    return RunProcess(request);
+  }
+
+  static void ExpectQuietly(const ProcessResult& result) {
+    EXPECT_EQ(result.exitCode, 0);
+    EXPECT_EQ(result.output, "");
+    EXPECT_EQ(result.errors, "");
+  }
+};
+
+TEST_F(RegistrationTest, RegistersAndTakesBack) {
+  ExpectQuietly(RunRegistered({"register"}));
+  Write("a.csv", "Id\n1\n");
+  EXPECT_EQ(RunRegistered({"count", "a.csv"}).output, "1\n");
+  ExpectQuietly(RunRegistered({"unregister"}));
+  ExpectQuietly(RunRegistered({"unregister"}));
+}
+
+TEST_F(RegistrationTest, ModuleMayBeNamed) {
+  ExpectQuietly(RunRegistered({"--module", MODULE_FILE, "register"}));
+  ExpectQuietly(RunRegistered({"--module", MODULE_FILE, "unregister"}));
+  ExpectUsageError(RunRegistered({"--module", "none.so", "register"}), "none.so");
+  ExpectUsageError(RunRegistered({"register", "folder"}), "folder");
+}
+
+#ifndef _WIN32
+
+TEST_F(RegistrationTest, WritesOneReadableFile) {
+  ExpectQuietly(RunRegistered({"register"}));
+  const std::string text = Read("registry");
+  const std::string entry =
+      "[CLSID\\{B2E7A59D-0C38-4AC3-BE0B-F18EB40409C5}\\InprocServer32]\n"
+      "@=\"" MODULE_FILE "\"\n"
+      "\"ThreadingModel\"=\"Apartment\"\n";
+  EXPECT_NE(text.find(entry), std::string::npos) << text;
+  ExpectQuietly(RunRegistered({"unregister"}));
+  EXPECT_EQ(Read("registry").find('['), std::string::npos) << Read("registry");
+}
+
+TEST_F(RegistrationTest, RefusedRegistryIsAnError) {
+  Write("registry", "no registry\n");
+  ExpectRefused(RunRegistered({"register"}),
+                "texttables: error: 0x80040201: the registration cannot be changed\n");
+  EXPECT_EQ(Read("registry"), "no registry\n");
+}
+
+#endif
+
+}  // namespace
