@@ -94,7 +94,10 @@ HeaderReading TypeInference::ReadHeader() {
   return reading;
 }
 
-void TypeInference::ForgetHeader() { StartFromDeclaredColumns(); }
+void TypeInference::ForgetHeader() {
+  StartFromDeclaredColumns();
+  lastRecordSize_ = 0;
+}
 
 bool TypeInference::IsHeader() const {
   const Record& record = reader_.record();

@@ -22,7 +22,8 @@ void Reader::ReadHeader(TypeInference& inference, SchemaOptions& options) {
   SwitchRecordTerminator();
   inference.ForgetHeader();
   const HeaderReading second = inference.ReadHeader();
-  if (second.foundRecord && !second.reachedEnd) {
+  // Without a record now, the file is nothing but the other line ends.
+  if (!second.foundRecord || !second.reachedEnd) {
     options.recordTerminator = recordTerminator();
     return;
   }

@@ -34,6 +34,15 @@ TEST_F(DatasetHelperTest, IsAPlainTableWhateverItsColumns) {
   }
 }
 
+TEST_F(DatasetHelperTest, LengthOfTextIsTheDeclaredWidthWhateverItIs) {
+  folder_.Write(u"schema.ini", "[a.csv]\nCol1=A Text Width -5\nCol2=B Text Width 0\nCol3=C Text\n");
+  const auto fields = Fields(Table(u"a.csv", "A,B,C\nx,y,z\n"));
+  ASSERT_EQ(fields.size(), 3u);
+  EXPECT_EQ(fields[0].length, -5);
+  EXPECT_EQ(fields[1].length, 0);
+  EXPECT_EQ(fields[2].length, 8000);
+}
+
 TEST_F(DatasetHelperTest, NullArgumentsAreRefused) {
   const auto table = Table(u"a.csv", "Id\n1\n");
   const auto info = table.As<IPlugInDatasetInfo>();

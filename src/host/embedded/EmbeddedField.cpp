@@ -38,8 +38,10 @@ HRESULT STDMETHODCALLTYPE EmbeddedField::SetAliasName(BSTR name) {
 
 HRESULT STDMETHODCALLTYPE EmbeddedField::SetType(LONG type) { return SetCount(type, type_); }
 
+// Any number: a data source passes on what a file says of itself.
 HRESULT STDMETHODCALLTYPE EmbeddedField::SetLength(LONG length) {
-  return SetCount(length, length_);
+  length_ = length;
+  return S_OK;
 }
 
 HRESULT STDMETHODCALLTYPE EmbeddedField::SetPrecision(LONG precision) {
