@@ -21,7 +21,7 @@ TEST_F(CreateTest, EveryTypeGetsItsLineOfSchemaIni) {
               "--field",  "Day:DateOnly", "--field", "At:TimeOnly",  "--field", "Z:TimestampOffset",
               "--field",  "O:ObjectId",   "--field", "G:Guid",       "--field", "GG:GlobalId"}),
       "");
-  EXPECT_EQ(Read("a.csv"), std::string(kMark) + "S,L,B,F,D,T,W,Day,At,Z,O,G,GG\n");
+  EXPECT_EQ(ReadTable("a.csv"), std::string(kMark) + "S,L,B,F,D,T,W,Day,At,Z,O,G,GG\n");
   EXPECT_EQ(Read("schema.ini"),
             "[a.csv]\nFormat=CSVDelimited\nColNameHeader=True\n"
             "Col1=S Short\nCol2=L Long\nCol3=B LongLong\nCol4=F Single\nCol5=D Double\n"
@@ -67,7 +67,7 @@ TEST_F(CreateTest, NamesMayHoldColons) {
     SCOPED_TRACE(c.argument);
     std::filesystem::remove(Folder() / "schema.ini");
     Output({"create", "--overwrite", "a.csv", "--field", c.argument});
-    EXPECT_EQ(Read("a.csv"), std::string(kMark) + c.header + "\n");
+    EXPECT_EQ(ReadTable("a.csv"), std::string(kMark) + c.header + "\n");
     EXPECT_EQ(Read("schema.ini"),
               std::string("[a.csv]\nFormat=CSVDelimited\nColNameHeader=True\n") + c.line);
   }
@@ -76,13 +76,13 @@ TEST_F(CreateTest, NamesMayHoldColons) {
 TEST_F(CreateTest, ExtensionDecidesTheDelimiter) {
   Output({"create", "a.tsv", "--field", "A:Integer", "--field", "B:Integer"});
   Output({"create", "a.psv", "--field", "A:Integer", "--field", "B:Integer"});
-  EXPECT_EQ(Read("a.tsv"), std::string(kMark) + "A\tB\n");
-  EXPECT_EQ(Read("a.psv"), std::string(kMark) + "A|B\n");
+  EXPECT_EQ(ReadTable("a.tsv"), std::string(kMark) + "A\tB\n");
+  EXPECT_EQ(ReadTable("a.psv"), std::string(kMark) + "A|B\n");
 }
 
 TEST_F(CreateTest, NoFieldIsATableWithoutFields) {
   EXPECT_EQ(Output({"create", "a.csv"}), "");
-  EXPECT_EQ(Read("a.csv"), std::string(kMark) + "\n");
+  EXPECT_EQ(ReadTable("a.csv"), std::string(kMark) + "\n");
   EXPECT_EQ(Output({"count", "a.csv"}), "0\n");
 }
 
@@ -90,20 +90,28 @@ TEST_F(CreateTest, ExistingFileIsLeftAlone) {
   Write("a.csv", "Id\n1\n");
   ExpectRefused(Run({"create", "a.csv", "--field", "X:Integer"}),
                 "texttables: error: 0x80070050: a.csv exists already\n");
-  EXPECT_EQ(Read("a.csv"), "Id\n1\n");
+  EXPECT_EQ(ReadTable("a.csv"), "Id\n1\n");
   EXPECT_FALSE(std::filesystem::exists(Folder() / "schema.ini"));
   std::filesystem::create_directory(Folder() / "dir");
   ExpectRefused(Run({"create", "dir", "--field", "X:Integer"}),
                 "texttables: error: 0x80070050: dir exists already and is a folder\n");
+}
+
+// Wine makes no links, and Windows makes them for few users.
+#ifndef _WIN32
+
+TEST_F(CreateTest, LinkIsLeftAlone) {
   std::filesystem::create_symlink("nowhere", Folder() / "link.csv");
   ExpectRefused(Run({"create", "link.csv", "--field", "X:Integer"}),
                 "texttables: error: 0x80070050: link.csv exists already\n");
 }
 
+#endif
+
 TEST_F(CreateTest, OverwriteTakesTheFilesPlace) {
   Write("a.csv", "Id\n1\n");
   EXPECT_EQ(Output({"create", "--overwrite", "a.csv", "--field", "X:Integer"}), "");
-  EXPECT_EQ(Read("a.csv"), std::string(kMark) + "X\n");
+  EXPECT_EQ(ReadTable("a.csv"), std::string(kMark) + "X\n");
 }
 
 TEST_F(CreateTest, SectionThatIsThereDecidesTheTypesAndIsPointedOut) {

@@ -56,6 +56,8 @@ TEST_F(WarningTest, QuietSilencesWarnings) {
   EXPECT_EQ(Run({"--quiet", "rows", "a.csv"}).errors, "");
 }
 
+#ifndef _WIN32
+
 TEST_F(WarningTest, FileNamesAreSpelledAsTheyAre) {
   WriteMismatches("caf\xE9.csv");
   const ProcessResult result = Run({"rows", "caf\xE9.csv", "--format", "none"});
@@ -66,6 +68,8 @@ TEST_F(WarningTest, FileNamesAreSpelledAsTheyAre) {
             0u)
       << result.errors;
 }
+
+#endif
 
 class RefusalTest : public TexttablesTest {};
 

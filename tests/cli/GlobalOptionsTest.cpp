@@ -124,7 +124,7 @@ TEST_F(OptionsTest, FieldTypeVersionAndHostOptionChooseTheOlderTypes) {
 TEST_F(OptionsTest, ModuleCanBeNamed) {
   Write("a.csv", "1\n2\n");
   EXPECT_EQ(Output({"--module", MODULE_FILE, "count", "a.csv"}), "2\n");
-  std::filesystem::create_symlink(MODULE_FILE, Folder() / "module.so");
+  std::filesystem::copy_file(MODULE_FILE, Folder() / "module.so");
   EXPECT_EQ(Output({"--module", "module.so", "count", "a.csv"}), "2\n") << "without a slash";
 }
 
@@ -141,12 +141,11 @@ TEST_F(CommandLineTest, VersionAndHelpAreAnswers) {
   const std::string help = Output({"--help"});
   for (const char* word :
        {"list", "describe", "rows", "count", "stat", "create", "load", "copy", "rename", "delete",
-        "claim", "locale", "--module", "--locale",
+        "claim", "locale", "register", "unregister", "--module", "--locale",
         "--ansi-code-page", "--read-as-many-rows-as-needed", "--no-lat-long-fields",
         "--infer-time-only-fields", "--field-type-version", "--host-option", "--event-log",
         "--quiet", "--version", "--help"})
     EXPECT_NE(help.find(word), std::string::npos) << word;
-  EXPECT_EQ(help.find("unregister"), std::string::npos);
   const std::string rows = Output({"rows", "--help"});
   for (const char* word : {"--format", "geojson", "--columns", "--limit", "TABLE"})
     EXPECT_NE(rows.find(word), std::string::npos) << word;
@@ -156,7 +155,7 @@ TEST_F(CommandLineTest, VersionAndHelpAreAnswers) {
 }
 
 TEST_F(CommandLineTest, UnknownCommandsAreNamed) {
-  for (const char* command : {"register", "unregister", "lst"})
+  for (const char* command : {"registry", "unlist", "lst"})
     ExpectUsageError(Run({command, "a.csv"}),
                      std::string("there is no command \"") + command + "\"; commands: list, ");
   ExpectUsageError(Run({}), "a command is missing");

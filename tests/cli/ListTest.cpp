@@ -26,15 +26,20 @@ TEST_F(ListTest, TakesSeparatorsAtTheEndAndAbsolutePaths) {
   EXPECT_EQ(Output({"list", (Folder() / "d").string()}), "x.csv\n");
 }
 
+#ifndef _WIN32
+
 TEST_F(ListTest, NamesThatAreNotUtf8SurviveAsBytes) {
   Write("caf\xE9.csv", "Id\n1\n2\n");
   EXPECT_EQ(Output({"list", "."}), "caf\xE9.csv\n");
   EXPECT_EQ(Output({"list", ".", "--json"}), "[\"caf\\udce9.csv\"]\n");
+  EXPECT_EQ(Output({"claim", ".", "caf\xE9.csv"}), "caf\xE9.csv\n");
   // What list prints can be used again.
   EXPECT_EQ(Output({"count", "caf\xE9.csv"}), "2\n");
   EXPECT_EQ(Output({"describe", "caf\xE9.csv", "--json"}).substr(0, 27),
             "{\"table\": \"caf\\udce9.csv\", ");
 }
+
+#endif
 
 TEST_F(ListTest, MissingFolderIsRefusedWithItsName) {
   ExpectRefused(Run({"list", "nowhere"}), "texttables: error: 0x80040258: nowhere\n");
@@ -76,8 +81,8 @@ TEST_F(ClaimTest, FoldersAreNoTablesWhateverTheirName) {
 }
 
 TEST_F(ClaimTest, NamesAreTakenAsTheyAre) {
-  EXPECT_EQ(Output({"claim", ".", "[a].csv", "list.csv", "list", "caf\xE9.csv"}),
-            "[a].csv\nlist.csv\ncaf\xE9.csv\n");
+  EXPECT_EQ(Output({"claim", ".", "[a].csv", "list.csv", "list", "caf\xC3\xA9.csv"}),
+            "[a].csv\nlist.csv\ncaf\xC3\xA9.csv\n");
   EXPECT_EQ(Output({"claim", ".", "[a,b.csv]", "[x.csv", "--json"}), "[\"[x.csv\"]\n");
   EXPECT_EQ(Output({"claim", ".", "--", "-x.csv"}), "-x.csv\n");
 }

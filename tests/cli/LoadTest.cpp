@@ -36,7 +36,7 @@ class LoadTest : public TexttablesTest {
     EXPECT_EQ(result.exitCode, 0);
     EXPECT_EQ(result.output, "");
     EXPECT_EQ(result.errors, errors);
-    EXPECT_EQ(Read("a.csv"), "Id,Name\n1,Ann\n" + rows);
+    EXPECT_EQ(ReadTable("a.csv"), "Id,Name\n1,Ann\n" + rows);
   }
 
   // A line after a good one: the good one is kept.
@@ -47,7 +47,7 @@ class LoadTest : public TexttablesTest {
     ExpectRefused(
         Load("[2,\"Bob\"]\n\n" + std::string(line) + "\n[9,\"never\"]\n"),
         "texttables: error: " + code + ": standard input, line 3: " + text + "; 1 row loaded\n");
-    EXPECT_EQ(Read("a.csv"), "Id,Name\n1,Ann\n2,Bob\n");
+    EXPECT_EQ(ReadTable("a.csv"), "Id,Name\n1,Ann\n2,Bob\n");
   }
 
   void CreateAllTypes(const std::string& table) const {
@@ -71,7 +71,7 @@ TEST_F(LoadTest, TakesLinesFromAFileToo) {
   Write("rows.jsonl", "[2,\"Bob\"]\n");
   EXPECT_EQ(Run({"load", "a.csv", "rows.jsonl"}).errors, "1 row loaded\n");
   EXPECT_EQ(Output({"--quiet", "load", "a.csv", "rows.jsonl"}), "");
-  EXPECT_EQ(Read("a.csv"), "Id,Name\n1,Ann\n2,Bob\n2,Bob\n");
+  EXPECT_EQ(ReadTable("a.csv"), "Id,Name\n1,Ann\n2,Bob\n2,Bob\n");
   Write("rows.jsonl", "[\"x\"]\n");
   ExpectRefused(Run({"load", "a.csv", "rows.jsonl"}),
                 "texttables: error: 0x8007000D: rows.jsonl, line 1: 1 value for 2 fields; 0 rows "
@@ -84,7 +84,7 @@ TEST_F(LoadTest, DashIsStandardInput) {
   ProcessRequest request = Request({"load", "a.csv", "-"});
   request.inputFile = (Folder() / "input").string();
   EXPECT_EQ(RunProcess(request).errors, "1 row loaded\n");
-  EXPECT_EQ(Read("a.csv"), "Id,Name\n1,Ann\n2,Bob\n");
+  EXPECT_EQ(ReadTable("a.csv"), "Id,Name\n1,Ann\n2,Bob\n");
 }
 
 TEST_F(LoadTest, LineEndsBlankLinesAndTheByteOrderMarkDoNotCount) {
@@ -98,7 +98,7 @@ TEST_F(LoadTest, LastLineOfTheTableIsEndedFirst) {
   WriteTable();
   Write("a.csv", "Id,Name\n1,Ann");
   Load("[2,\"Bob\"]\n");
-  EXPECT_EQ(Read("a.csv"), "Id,Name\n1,Ann\n2,Bob\n");
+  EXPECT_EQ(ReadTable("a.csv"), "Id,Name\n1,Ann\n2,Bob\n");
 }
 
 struct GoodCase {
@@ -129,7 +129,7 @@ TEST_F(LoadTest, ValuesBecomeTheFieldsType) {
     SCOPED_TRACE(c.values);
     WriteTable();
     Load(std::string(c.values) + "\n");
-    EXPECT_EQ(Read("a.csv"), std::string("Id,Name\n1,Ann\n") + c.row + "\n");
+    EXPECT_EQ(ReadTable("a.csv"), std::string("Id,Name\n1,Ann\n") + c.row + "\n");
   }
 }
 
@@ -297,7 +297,7 @@ TEST_F(LoadTest, TablesMoveThroughEveryFormThatKeepsTypes) {
     CreateAllTypes(name);
     const std::string rows = Output({"--locale", "en-US", "rows", "from.csv", "--format", format});
     EXPECT_EQ(Load(rows, name).errors, "4 rows loaded\n");
-    EXPECT_EQ(Read(name), Read("from.csv"));
+    EXPECT_EQ(Read(name), ReadTable("from.csv"));
     EXPECT_EQ(Output({"--locale", "en-US", "rows", name, "--format", format}), rows);
   }
 }
@@ -318,7 +318,7 @@ TEST_F(LoadTest, CoordinateFieldsMayBeLeftOut) {
                  "p.csv")
                 .errors,
             "3 rows loaded\n");
-  EXPECT_EQ(Read("p.csv"), head + "A,40\xC2\xB0 30' N 79\xC2\xB0 15' W\n" +
+  EXPECT_EQ(ReadTable("p.csv"), head + "A,40\xC2\xB0 30' N 79\xC2\xB0 15' W\n" +
                                "B,1\xC2\xB0 30' N 9\xC2\xB0 15' W\nC,\n");
   ExpectRefused(Load("[1,2,3]\n", "p.csv"),
                 "texttables: error: 0x8007000D: standard input, line 1: 3 values for 2 fields (4 "
@@ -329,7 +329,7 @@ TEST_F(LoadTest, FieldsOfOneNameTakeTheirTurns) {
   Write("a.csv", "A,A,a\n1,2,3\n");
   const ProcessResult result = Load("{\"A\":4,\"A\":5,\"a\":6}\n{\"A\":7,\"a\":8}\n");
   EXPECT_EQ(result.errors, "2 rows loaded\n");
-  EXPECT_EQ(Read("a.csv"), "A,A,a\n1,2,3\n4,5,6\n7,,8\n");
+  EXPECT_EQ(ReadTable("a.csv"), "A,A,a\n1,2,3\n4,5,6\n7,,8\n");
 }
 
 TEST_F(LoadTest, FirstTextOfAColumnThatIsCutIsAWarning) {
@@ -350,7 +350,7 @@ TEST_F(LoadTest, NumberWiderThanItsFixedColumnIsAWarningAndAnEvent) {
   EXPECT_EQ(result.errors,
             "texttables: warning: 0x80040955: rows, line 1: In file f.txt, a value of field Id "
             "cannot be written as the field's type. It is left blank.\n3 rows loaded\n");
-  EXPECT_EQ(Read("f.txt"), "  1 A\n    B\n  2 C\n    D\n");
+  EXPECT_EQ(ReadTable("f.txt"), "  1 A\n    B\n  2 C\n    D\n");
   const std::string event =
       "{\"event\":\"message\",\"text\":\"In file f.txt, a value of field Id cannot be written as "
       "the field's type. It is left blank.\"}\n";
@@ -368,7 +368,7 @@ TEST_F(LoadTest, LongLinesComeThroughWhole) {
             std::string(3000000, ' ') + "\n";
   EXPECT_EQ(Load(rows).errors, "3 rows loaded\n");
   EXPECT_EQ(Output({"count", "a.csv"}), "3\n");
-  EXPECT_EQ(Read("a.csv").size(), 5 + 3 * (2 + 7000 + 1));
+  EXPECT_EQ(ReadTable("a.csv").size(), 5 + 3 * (2 + 7000 + 1));
 }
 
 TEST_F(LoadTest, WideRowsComeThrough) {
@@ -383,7 +383,7 @@ TEST_F(LoadTest, WideRowsComeThrough) {
   }
   Write("a.csv", names + "\n" + values + "\n");
   EXPECT_EQ(Load(object + "}\n").errors, "1 row loaded\n");
-  EXPECT_TRUE(Read("a.csv") == names + "\n" + values + "\n" + values + "\n");
+  EXPECT_TRUE(ReadTable("a.csv") == names + "\n" + values + "\n" + values + "\n");
 }
 
 TEST_F(LoadTest, MissingTablesAndFilesAreNamed) {
@@ -396,7 +396,7 @@ TEST_F(LoadTest, MissingTablesAndFilesAreNamed) {
                    "a table cannot be loaded from its own file, ./a.csv");
   ExpectUsageError(Run({"load"}), "TABLE");
   ExpectUsageError(Run({"load", "a.csv", "b", "c"}), "c");
-  EXPECT_EQ(Read("a.csv"), "Id,Name\n1,Ann\n");
+  EXPECT_EQ(ReadTable("a.csv"), "Id,Name\n1,Ann\n");
 }
 
 #ifndef _WIN32
@@ -411,7 +411,7 @@ TEST_F(LoadTest, FullDiskKeepsWholeRowsAndCountsThem) {
   request.program = "/bin/sh";
   const ProcessResult result = RunProcess(request);
   EXPECT_EQ(result.exitCode, 1);
-  const std::string table = Read("a.csv");
+  const std::string table = ReadTable("a.csv");
   const auto count = std::count(table.begin(), table.end(), '\n') - 1;
   EXPECT_EQ(result.errors,
             "texttables: error: 0x80004005: ./a.csv: the rows could not be written; "
@@ -436,7 +436,7 @@ TEST_F(LoadTest, InterruptKeepsTheRowsSoFar) {
   ::close(writer);
   EXPECT_EQ(result.signal, SIGINT);
   EXPECT_EQ(result.errors, "2 rows loaded\n");
-  EXPECT_EQ(Read("a.csv"), "Id,Name\n1,Ann\n2,Bob\n3,Cy\n");
+  EXPECT_EQ(ReadTable("a.csv"), "Id,Name\n1,Ann\n2,Bob\n3,Cy\n");
 }
 
 #endif

@@ -49,6 +49,17 @@ class TexttablesTest : public testing::Test {
     return {std::istreambuf_iterator<char>(file), {}};
   }
 
+  // A table that the program has written rows to, with LF at the ends of its lines: rows end as
+  // lines do on the system.
+  std::string ReadTable(const std::string& name) const {
+    std::string bytes = Read(name);
+#ifdef _WIN32
+    for (std::size_t end = 0; (end = bytes.find("\r\n", end)) != std::string::npos; ++end)
+      bytes.erase(end, 1);
+#endif
+    return bytes;
+  }
+
   ProcessRequest Request(std::vector<std::string> arguments) const {
     ProcessRequest request;
     request.program = PROGRAM_FILE;

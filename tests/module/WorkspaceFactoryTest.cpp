@@ -289,7 +289,7 @@ TEST_F(WorkspaceFactoryTest, RejectedFoldersAreNamed) {
 
 TEST_F(WorkspaceFactoryTest, LinkToFolderIsOpened) {
   folder_.MakeFolder(u"real");
-  folder_.MakeLink(u"link", u"real");
+  if (!folder_.MakeLink(u"link", u"real")) GTEST_SKIP() << "links cannot be made here";
   EXPECT_EQ(Open(folder_.Path(u"link")), S_OK);
 }
 

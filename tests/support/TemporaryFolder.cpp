@@ -60,8 +60,11 @@ void TemporaryFolder::MakeFolder(std::u16string_view name) const {
   fs::create_directory(Native(name));
 }
 
-void TemporaryFolder::MakeLink(std::u16string_view name, std::u16string_view target) const {
-  fs::create_symlink(fs::path(NativeFromFileName(target)), Native(name));
+bool TemporaryFolder::MakeLink(std::u16string_view name, std::u16string_view target) const {
+  boost::system::error_code error;
+  fs::create_symlink(fs::path(NativeFromFileName(target)), Native(name), error);
+  // Wine says that it has made one.
+  return !error && fs::symlink_status(Native(name), error).type() != fs::file_not_found;
 }
 
 void TemporaryFolder::Remove(std::u16string_view name) const { fs::remove_all(Native(name)); }

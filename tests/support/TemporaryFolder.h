@@ -34,7 +34,8 @@ class TemporaryFolder {
 
   bool Exists(std::u16string_view name) const;
   void MakeFolder(std::u16string_view name) const;
-  void MakeLink(std::u16string_view name, std::u16string_view target) const;
+  // False where the system, or this user, cannot make links.
+  bool MakeLink(std::u16string_view name, std::u16string_view target) const;
   void Remove(std::u16string_view name) const;
   std::vector<std::u16string> Names() const;  // sorted
 

@@ -2,6 +2,7 @@
 // clang-format off
 #include "platform/ComponentCategories.h"
 #include <comcat.h>
+#include <cwchar>
 // clang-format on
 
 namespace {
@@ -35,6 +36,19 @@ HRESULT ChangeCategory(Change change, REFCLSID classId, CATID category) noexcept
   return result;
 }
 
+bool HasCategory(REFCLSID classId, REFGUID category) noexcept {
+  wchar_t classText[39] = {};
+  wchar_t categoryText[39] = {};
+  ::StringFromGUID2(classId, classText, 39);
+  ::StringFromGUID2(category, categoryText, 39);
+  wchar_t path[160] = {};
+  std::swprintf(path, 160, L"CLSID\\%ls\\Implemented Categories\\%ls", classText, categoryText);
+  HKEY key = nullptr;
+  if (::RegOpenKeyExW(HKEY_CLASSES_ROOT, path, 0, KEY_READ, &key) != ERROR_SUCCESS) return false;
+  ::RegCloseKey(key);
+  return true;
+}
+
 }  // namespace
 
 HRESULT RegisterImplementedCategory(REFCLSID classId, REFGUID category) noexcept {
@@ -42,10 +56,7 @@ HRESULT RegisterImplementedCategory(REFCLSID classId, REFGUID category) noexcept
 }
 
 HRESULT UnregisterImplementedCategory(REFCLSID classId, REFGUID category) noexcept {
-  const HRESULT result =
-      ChangeCategory(&ICatRegister::UnRegisterClassImplCategories, classId, category);
-  // Registrars differ in what they call a category that the class does not have.
-  const bool hadNone =
-      result == HRESULT_FROM_WIN32(ERROR_FILE_NOT_FOUND) || result == CAT_E_CATIDNOEXIST;
-  return hadNone ? S_OK : result;
+  // Registrars differ in what they answer for a category that the class does not have.
+  if (!HasCategory(classId, category)) return S_OK;
+  return ChangeCategory(&ICatRegister::UnRegisterClassImplCategories, classId, category);
 }
