@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <csignal>
+#include <system_error>
 
 #ifndef _WIN32
 #include <fcntl.h>
@@ -391,7 +392,7 @@ TEST_F(LoadTest, MissingTablesAndFilesAreNamed) {
   ExpectRefused(Run({"load", "nope.csv"}),
                 "texttables: error: 0x80040351: table not found: nope.csv\n");
   ExpectRefused(Run({"load", "a.csv", "nowhere"}),
-                "texttables: error: 0x80070002: No such file or directory: nowhere\n");
+                "texttables: error: 0x80070002: " + std::system_category().message(2) + ": nowhere\n");
   ExpectUsageError(Run({"load", "a.csv", "./a.csv"}),
                    "a table cannot be loaded from its own file, ./a.csv");
   ExpectUsageError(Run({"load"}), "TABLE");

@@ -100,7 +100,7 @@ TEST_F(ComHostTest, ReadsEveryValueAndLetsTheModuleGo) {
                 "1,70000,1.5,\xC3\xBC,2020-01-05 10:30:00,\"48\xC2\xB0N, 11\xC2\xB0" "E\"\n"
                 "2,,2.25,plain,2021-01-05 00:00:00,\"49\xC2\xB0N, 12\xC2\xB0" "E\"\n");
   folder_.Write(u"schema.ini",
-                "[a.csv]\nFormat=CSVDelimited\nColNameHeader=True\nCharacterSet=65001\n"
+                "[a.csv]\nFormat=CSVDelimited\nColNameHeader=True\n"
                 "Col1=Small Short\nCol2=Whole Long\nCol3=Real Double\nCol4=Text Text\n"
                 "Col5=When DateTime\nCol6=Where Text\n");
   const Apartment apartment;
