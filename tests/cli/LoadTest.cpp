@@ -298,7 +298,7 @@ TEST_F(LoadTest, TablesMoveThroughEveryFormThatKeepsTypes) {
     CreateAllTypes(name);
     const std::string rows = Output({"--locale", "en-US", "rows", "from.csv", "--format", format});
     EXPECT_EQ(Load(rows, name).errors, "4 rows loaded\n");
-    EXPECT_EQ(Read(name), ReadTable("from.csv"));
+    EXPECT_EQ(Read(name), Read("from.csv"));
     EXPECT_EQ(Output({"--locale", "en-US", "rows", name, "--format", format}), rows);
   }
 }
