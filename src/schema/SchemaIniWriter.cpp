@@ -2,7 +2,10 @@
 
 #include <string>
 
+#include "host/CoreSupport/CharacterClasses.h"
 #include "schema/SchemaIniFile.h"
+#include "schema/SchemaIniReader.h"
+#include "schema/Utf8.h"
 
 namespace TextFile {
 
@@ -41,29 +44,55 @@ std::u16string FormatOf(const SchemaOptions& options) {
   return u"Delimited(" + std::u16string(1, options.delimiter) + u")";
 }
 
+bool HasWidthClause(const FieldDefinition& field) noexcept {
+  return field.hasWidth && field.width >= 1;
+}
+
 // The pattern behind the keyword of a date. It is read as one token, or as two with whatever they
 // hold; a part with blanks of its own goes into quotes. Patterns that could not be read back, and
 // that of a date with an offset, are left out.
 std::u16string PatternClause(const FieldDefinition& field) {
   constexpr std::u16string_view kFirstLetters = u"mMdDyYhH";
-  const std::u16string& pattern = field.dateFormat.pattern;
+  const std::u16string_view pattern = quenra::TrimBlanks(field.dateFormat.pattern);
   const bool dated = field.type == FieldType::kDate || field.type == FieldType::kDateOnly ||
                      field.type == FieldType::kTimeOnly;
-  if (!dated || pattern.empty() || pattern.find(u'"') != std::u16string::npos ||
-      kFirstLetters.find(pattern.front()) == std::u16string_view::npos)
+  if (!dated || pattern.empty() || pattern.find_first_of(u"\"\r\n") != pattern.npos ||
+      kFirstLetters.find(pattern.front()) == pattern.npos)
     return {};
+  std::u16string clause(u" ");
   const std::size_t blank = pattern.rfind(u' ');
-  if (blank == std::u16string::npos || pattern.find(u' ') == blank) return u' ' + pattern;
-  return u" \"" + pattern.substr(0, blank) + u"\" " + pattern.substr(blank + 1);
+  if (blank == pattern.npos) {
+    clause += pattern;
+    // A second part of nothing but a blank, or Width would be taken for the second part.
+    if (HasWidthClause(field)) clause += u" \" \"";
+  } else if (pattern.find(u' ') == blank) {
+    clause += pattern;
+  } else {
+    ((clause += u'"') += pattern.substr(0, blank)) += u"\" ";
+    clause += pattern.substr(blank + 1);
+  }
+  return clause;
+}
+
+// No name can hold what ends its line, its quotes or the file.
+void RequireWritableName(const FieldDefinition& field) {
+  constexpr std::u16string_view kUnwritable(u"\0\x1A\r\n\"", 5);
+  if (field.name.empty()) throw SchemaIniFailure{u"A field without a name cannot be written."};
+  if (field.name.find_first_of(kUnwritable) != std::u16string::npos ||
+      !IsWellFormedText(field.name))
+    throw SchemaIniFailure{u"The name of field \"" + field.name + u"\" cannot be written."};
 }
 
 std::u16string ColumnLine(const FieldDefinition& field) {
-  const bool quoted = field.name.find(u' ') != std::u16string::npos;
+  RequireWritableName(field);
+  // White space in front of a value does not survive being read either.
+  const bool quoted = field.name.find(u' ') != std::u16string::npos ||
+                      quenra::IsWhiteSpace(field.name.front());
   std::u16string line = quoted ? u'"' + field.name + u'"' : field.name;
   line += u' ';
   line += KeywordOfType(field.type);
   line += PatternClause(field);
-  if (field.hasWidth && field.width >= 1) line += u" Width " + SectionText::Decimal(field.width);
+  if (HasWidthClause(field)) line += u" Width " + SectionText::Decimal(field.width);
   return line;
 }
 
@@ -138,8 +167,18 @@ bool Guarded(std::u16string* failure, const Change& change) noexcept {
   return false;
 }
 
+// A schema.ini that cannot be read has no sections, here as for those who open tables.
+std::optional<SectionLines> LinesOf(const SchemaIniPaths& paths, std::u16string_view name) {
+  try {
+    const SchemaIniFile file(paths, SchemaIniFile::Access::kRead);
+    if (const SectionLines* lines = file.Find(name)) return *lines;
+  } catch (const SchemaIniFailure&) {
+  }
+  return std::nullopt;
+}
+
 bool HasSection(const SchemaIniPaths& paths, std::u16string_view name) {
-  return SchemaIniFile(paths, SchemaIniFile::Access::kRead).Find(name) != nullptr;
+  return LinesOf(paths, name).has_value();
 }
 
 }  // namespace
@@ -149,6 +188,44 @@ bool WriteSchemaSection(const SchemaIniPaths& paths, std::u16string_view section
   return Guarded(failure, [&] {
     SchemaIniFile file(paths, SchemaIniFile::Access::kWrite);
     file.Replace(sectionName, SchemaSectionLines(options));
+    file.Save();
+  });
+}
+
+bool AddSchemaColumn(const SchemaIniPaths& paths, std::u16string_view sectionName,
+                     std::int32_t index, const FieldDefinition& column,
+                     std::optional<FieldDefinition>& declared) {
+  const auto read = [&] {
+    SchemaOptions options;
+    ReadSchemaSection(paths, sectionName, options);
+    const auto found = options.columns.find(index);
+    if (found != options.columns.end()) declared = found->second;
+    return options;
+  };
+  // The first look needs no right to write.
+  read();
+  if (declared.has_value()) return false;
+  return Guarded(nullptr, [&] {
+    SchemaIniFile file(paths, SchemaIniFile::Access::kWrite);
+    SchemaOptions options = read();
+    if (declared.has_value()) throw SchemaIniFailure{u"The column is declared already."};
+    options.columns.emplace(index, column);
+    file.Replace(sectionName, SchemaSectionLines(options));
+    file.Save();
+  });
+}
+
+SavedSchemaSection::SavedSchemaSection(const SchemaIniPaths& paths, std::u16string_view sectionName)
+    : paths_(paths), name_(sectionName), lines_(LinesOf(paths, sectionName)) {}
+
+void SavedSchemaSection::Restore() const noexcept {
+  if (!lines_.has_value()) {
+    DropSchemaSection(paths_, name_);
+    return;
+  }
+  Guarded(nullptr, [&] {
+    SchemaIniFile file(paths_, SchemaIniFile::Access::kWrite);
+    file.Replace(name_, *lines_);
     file.Save();
   });
 }
@@ -188,9 +265,8 @@ bool CopySchemaSection(const SchemaIniPaths& from, std::u16string_view sectionNa
                        const SchemaIniPaths& to, std::u16string_view newName,
                        std::u16string* failure) noexcept {
   return Guarded(failure, [&] {
-    const SchemaIniFile source(from, SchemaIniFile::Access::kRead);
-    const SectionLines* lines = source.Find(sectionName);
-    if (lines == nullptr) {
+    const std::optional<SectionLines> lines = LinesOf(from, sectionName);
+    if (!lines.has_value()) {
       // What an earlier file of the new name has left must not describe the copy.
       if (!HasSection(to, newName)) return;
       SchemaIniFile target(to, SchemaIniFile::Access::kWrite);
