@@ -205,10 +205,10 @@ TEST_F(TableFilesTest, ASchemaIniThatCannotBeWrittenTakesEverythingBack) {
   ExpectUntouched({u"~scheam.ini"});
 }
 
-TEST_F(TableFilesTest, ASectionUnderTheNewNameComesBackAfterAFailure) {
+TEST_F(TableFilesTest, ASectionUnderTheNewNameSurvivesAFailure) {
   folder_.MakeFolder(u"to");
   folder_.Write(u"to/schema.ini", "[b.csv]\nCol1=Kept Text\n");
-  // The section can be written, the file cannot take its name any more.
+  // No file can be made under the temporary name.
   folder_.MakeLink(u"to/~b.csv.tmp", u"nowhere");
   EXPECT_NE(Refusal([&] { CopyTableFiles(In(u"a.csv"), {folder_.Path(u"to"), u"b.csv"}); }), "");
   EXPECT_EQ(folder_.Read(u"to/schema.ini"), "[b.csv]\nCol1=Kept Text\n");

@@ -73,14 +73,11 @@ bool ExclusiveFile::Open(const NativeFileName& path) {
       ::close(descriptor);
       continue;
     }
-    if (::ftruncate(descriptor, 0) != 0) {
-      const int failure = errno;
-      ::close(descriptor);
-      return Fail(failure);
-    }
     path_ = path;
     descriptor_ = descriptor;
-    return true;
+    if (::ftruncate(descriptor_, 0) == 0) return true;
+    // The destructor removes the file.
+    return Fail(errno);
   }
 }
 
