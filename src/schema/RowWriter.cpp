@@ -316,8 +316,9 @@ bool RowWriter::FormatText(const Column& column, const VARIANT& value) {
     if (quote != 0 && written == quote) kept += quote;
   }
   AppendUtf8(kept, value_);
-  const auto first = std::find_if_not(text.begin(), text.end(), quenra::IsWhiteSpace);
-  leadingQuote_ = quote != 0 && first != text.end() && *first == quote;
+  // Looked for in what is written: a character that is dropped may have stood in front of it.
+  const auto first = std::find_if_not(kept.begin(), kept.end(), quenra::IsWhiteSpace);
+  leadingQuote_ = quote != 0 && first != kept.end() && *first == quote;
   return true;
 }
 

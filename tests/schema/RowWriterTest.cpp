@@ -171,7 +171,8 @@ constexpr TextCase kTextCases[] = {
     {u" blanks kept ", " blanks kept "},
     {u"it's; fine|", "it's; fine|"},
     {u"\U0001F600\u00E9", "\xF0\x9F\x98\x80\xC3\xA9"},
-    {u"a\u001Ab", "ab"},
+    {u"a\x1A" u"b", "ab"},
+    {u"\x1A\"x", "\"\"\"x\""},
 };
 
 TEST_F(RowWriterTest, TextsAreQuotedWhereTheyWouldNotBeReadOtherwise) {
