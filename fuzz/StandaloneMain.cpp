@@ -1,7 +1,7 @@
 // Runs one fuzz target over files instead of inventing input, so that a target can be built and
 // its known inputs checked by any compiler.
 //
-//   LatLongFuzz fuzz/corpus/LatLongFuzz some-crash-file
+//   LatLongFormatFuzz fuzz/corpus/LatLongFormatFuzz some-crash-file
 //
 // Each argument is a file or a folder of files.
 // The target always sees the empty input first. Exits with 1 when a file cannot be read.

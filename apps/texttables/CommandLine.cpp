@@ -5,7 +5,10 @@
 #include <charconv>
 
 #include "Failures.h"
+#include "Fields.h"
 #include "Terminal.h"
+#include "TextEncoding.h"
+#include "host/DataCore/DataCoreUtil.h"
 
 namespace TextTables {
 
@@ -17,8 +20,9 @@ struct CommandName {
 };
 constexpr CommandName kCommands[] = {
     {Command::kList, "list"},     {Command::kDescribe, "describe"}, {Command::kRows, "rows"},
-    {Command::kCount, "count"},   {Command::kStat, "stat"},         {Command::kClaim, "claim"},
-    {Command::kLocale, "locale"},
+    {Command::kCount, "count"},   {Command::kStat, "stat"},         {Command::kCreate, "create"},
+    {Command::kLoad, "load"},     {Command::kCopy, "copy"},         {Command::kRename, "rename"},
+    {Command::kDelete, "delete"}, {Command::kClaim, "claim"},       {Command::kLocale, "locale"},
 };
 
 struct FormatName {
@@ -26,8 +30,9 @@ struct FormatName {
   const char* name;
 };
 constexpr FormatName kFormats[] = {
-    {RowFormat::kTable, "table"}, {RowFormat::kCsv, "csv"},   {RowFormat::kJsonLines, "jsonl"},
-    {RowFormat::kTyped, "typed"}, {RowFormat::kNone, "none"},
+    {RowFormat::kTable, "table"},     {RowFormat::kCsv, "csv"},
+    {RowFormat::kJsonLines, "jsonl"}, {RowFormat::kTyped, "typed"},
+    {RowFormat::kGeoJson, "geojson"}, {RowFormat::kNone, "none"},
 };
 
 template <class Entry, std::size_t count>
@@ -97,6 +102,8 @@ struct RawArguments {
   std::vector<std::string> names;
   std::string format, limit;
   std::vector<std::string> columns;
+  std::vector<std::string> fields;
+  std::string source, target;
 };
 
 void AddGlobalOptions(CLI::App& app, RawArguments& raw, GlobalOptions& global) {
@@ -120,7 +127,7 @@ void AddGlobalOptions(CLI::App& app, RawArguments& raw, GlobalOptions& global) {
       ->allow_extra_args(false);
   app.add_option("--event-log", raw.eventLogFile, "Write the data source's events as JSON lines")
       ->type_name("FILE");
-  app.add_flag("--quiet", global.quiet, "No warnings and no progress");
+  app.add_flag("--quiet", global.quiet, "No warnings, no progress, no count of loaded rows");
 }
 
 constexpr const char* kJson = "JSON instead of text for people";
@@ -141,8 +148,9 @@ CLI::Option* AddPositional(CLI::App* command, const char* name, std::string& val
 void AddRows(CLI::App& app, RawArguments& raw, bool& json) {
   CLI::App* rows = AddCommand(app, "rows", "The rows of a table");
   AddPositional(rows, "TABLE", raw.path, kTable);
-  rows->add_option("--format", raw.format,
-                   "table, csv, jsonl, typed or none; by default table on a terminal, else csv")
+  rows->add_option(
+          "--format", raw.format,
+          "table, csv, jsonl, typed, geojson or none; by default table on a terminal, else csv")
       ->type_name("FORMAT");
   rows->add_flag("--json", json, "The same as --format jsonl");
   rows->add_option("--columns", raw.columns, "Only these columns, in this order")
@@ -151,7 +159,37 @@ void AddRows(CLI::App& app, RawArguments& raw, bool& json) {
   rows->add_option("--limit", raw.limit, "At most so many rows")->type_name("N");
 }
 
-void AddCommands(CLI::App& app, RawArguments& raw, bool& json) {
+void AddWritingCommands(CLI::App& app, RawArguments& raw, bool& overwrite) {
+  CLI::App* create = AddCommand(app, "create", "A new table");
+  AddPositional(create, "TABLE", raw.path, kTable);
+  create
+      ->add_option("--field", raw.fields,
+                   "A field; may be repeated. TYPE is a name that describe prints, or its code")
+      ->type_name("NAME:TYPE[:LENGTH[:PRECISION]]")
+      ->allow_extra_args(false);
+  create->add_flag("--overwrite", overwrite, "In place of a file of that name");
+
+  CLI::App* load = AddCommand(app, "load", "Append rows to a table");
+  AddPositional(load, "TABLE", raw.path, kTable);
+  load->add_option(
+          "FILE", raw.source,
+          "Lines of JSON, an array or an object a row; by default, and with -, standard input")
+      ->type_name("");
+
+  CLI::App* copy = AddCommand(app, "copy", "Copy a table with what schema.ini says of it");
+  AddPositional(copy, "TABLE", raw.path, kTable);
+  AddPositional(copy, "NEWTABLE", raw.target, "FOLDER/NAME of the copy");
+
+  CLI::App* rename = AddCommand(app, "rename", "Give a table another name in its folder");
+  AddPositional(rename, "TABLE", raw.path, kTable);
+  AddPositional(rename, "NEWNAME", raw.target, "The new name, without a folder");
+
+  CLI::App* remove = AddCommand(app, "delete", "Delete a table with what schema.ini says of it");
+  AddPositional(remove, "TABLE", raw.path, kTable);
+}
+
+void AddCommands(CLI::App& app, RawArguments& raw, CommandLine& line) {
+  bool& json = line.json;
   CLI::App* list = AddCommand(app, "list", "The tables of a folder");
   AddPositional(list, "FOLDER", raw.path, kFolder);
   list->add_flag("--json", json, kJson);
@@ -166,6 +204,8 @@ void AddCommands(CLI::App& app, RawArguments& raw, bool& json) {
     command->add_flag("--json", json, kJson);
     if (std::string_view(name) == "describe") AddRows(app, raw, json);
   }
+
+  AddWritingCommands(app, raw, line.overwrite);
 
   CLI::App* claim = AddCommand(app, "claim", "Which of these files belong to the data source");
   AddPositional(claim, "FOLDER", raw.path, kFolder);
@@ -215,6 +255,58 @@ void FillRowOptions(const CLI::App& command, const RawArguments& raw, bool json,
       rows.columns.push_back(Terminal::TextOfArgument(name));
 }
 
+// The LENGTH or PRECISION of a field; an empty one is not set.
+bool ReadSize(std::string_view text, std::optional<LONG>& size) {
+  if (text.empty()) return true;
+  LONG value = 0;
+  const char* const end = text.data() + text.size();
+  const auto result = std::from_chars(text.data(), end, value);
+  if (text[0] == '-' || result.ec != std::errc() || result.ptr != end) return false;
+  size = value;
+  return true;
+}
+
+// NAME:TYPE and `sizes` numbers behind it, in the parts of a field's argument. A type that nothing
+// stands in front of is part of a name.
+std::optional<NewField> ReadField(std::string_view text, int sizes) {
+  std::string_view parts[2];
+  std::string_view rest = text;
+  for (int i = sizes - 1; i >= 0; --i) {
+    const std::size_t colon = rest.rfind(':');
+    if (colon == std::string_view::npos) return std::nullopt;
+    parts[i] = rest.substr(colon + 1);
+    rest = rest.substr(0, colon);
+  }
+  const std::size_t colon = rest.rfind(':');
+  if (colon == std::string_view::npos || colon == 0) return std::nullopt;
+  const auto type = FieldTypeOf(rest.substr(colon + 1));
+  NewField field;
+  if (!type || !ReadSize(parts[0], field.length) || !ReadSize(parts[1], field.precision))
+    return std::nullopt;
+  field.name = Terminal::TextOfArgument(rest.substr(0, colon));
+  field.type = *type;
+  return field;
+}
+
+// A name may hold colons: what can be read as precision, length and type from the end is not part
+// of the name.
+NewField NewFieldOf(const std::string& text) {
+  for (const int sizes : {2, 1, 0})
+    if (auto field = ReadField(text, sizes)) return *std::move(field);
+  throw UsageError("--field takes NAME:TYPE[:LENGTH[:PRECISION]], not \"" + text +
+                   "\"; types: " + FieldTypeNames());
+}
+
+void FillNewFields(const std::vector<std::string>& arguments, std::vector<NewField>& fields) {
+  for (const std::string& argument : arguments) {
+    NewField field = NewFieldOf(Unmarked(argument));
+    for (const NewField& other : fields)
+      if (quenra::DataCoreUtil::CompareFoldCase(other.name, field.name))
+        throw UsageError("there are two fields \"" + Utf8(field.name) + "\"");
+    fields.push_back(std::move(field));
+  }
+}
+
 Command CommandOf(const std::string& name) {
   return std::find_if(std::begin(kCommands), std::end(kCommands),
                       [&name](const CommandName& entry) { return name == entry.name; })
@@ -240,7 +332,7 @@ UsageError UsageErrorOf(const CLI::App& app, const CLI::ParseError& error) {
 CommandLine ParseCommandLine(std::vector<std::string> arguments) {
   CommandLine line;
   RawArguments raw;
-  CLI::App app("Shows folders of text files as tables.", "texttables");
+  CLI::App app("Shows and writes folders of text files as tables.", "texttables");
   app.allow_windows_style_options(false);
   app.set_version_flag("--version", "texttables " TEXTTABLES_VERSION, "The program's version");
   app.require_subcommand(1);
@@ -249,7 +341,7 @@ CommandLine ParseCommandLine(std::vector<std::string> arguments) {
   app.get_formatter()->label("Subcommands", "Commands");
   app.get_formatter()->label("REQUIRED", "");
   AddGlobalOptions(app, raw, line.global);
-  AddCommands(app, raw, line.json);
+  AddCommands(app, raw, line);
 
   std::transform(arguments.begin(), arguments.end(), arguments.begin(), Marked);
   std::reverse(arguments.begin(), arguments.end());  // the parser takes them from the end
@@ -269,6 +361,9 @@ CommandLine ParseCommandLine(std::vector<std::string> arguments) {
   line.command = CommandOf(command.get_name());
   line.path = TextOf(raw.path);
   for (const std::string& name : raw.names) line.names.push_back(TextOf(name));
+  line.target = TextOf(raw.target);
+  if (!raw.source.empty() && raw.source != "-") line.source = TextOf(raw.source);
+  FillNewFields(raw.fields, line.fields);
   FillGlobalOptions(app, raw, line.global);
   if (line.command == Command::kRows) FillRowOptions(command, raw, line.json, line.rows);
   return line;

@@ -11,7 +11,20 @@
 
 namespace TextTables {
 
-enum class Command { kList, kDescribe, kRows, kCount, kStat, kClaim, kLocale };
+enum class Command {
+  kList,
+  kDescribe,
+  kRows,
+  kCount,
+  kStat,
+  kCreate,
+  kLoad,
+  kCopy,
+  kRename,
+  kDelete,
+  kClaim,
+  kLocale
+};
 
 // Options that stand before or behind any command.
 struct GlobalOptions {
@@ -33,6 +46,14 @@ struct RowOptions {
   std::optional<std::uint64_t> limit;
 };
 
+// A field of a table to be created.
+struct NewField {
+  std::u16string name;
+  LONG type = 0;
+  std::optional<LONG> length;
+  std::optional<LONG> precision;
+};
+
 struct CommandLine {
   Command command = Command::kLocale;
   GlobalOptions global;
@@ -40,6 +61,10 @@ struct CommandLine {
   std::vector<std::u16string> names;  // claim
   bool json = false;
   RowOptions rows;
+  std::vector<NewField> fields;          // create
+  bool overwrite = false;                // create
+  std::optional<std::u16string> source;  // load; nothing: standard input
+  std::u16string target;                 // copy: NEWTABLE; rename: NEWNAME
   std::string reply;  // not empty: only this text is to be printed (help, version)
 };
 

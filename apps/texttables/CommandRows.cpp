@@ -51,7 +51,10 @@ void RunRows(const CommandLine& line, Output& output) {
   const TablePath path = SplitTablePath(line.path);
   const ModuleHost host(line.global);
   const auto dataset = host.OpenTable(path);
-  const ColumnPlan plan = PlanColumns(FieldsOf(*dataset.Get(), path.name), line.rows.columns);
+  const RowFormat format = FormatOf(line.rows);
+  const std::vector<Field> fields = FieldsOf(*dataset.Get(), path.name);
+  const ColumnPlan plan = format == RowFormat::kGeoJson ? PlanFeatures(fields, line.rows.columns)
+                                                        : PlanColumns(fields, line.rows.columns);
 
   const FieldMap fieldMap(plan.fieldMap);
   ComPtr<quenra::IPlugInCursorHelper> cursor;
@@ -59,8 +62,7 @@ void RunRows(const CommandLine& line, Output& output) {
   const auto values = cursor.As<quenra::IPlugInFastQueryValues>();
   if (!values) Check(E_NOINTERFACE, path.name);
 
-  const RowFormat format = FormatOf(line.rows);
-  const auto writer = MakeRowWriter(format, output);
+  const auto writer = MakeRowWriter(format, output, plan.points);
   RowSlots slots(plan.slots);
   // Rows that scroll by on the terminal are progress enough.
   const bool showProgress =

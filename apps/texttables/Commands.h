@@ -13,6 +13,11 @@ void RunDescribe(const CommandLine& line, Output& output);
 void RunCount(const CommandLine& line, Output& output);
 void RunStat(const CommandLine& line, Output& output);
 void RunRows(const CommandLine& line, Output& output);
+void RunCreate(const CommandLine& line, Output& output);
+void RunLoad(const CommandLine& line, Output& output);
+void RunCopy(const CommandLine& line, Output& output);
+void RunRename(const CommandLine& line, Output& output);
+void RunDelete(const CommandLine& line, Output& output);
 void RunLocale(const CommandLine& line, Output& output);
 
 }  // namespace TextTables

@@ -2,15 +2,13 @@
 
 #include <cstdlib>
 
+#include "Fields.h"
 #include "host/CoreSupport/DatetimeHelper.h"
 #include "host/com/ComPtr.h"
 
 namespace TextTables {
 
 namespace {
-
-constexpr LONG kDateOnlyField = 14;
-constexpr LONG kTimeOnlyField = 15;
 
 // The OLE date of 1970-01-01.
 constexpr double kUnixEpoch = 25569.0;

@@ -83,6 +83,8 @@ void ReportWarnings(bool quiet) {
   for (const ChainedError& error : errors) WriteDiagnosis("warning", error.code, error.text);
 }
 
+void ReportWarning(HRESULT code, std::string_view text) { WriteDiagnosis("warning", code, text); }
+
 void ReportRefusal(HRESULT code, std::string_view text) { WriteDiagnosis("error", code, text); }
 
 void ReportUsageError(std::string_view text) {

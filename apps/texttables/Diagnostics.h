@@ -16,6 +16,9 @@ std::string TakeChainedText(HRESULT code);
 // nothing is printed. Costs next to nothing when there is none: it is called for every row.
 void ReportWarnings(bool quiet);
 
+// "texttables: warning: 0x80040955: text".
+void ReportWarning(HRESULT code, std::string_view text);
+
 // "texttables: error: 0x80040351: text". Texts keep their line breaks.
 void ReportRefusal(HRESULT code, std::string_view text);
 

@@ -1,6 +1,7 @@
 #include "EventLogFile.h"
 
 #include <filesystem>
+#include <utility>
 
 #include "Failures.h"
 #include "JsonText.h"
@@ -66,19 +67,50 @@ std::string LineOf(const EventLogRecord& record) {
 
 }  // namespace
 
+EventLogFile* EventLogFile::current_ = nullptr;
+
 EventLogFile::EventLogFile(std::u16string_view fileName)
     : file_(std::filesystem::path(NativeFromFileName(fileName)), std::ios::binary) {
   if (!file_) throw UsageError("cannot write the event log " + FileNameBytes(fileName));
+  current_ = this;
   quenra::EventLog::SetSink([this](const EventLogRecord& record) { Write(record); });
 }
 
-EventLogFile::~EventLogFile() { quenra::EventLog::SetSink({}); }
+EventLogFile::~EventLogFile() {
+  quenra::EventLog::SetSink({});
+  current_ = nullptr;
+}
 
 void EventLogFile::Write(const EventLogRecord& record) {
   try {
     file_ << LineOf(record) << std::flush;
   } catch (...) {
     // The sink must not throw: the data source's work goes on without this line.
+  }
+}
+
+MessageWatch::MessageWatch() {
+  quenra::EventLog::SetSink([this](const EventLogRecord& record) { Hear(record); });
+}
+
+MessageWatch::~MessageWatch() {
+  EventLogFile* const file = EventLogFile::current_;
+  if (file == nullptr) {
+    quenra::EventLog::SetSink({});
+    return;
+  }
+  quenra::EventLog::SetSink([file](const EventLogRecord& record) { file->Write(record); });
+}
+
+std::vector<std::u16string> MessageWatch::Take() { return std::exchange(messages_, {}); }
+
+void MessageWatch::Hear(const EventLogRecord& record) {
+  if (EventLogFile::current_ != nullptr) EventLogFile::current_->Write(record);
+  if (record.kind != EventLogRecord::Kind::kMessage) return;
+  try {
+    messages_.emplace_back(record.text);
+  } catch (...) {
+    // As above.
   }
 }
 

@@ -2,7 +2,9 @@
 #pragma once
 
 #include <fstream>
+#include <string>
 #include <string_view>
+#include <vector>
 
 #include "host/AppEventLog/EventLog.h"
 
@@ -21,7 +23,29 @@ class EventLogFile {
  private:
   void Write(const quenra::EventLogRecord& record);
 
+  static EventLogFile* current_;
+  friend class MessageWatch;
+
   std::ofstream file_;
+};
+
+// Hears the messages beside the file. The sink has one place: one watch at a time, made after the
+// file and gone before it.
+class MessageWatch {
+ public:
+  MessageWatch();
+  ~MessageWatch();
+  MessageWatch(const MessageWatch&) = delete;
+  MessageWatch& operator=(const MessageWatch&) = delete;
+
+  // The messages since the last time. Costs next to nothing when there are none: it is called for
+  // every row.
+  std::vector<std::u16string> Take();
+
+ private:
+  void Hear(const quenra::EventLogRecord& record);
+
+  std::vector<std::u16string> messages_;
 };
 
 }  // namespace TextTables

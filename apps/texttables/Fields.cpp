@@ -1,5 +1,8 @@
 #include "Fields.h"
 
+#include <algorithm>
+#include <charconv>
+
 #include "Failures.h"
 #include "host/CoreSupport/BString.h"
 #include "host/DataCore/DataCoreUtil.h"
@@ -8,6 +11,35 @@
 namespace TextTables {
 
 namespace {
+
+struct TypeName {
+  LONG type;
+  const char* name;
+};
+constexpr TypeName kTypeNames[] = {
+    {kSmallIntegerField, "SmallInteger"},
+    {kIntegerField, "Integer"},
+    {kBigIntegerField, "BigInteger"},
+    {kSingleField, "Single"},
+    {kDoubleField, "Double"},
+    {kStringField, "String"},
+    {kDateField, "Date"},
+    {kDateOnlyField, "DateOnly"},
+    {kTimeOnlyField, "TimeOnly"},
+    {kTimestampOffsetField, "TimestampOffset"},
+    {kObjectIdField, "ObjectId"},
+    {kGuidField, "Guid"},
+    {kGlobalIdField, "GlobalId"},
+};
+
+constexpr char LowerAscii(char byte) noexcept {
+  return byte >= 'A' && byte <= 'Z' ? static_cast<char>(byte - 'A' + 'a') : byte;
+}
+
+bool EqualsFoldAscii(std::string_view a, std::string_view b) noexcept {
+  return std::equal(a.begin(), a.end(), b.begin(), b.end(),
+                    [](char x, char y) { return LowerAscii(x) == LowerAscii(y); });
+}
 
 Field Read(quenra::HostField& field) {
   Field result;
@@ -41,37 +73,30 @@ std::vector<Field> FieldsOf(quenra::IPlugInDatasetHelper& dataset, const std::u1
 }
 
 std::string FieldTypeName(LONG type) {
-  switch (type) {
-    case 0:
-      return "SmallInteger";
-    case 1:
-      return "Integer";
-    case 2:
-      return "Single";
-    case 3:
-      return "Double";
-    case 4:
-      return "String";
-    case 5:
-      return "Date";
-    case 6:
-      return "ObjectId";
-    case 10:
-      return "Guid";
-    case 11:
-      return "GlobalId";
-    case 13:
-      return "BigInteger";
-    case 14:
-      return "DateOnly";
-    case 15:
-      return "TimeOnly";
-    case 16:
-      return "TimestampOffset";
-    default:
-      return "Type" + std::to_string(type);
-  }
+  for (const TypeName& entry : kTypeNames)
+    if (entry.type == type) return entry.name;
+  return "Type" + std::to_string(type);
 }
+
+std::optional<LONG> FieldTypeOf(std::string_view name) {
+  for (const TypeName& entry : kTypeNames)
+    if (EqualsFoldAscii(entry.name, name)) return entry.type;
+  LONG type = 0;
+  const char* const end = name.data() + name.size();
+  const auto result = std::from_chars(name.data(), end, type);
+  const bool digits = !name.empty() && name[0] >= '0' && name[0] <= '9';
+  if (!digits || result.ec != std::errc() || result.ptr != end) return std::nullopt;
+  return type;
+}
+
+std::string FieldTypeNames() {
+  std::string names;
+  for (const TypeName& entry : kTypeNames)
+    names += (names.empty() ? "" : ", ") + std::string(entry.name);
+  return names;
+}
+
+bool IsVirtualCoordinate(const Field& field) { return field.tag == u"virtual coordinate field"; }
 
 int FindField(const std::vector<Field>& fields, const std::u16string& name) {
   for (std::size_t i = 0; i < fields.size(); ++i)

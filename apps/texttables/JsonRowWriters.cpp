@@ -1,6 +1,7 @@
 // A line a row: objects with natural values, and arrays that tell each value's variant kind.
 #include "DateText.h"
 #include "JsonText.h"
+#include "JsonValueText.h"
 #include "NumberText.h"
 #include "RowWriter.h"
 #include "ValueText.h"
@@ -16,7 +17,7 @@ class JsonLinesRowWriter : public RowWriter {
 
   void Begin(const std::vector<OutputColumn>& columns) override {
     RowWriter::Begin(columns);
-    for (const OutputColumn& column : columns_) keys_.push_back(KeyOf(column));
+    for (const OutputColumn& column : columns_) keys_.push_back(JsonKey(column.name));
   }
 
   void Write(const quenra::HostFieldValue* slots) override {
@@ -24,60 +25,12 @@ class JsonLinesRowWriter : public RowWriter {
     for (std::size_t i = 0; i < columns_.size(); ++i) {
       output_.Append(i == 0 ? '{' : ',');
       output_.Append(keys_[i]);
-      AppendValue(slots[columns_[i].slot].value, columns_[i].type);
+      AppendJsonValue(output_, slots[columns_[i].slot].value, columns_[i].type);
     }
     output_.Append("}\n");
   }
 
  private:
-  // The name in quotes with the colon behind it, since it is the same in every row.
-  static std::string KeyOf(const OutputColumn& column) {
-    StringOutput key;
-    AppendJsonString(key, column.name);
-    key.Append(':');
-    return key.Take();
-  }
-
-  // A date that no calendar holds is shown as the number that it is.
-  void AppendDateOrNumber(const IsoText& text, DATE date) {
-    if (text.length == 0) return AppendJsonNumber(output_, date);
-    output_.Append('"');
-    output_.Append(text.View());
-    output_.Append('"');
-  }
-
-  void AppendTimestamp(IUnknown* object) {
-    Timestamp timestamp;
-    if (!ReadTimestamp(object, timestamp)) return output_.Append("null");
-    AppendDateOrNumber(IsoTimestamp(timestamp.date, timestamp.offsetMinutes), timestamp.date);
-  }
-
-  void AppendValue(const VARIANT& value, LONG fieldType) {
-    switch (value.vt) {
-      case VT_EMPTY:
-      case VT_NULL:
-        return output_.Append("null");
-      case VT_I2:
-        return AppendShortest(output_, value.iVal);
-      case VT_I4:
-        return AppendShortest(output_, value.lVal);
-      case VT_I8:
-        return AppendShortest(output_, value.llVal);
-      case VT_R4:
-        return AppendJsonNumber(output_, value.fltVal);
-      case VT_R8:
-        return AppendJsonNumber(output_, value.dblVal);
-      case VT_BSTR:
-        return AppendJsonString(output_, ViewOf(value.bstrVal));
-      case VT_DATE:
-        return AppendDateOrNumber(IsoDate(value.date, DatePartsOfField(fieldType)), value.date);
-      case VT_UNKNOWN:
-        return AppendTimestamp(value.punkVal);
-      default:
-        return AppendJsonString(output_, ConvertedText(value));
-    }
-  }
-
   std::vector<std::string> keys_;
 };
 

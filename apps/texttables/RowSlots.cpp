@@ -5,6 +5,7 @@
 
 #include "Failures.h"
 #include "TextEncoding.h"
+#include "host/CoreSupport/Variant.h"
 
 namespace TextTables {
 
@@ -17,10 +18,32 @@ UsageError UnknownColumn(const std::vector<Field>& fields, const std::u16string&
   return UsageError(text);
 }
 
-void AddColumn(ColumnPlan& plan, const std::vector<Field>& fields, std::size_t field) {
+std::size_t SlotOf(ColumnPlan& plan, std::size_t field) {
   LONG& slot = plan.fieldMap[field];
   if (slot < 0) slot = static_cast<LONG>(plan.slots++);
-  plan.columns.push_back({fields[field].name, fields[field].type, static_cast<std::size_t>(slot)});
+  return static_cast<std::size_t>(slot);
+}
+
+void AddColumn(ColumnPlan& plan, const std::vector<Field>& fields, std::size_t field) {
+  plan.columns.push_back({fields[field].name, fields[field].type, SlotOf(plan, field)});
+}
+
+// Whether `name` is that of `column` with the suffix, behind which one "_" may tell it apart from
+// another column.
+bool IsCompanion(std::u16string_view name, const std::u16string& column,
+                 std::u16string_view suffix) {
+  const std::u16string companion = column + std::u16string(suffix);
+  return name == companion || name == companion + u"_";
+}
+
+// The point of the virtual coordinate fields at `first` and behind it. Two texts of a coordinate
+// each stand in front of their numbers, which are named after them.
+PointColumns PointAt(ColumnPlan& plan, const std::vector<Field>& fields, std::size_t first) {
+  PointColumns point{SlotOf(plan, first), SlotOf(plan, first + 1), std::nullopt};
+  if (first >= 2 && IsCompanion(fields[first].name, fields[first - 2].name, u"_D") &&
+      IsCompanion(fields[first + 1].name, fields[first - 1].name, u"_D"))
+    point.texts = PointColumns::Texts{SlotOf(plan, first - 2), SlotOf(plan, first - 1)};
+  return point;
 }
 
 }  // namespace
@@ -34,6 +57,23 @@ ColumnPlan PlanColumns(const std::vector<Field>& fields, const std::vector<std::
     const int field = FindField(fields, name);
     if (field < 0) throw UnknownColumn(fields, name);
     AddColumn(plan, fields, static_cast<std::size_t>(field));
+  }
+  return plan;
+}
+
+ColumnPlan PlanFeatures(const std::vector<Field>& fields,
+                        const std::vector<std::u16string>& names) {
+  ColumnPlan plan = PlanColumns(fields, names);
+  if (names.empty()) {
+    plan = {};
+    plan.fieldMap.assign(fields.size(), -1);
+    for (std::size_t i = 0; i < fields.size(); ++i)
+      if (!IsVirtualCoordinate(fields[i])) AddColumn(plan, fields, i);
+  }
+  for (std::size_t i = 0; i + 1 < fields.size(); ++i) {
+    if (!IsVirtualCoordinate(fields[i]) || !IsVirtualCoordinate(fields[i + 1])) continue;
+    plan.points.push_back(PointAt(plan, fields, i));
+    ++i;
   }
   return plan;
 }
@@ -58,8 +98,7 @@ RowSlots::RowSlots(std::size_t count) : values_(count) {
 }
 
 void RowSlots::Clear() noexcept {
-  for (quenra::HostFieldValue& slot : values_)
-    if (slot.value.vt != VT_EMPTY) ::VariantClear(&slot.value);
+  for (quenra::HostFieldValue& slot : values_) quenra::ClearVariant(slot.value);
 }
 
 }  // namespace TextTables

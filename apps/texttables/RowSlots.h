@@ -13,11 +13,16 @@ namespace TextTables {
 struct ColumnPlan {
   std::vector<LONG> fieldMap;
   std::vector<OutputColumn> columns;  // in the order asked for
+  std::vector<PointColumns> points;   // of features only
   std::size_t slots = 0;
 };
 
 // `names` empty asks for all. Throws UsageError for a name that the table does not have.
 ColumnPlan PlanColumns(const std::vector<Field>& fields, const std::vector<std::u16string>& names);
+
+// The plan of rows that become features with points: virtual coordinate fields are columns only
+// when they are asked for by name.
+ColumnPlan PlanFeatures(const std::vector<Field>& fields, const std::vector<std::u16string>& names);
 
 // A field map as the interfaces take it: VT_ARRAY | VT_I4.
 class FieldMap {

@@ -13,7 +13,8 @@ class NoRowWriter : public RowWriter {
 
 }  // namespace
 
-std::unique_ptr<RowWriter> MakeRowWriter(RowFormat format, Output& output) {
+std::unique_ptr<RowWriter> MakeRowWriter(RowFormat format, Output& output,
+                                         const std::vector<PointColumns>& points) {
   switch (format) {
     case RowFormat::kTable:
       return MakeTableRowWriter(output);
@@ -23,6 +24,8 @@ std::unique_ptr<RowWriter> MakeRowWriter(RowFormat format, Output& output) {
       return MakeJsonLinesRowWriter(output);
     case RowFormat::kTyped:
       return MakeTypedRowWriter(output);
+    case RowFormat::kGeoJson:
+      return MakeGeoJsonRowWriter(output, points);
     case RowFormat::kNone:
       break;
   }

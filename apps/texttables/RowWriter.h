@@ -7,6 +7,7 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -15,13 +16,26 @@
 
 namespace TextTables {
 
-enum class RowFormat { kTable, kCsv, kJsonLines, kTyped, kNone };
+enum class RowFormat { kTable, kCsv, kJsonLines, kTyped, kGeoJson, kNone };
 
 // One column of the output.
 struct OutputColumn {
   std::u16string name;
   LONG type = 0;         // the field type code
   std::size_t slot = 0;  // where its value stands among the host's slots
+};
+
+// A point of each row: where its two numbers stand among the host's slots.
+struct PointColumns {
+  std::size_t first = 0;
+  std::size_t second = 0;
+  // Of two texts that are a coordinate each, which do not say by their place which one is the
+  // longitude: their slots. Of one text the first number is the longitude.
+  struct Texts {
+    std::size_t first = 0;
+    std::size_t second = 0;
+  };
+  std::optional<Texts> texts;
 };
 
 class RowWriter {
@@ -45,12 +59,16 @@ class RowWriter {
   std::vector<OutputColumn> columns_;
 };
 
-std::unique_ptr<RowWriter> MakeRowWriter(RowFormat format, Output& output);
+// `points` are for GeoJSON; the other formats have no use for them.
+std::unique_ptr<RowWriter> MakeRowWriter(RowFormat format, Output& output,
+                                         const std::vector<PointColumns>& points);
 
 // Each format's own maker.
 std::unique_ptr<RowWriter> MakeTableRowWriter(Output& output);
 std::unique_ptr<RowWriter> MakeCsvRowWriter(Output& output);
 std::unique_ptr<RowWriter> MakeJsonLinesRowWriter(Output& output);
 std::unique_ptr<RowWriter> MakeTypedRowWriter(Output& output);
+std::unique_ptr<RowWriter> MakeGeoJsonRowWriter(Output& output,
+                                                const std::vector<PointColumns>& points);
 
 }  // namespace TextTables

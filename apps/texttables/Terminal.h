@@ -29,6 +29,31 @@ int Columns();
 // Writes some of the bytes and answers how many. Throws OutputClosed, Interrupted or a Refusal.
 std::size_t WriteStandardOutput(const char* bytes, std::size_t count);
 
+// Bytes on their way in: of a file, or standard input.
+class Input {
+ public:
+  // Standard input.
+  Input();
+  // Throws a Refusal when the file cannot be opened.
+  explicit Input(std::u16string_view fileName);
+  ~Input();
+  Input(const Input&) = delete;
+  Input& operator=(const Input&) = delete;
+
+  // Fills at most `count` bytes and answers how many; 0 at the end. Throws Interrupted or a
+  // Refusal.
+  std::size_t Read(char* bytes, std::size_t count);
+
+ private:
+  std::u16string name_;
+#ifdef _WIN32
+  void* handle_;
+#else
+  int descriptor_;
+#endif
+  bool owned_;
+};
+
 // Writes everything, or as much as can be written; messages have nowhere else to go.
 void WriteStandardError(std::string_view bytes);
 

@@ -1,5 +1,6 @@
 #ifndef _WIN32
 
+#include <fcntl.h>
 #include <sys/ioctl.h>
 #include <unistd.h>
 
@@ -91,6 +92,28 @@ std::size_t WriteStandardOutput(const char* bytes, std::size_t count) {
     }
     if (errno == EPIPE) throw OutputClosed();
     throw SystemRefusal(errno, u"standard output");
+  }
+}
+
+Input::Input() : name_(u"standard input"), descriptor_(STDIN_FILENO), owned_(false) {}
+
+Input::Input(std::u16string_view fileName)
+    : name_(fileName),
+      descriptor_(::open(NativeFromFileName(fileName).c_str(), O_RDONLY | O_CLOEXEC)),
+      owned_(true) {
+  if (descriptor_ < 0) throw SystemRefusal(errno, name_);
+}
+
+Input::~Input() {
+  if (owned_) ::close(descriptor_);
+}
+
+std::size_t Input::Read(char* bytes, std::size_t count) {
+  for (;;) {
+    DeferInterrupts::Poll();
+    const ssize_t done = ::read(descriptor_, bytes, count);
+    if (done >= 0) return static_cast<std::size_t>(done);
+    if (errno != EINTR) throw SystemRefusal(errno, name_);
   }
 }
 

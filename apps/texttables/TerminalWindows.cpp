@@ -114,6 +114,34 @@ std::size_t WriteStandardOutput(const char* bytes, std::size_t count) {
   throw SystemRefusal(static_cast<int>(error), u"standard output");
 }
 
+Input::Input()
+    : name_(u"standard input"), handle_(::GetStdHandle(STD_INPUT_HANDLE)), owned_(false) {}
+
+Input::Input(std::u16string_view fileName)
+    : name_(fileName),
+      handle_(::CreateFileW(AsOle(name_.c_str()), GENERIC_READ,
+                            FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
+                            OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr)),
+      owned_(true) {
+  if (handle_ == INVALID_HANDLE_VALUE)
+    throw SystemRefusal(static_cast<int>(::GetLastError()), name_);
+}
+
+Input::~Input() {
+  if (owned_) ::CloseHandle(handle_);
+}
+
+std::size_t Input::Read(char* bytes, std::size_t count) {
+  DeferInterrupts::Poll();
+  DWORD done = 0;
+  const auto size = static_cast<DWORD>(std::min<std::size_t>(count, kGreatestWrite));
+  if (::ReadFile(handle_, bytes, size, &done, nullptr)) return done;
+  const DWORD error = ::GetLastError();
+  DeferInterrupts::Poll();
+  if (error == ERROR_BROKEN_PIPE || error == ERROR_HANDLE_EOF) return 0;
+  throw SystemRefusal(static_cast<int>(error), name_);
+}
+
 void WriteStandardError(std::string_view bytes) {
   ShowProgressLine({});
   WriteAll(bytes);

@@ -42,6 +42,16 @@ void RunCommand(const CommandLine& line, Output& output) {
       return RunCount(line, output);
     case Command::kStat:
       return RunStat(line, output);
+    case Command::kCreate:
+      return RunCreate(line, output);
+    case Command::kLoad:
+      return RunLoad(line, output);
+    case Command::kCopy:
+      return RunCopy(line, output);
+    case Command::kRename:
+      return RunRename(line, output);
+    case Command::kDelete:
+      return RunDelete(line, output);
     case Command::kClaim:
       return RunClaim(line, output);
     case Command::kLocale:

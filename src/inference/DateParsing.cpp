@@ -1,5 +1,6 @@
 #include "inference/DateParsing.h"
 
+#include <algorithm>
 #include <limits>
 
 #include "host/CoreSupport/CharacterClasses.h"
@@ -45,9 +46,12 @@ class Scanner {
   // it counts as read, also for the length.
   bool TakeNumber(long low, long high, long& value, std::size_t* length = nullptr) noexcept {
     std::size_t i = position_;
-    while (i < text_.size() && IsWhiteSpace(text_[i])) ++i;
-    const bool negative = i < text_.size() && text_[i] == u'-';
-    if (negative || (i < text_.size() && text_[i] == u'+')) ++i;
+    bool negative = false;
+    if (i < text_.size() && !IsDigit(text_[i])) {
+      while (i < text_.size() && IsWhiteSpace(text_[i])) ++i;
+      negative = i < text_.size() && text_[i] == u'-';
+      if (negative || (i < text_.size() && text_[i] == u'+')) ++i;
+    }
     if (i >= text_.size() || !IsDigit(text_[i])) return false;
     long number = 0;
     for (; i < text_.size() && IsDigit(text_[i]); ++i)
@@ -182,19 +186,24 @@ bool ClassifyAs(FieldType type, std::u16string_view text, std::uint32_t version,
        {DateOrder::kYearMonthDay, DateOrder::kDayMonthYear, DateOrder::kMonthDayYear}) {
     Scanner scanner(text, 0);
     ParsedDateTime value;
-    if (!TakeDate(scanner, order, value.time) || !TakeRest(scanner, type, version, value))
-      continue;
+    if (!TakeDate(scanner, order, value.time) || !TakeRest(scanner, type, version, value)) continue;
     found.orders.Add(order);
     found.fractionalSeconds = value.fractionalSeconds;
   }
   return !found.orders.empty();
 }
 
-// Every date begins with a number: white space, a sign or a digit. A time may begin with "T".
+// Every date and time begins with a number (white space, a sign or a digit), a time perhaps with
+// "T", and has a separator.
 bool MayBeDate(std::u16string_view text) noexcept {
   if (text.empty()) return false;
   const char16_t first = text.front();
-  return IsDigit(first) || first == u'+' || first == u'-' || first == u'T' || IsWhiteSpace(first);
+  if (!IsDigit(first) && first != u'+' && first != u'-' && first != u'T' && !IsWhiteSpace(first))
+    return false;
+  // Most whole numbers leave here: they have none of the separators.
+  return std::any_of(text.begin(), text.end(), [](char16_t unit) {
+    return unit == u'-' || unit == u'.' || unit == u'/' || unit == u':';
+  });
 }
 
 }  // namespace

@@ -27,8 +27,7 @@ class DateOrders {
   constexpr DateOrder Single() const noexcept {
     if (size() != 1) return DateOrder::kAny;
     if (Contains(DateOrder::kMonthDayYear)) return DateOrder::kMonthDayYear;
-    return Contains(DateOrder::kDayMonthYear) ? DateOrder::kDayMonthYear
-                                              : DateOrder::kYearMonthDay;
+    return Contains(DateOrder::kDayMonthYear) ? DateOrder::kDayMonthYear : DateOrder::kYearMonthDay;
   }
   constexpr bool operator==(const DateOrders&) const noexcept = default;
 

@@ -48,8 +48,8 @@ std::u16string ReportMismatch(const TextDatasetDescription& table, const Mismatc
   const MismatchOutcome outcome = RecordMismatch(table, mismatch);
   const std::u16string format =
       loadMessage(kFirstOutcomeMessage + static_cast<std::uint32_t>(outcome));
-  std::u16string message = quenra::String::FormatMessageW(
-      format, {table.name, mismatch.text, mismatch.fieldName});
+  std::u16string message =
+      quenra::String::FormatMessageW(format, {table.name, mismatch.text, mismatch.fieldName});
   quenra::EventLog::Write(message);
   return message;
 }

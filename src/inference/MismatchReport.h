@@ -13,10 +13,10 @@ namespace TextFile {
 
 // The message of an outcome is the string resource 115 + outcome.
 enum class MismatchOutcome : std::uint32_t {
-  kGenerated = 0,       // schema.ini had no such column; it has now
-  kAlreadyUpdated = 1,  // schema.ini defines the column with the type found
+  kGenerated = 0,         // schema.ini had no such column; it has now
+  kAlreadyUpdated = 1,    // schema.ini defines the column with the type found
   kDefinedOtherwise = 2,  // schema.ini defines the column with another type
-  kNotWritten = 3,      // schema.ini could not be read or written
+  kNotWritten = 3,        // schema.ini could not be read or written
 };
 
 // Loads a text of the module's string table.

@@ -36,6 +36,10 @@ FieldType Classify(const Settings& settings, std::u16string_view text, std::uint
 bool Convert(const Settings& settings, std::u16string_view text, FieldType type,
              NumberValue& value);
 
+// The same without the shorter way for plain numbers, which gives the same values.
+bool ConvertExactly(const Settings& settings, std::u16string_view text, FieldType type,
+                    NumberValue& value);
+
 // Whether the grouping symbols of `text` stand where they may: a first group of at most three
 // characters, then groups of three, none behind the decimal symbol. False without any grouping
 // symbol. An empty last group is not counted, so u"1,000," passes.

@@ -5,6 +5,7 @@
 #include "host/CoreSupport/CharacterClasses.h"
 #include "host/CoreSupport/Components.h"
 #include "host/CoreSupport/DatetimeHelper.h"
+#include "host/CoreSupport/Variant.h"
 #include "host/interfaces/HostClasses.h"
 #include "host/interfaces/HostTimestampOffset.h"
 #include "inference/NumberParsing.h"
@@ -95,7 +96,7 @@ void RowConverter::MakePlan() {
 
 std::size_t RowConverter::Convert(const Record& record) {
   if (!messages_.empty()) messages_.clear();
-  for (VARIANT& value : row_) ::VariantClear(&value);
+  for (VARIANT& value : row_) quenra::ClearVariant(value);
 
   std::size_t field = 0;
   for (std::size_t column = 0; column < record.size() && field < plan_.size(); ++column) {
@@ -139,8 +140,7 @@ void RowConverter::ConvertField(std::size_t field, std::size_t column, std::u16s
 }
 
 // A number that the type cannot hold is delivered as the Double that it is, and reported.
-void RowConverter::ConvertNumber(std::size_t field, std::size_t column,
-                                 std::u16string_view text) {
+void RowConverter::ConvertNumber(std::size_t field, std::size_t column, std::u16string_view text) {
   const NumberFormat::Settings& settings = table_->options.number;
   NumberValue number;
   if (NumberFormat::Convert(settings, text, plan_[field].type, number)) {
@@ -154,8 +154,7 @@ void RowConverter::ConvertNumber(std::size_t field, std::size_t column,
   }
 }
 
-void RowConverter::ConvertDouble(std::size_t field, std::size_t column,
-                                 std::u16string_view text) {
+void RowConverter::ConvertDouble(std::size_t field, std::size_t column, std::u16string_view text) {
   NumberValue number;
   double amount = 0;
   if (NumberFormat::Convert(table_->options.number, text, FieldType::kDouble, number)) {

@@ -73,8 +73,8 @@ class RowConverter {
   const std::shared_ptr<const TextDatasetDescription> table_;
   const MessageLoader loadMessage_;
   quenra::LatLongFormat latLong_;
-  std::vector<FieldPlan> plan_;   // one entry a field
-  std::vector<VARIANT> row_;      // one value a field; texts not moved away are owned here
+  std::vector<FieldPlan> plan_;  // one entry a field
+  std::vector<VARIANT> row_;     // one value a field; texts not moved away are owned here
   std::map<std::size_t, std::u16string> messages_;  // of the row converted last, by field
 };
 

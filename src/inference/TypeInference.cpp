@@ -17,13 +17,16 @@ constexpr std::size_t kDefaultUpperLimit = 100;  // rows
 constexpr std::size_t kLowerLimit = 10;          // rows, while a column is still open
 constexpr std::size_t kLowerLimitWhenDeclared = 1;
 
+// How dates with an offset are written, whatever the table's dates look like.
+constexpr std::u16string_view kTimestampPattern = u"yyyy-MM-ddTHH:mm:ss";
+
 // The type of a column that has seen values of both types.
 FieldType Merge(FieldType column, FieldType value) noexcept {
   if (column == FieldType::kUndetermined) return value;
   if (value == FieldType::kUndetermined || column == value) return column;
   if (!IsNumericType(column) || !IsNumericType(value)) return FieldType::kString;
-  for (const FieldType wider : {FieldType::kDouble, FieldType::kSingle, FieldType::kBigInteger,
-                                FieldType::kInteger})
+  for (const FieldType wider :
+       {FieldType::kDouble, FieldType::kSingle, FieldType::kBigInteger, FieldType::kInteger})
     if (column == wider || value == wider) return wider;
   return FieldType::kSmallInteger;
 }
@@ -51,8 +54,7 @@ std::u16string GeneratedName(std::size_t position) {
 
 }  // namespace
 
-TypeInference::TypeInference(Reader& reader, SchemaOptions& options,
-                             const OpenOptions& openOptions)
+TypeInference::TypeInference(Reader& reader, SchemaOptions& options, const OpenOptions& openOptions)
     : reader_(reader), options_(options), openOptions_(openOptions) {
   StartFromDeclaredColumns();
 }
@@ -92,9 +94,7 @@ HeaderReading TypeInference::ReadHeader() {
   return reading;
 }
 
-void TypeInference::ForgetHeader() {
-  StartFromDeclaredColumns();
-}
+void TypeInference::ForgetHeader() { StartFromDeclaredColumns(); }
 
 bool TypeInference::IsHeader() const {
   const Record& record = reader_.record();
@@ -133,9 +133,8 @@ FieldType TypeInference::Classify(std::u16string_view text, DateClass& date) con
 }
 
 bool TypeInference::Scan() {
-  const bool allDeclared = std::all_of(columns_.begin(), columns_.end(), [](const ColumnState& c) {
-    return c.declared != nullptr;
-  });
+  const bool allDeclared = std::all_of(columns_.begin(), columns_.end(),
+                                       [](const ColumnState& c) { return c.declared != nullptr; });
   const std::size_t lowerLimit = allDeclared ? kLowerLimitWhenDeclared : kLowerLimit;
   // Columns that are first met in a row keep their candidacy even when no coordinates are wanted.
   if (!openOptions_.generateLatLongFields)
@@ -144,8 +143,7 @@ bool TypeInference::Scan() {
   for (std::size_t rows = 0; AnotherRowIsWanted(rows, lowerLimit) && ReadRecord(); ++rows) {
     needsMoreRows_ = false;
     if (!ClassifyRow()) return false;
-    if (openOptions_.generateLatLongFields)
-      DetectCoordinates(latLong_, reader_.record(), columns_);
+    if (openOptions_.generateLatLongFields) DetectCoordinates(latLong_, reader_.record(), columns_);
     needsMoreRows_ = MoreRowsWouldTell();
   }
   DecideDecimalSymbol();
@@ -231,7 +229,8 @@ void TypeInference::ClassifyField(ColumnState& column, std::u16string_view text)
   }
   if (column.type == FieldType::kTimeOnly) column.fractionalSeconds |= date.fractionalSeconds;
   if (column.type == FieldType::kDouble) doubleSeen_ = true;
-  const bool decimalGiven = (options_.number.specified & NumberFormat::Settings::kDecimalSymbol) != 0;
+  const bool decimalGiven =
+      (options_.number.specified & NumberFormat::Settings::kDecimalSymbol) != 0;
   if (!doubleSeen_ && !decimalGiven && column.alternative == FieldType::kUndetermined)
     column.alternative = TypeWithOtherDecimalSymbol(text);
 }
@@ -239,7 +238,8 @@ void TypeInference::ClassifyField(ColumnState& column, std::u16string_view text)
 // Takes the other decimal symbol when that makes numbers of text columns and breaks no column of
 // whole numbers. A value that was already read as a number with decimals speaks against it.
 void TypeInference::DecideDecimalSymbol() {
-  const bool decimalGiven = (options_.number.specified & NumberFormat::Settings::kDecimalSymbol) != 0;
+  const bool decimalGiven =
+      (options_.number.specified & NumberFormat::Settings::kDecimalSymbol) != 0;
   if (doubleSeen_ || decimalGiven) return;
   const auto gains = [](const ColumnState& column) {
     return column.type == FieldType::kString && column.alternative == FieldType::kDouble &&
@@ -282,6 +282,7 @@ FieldDefinition TypeInference::MakeField(const ColumnState& column, std::size_t 
     field.dateFormat.version = openOptions_.fieldTypeVersion;
     field.dateFormat.type = field.type;
     field.dateFormat.fractionalSeconds = column.fractionalSeconds;
+    if (field.type == FieldType::kTimestampOffset) field.dateFormat.pattern = kTimestampPattern;
     if (!column.HasDatePattern()) {
       const DateOrder single = column.dateOrders.Single();
       field.dateFormat.order = single != DateOrder::kAny ? single : LocaleDateOrder();

@@ -47,9 +47,12 @@ HRESULT SetUp(const FieldDefinition& field, HostFieldEdit& edit) {
   if (const HRESULT result = edit.SetAliasName(name.Get()); FAILED(result)) return result;
   if (const HRESULT result = edit.SetType(static_cast<LONG>(field.type)); FAILED(result))
     return result;
+  // A host may refuse a number: schema.ini sets no bounds to a width. The field then has none, but
+  // the table can be read all the same.
   if (field.type == FieldType::kDate && field.hasDatePrecision)
-    if (const HRESULT result = edit.SetPrecision(1); FAILED(result)) return result;
-  return HasLength(field.type) ? edit.SetLength(LengthOf(field)) : S_OK;
+    static_cast<void>(edit.SetPrecision(1));
+  if (HasLength(field.type)) static_cast<void>(edit.SetLength(LengthOf(field)));
+  return S_OK;
 }
 
 HRESULT TagAsCoordinate(HostFieldEdit* edit) {

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "host/CoreSupport/Variant.h"
 #include "host/com/ComCatch.h"
 #include "plugin/TextFileErrors.h"
 #include "resources/ResourceStrings.h"
@@ -64,7 +65,7 @@ HRESULT STDMETHODCALLTYPE TextFileCursorHelper::ReadRecordValuesFast(HostFieldVa
 }
 
 void TextFileCursorHelper::StoreValue(std::size_t field, VARIANT& slot) {
-  ::VariantClear(&slot);
+  ClearVariant(slot);
   const std::u16string* const message = converter_.MessageOf(field);
   if (message == nullptr) {
     converter_.MoveValue(field, slot);

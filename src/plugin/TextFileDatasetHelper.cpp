@@ -171,8 +171,8 @@ HRESULT STDMETHODCALLTYPE TextFileDatasetHelper::CopyDataset(BSTR newName,
   if (ViewOf(newName).empty() || target == nullptr) return E_INVALIDARG;
   BString folder;
   if (const HRESULT result = target->WorkspacePath(folder.Receive()); FAILED(result)) return result;
-  TextFile::CopyTableFiles(Location(), {std::u16string(ViewOf(folder.Get())),
-                                        std::u16string(ViewOf(newName))});
+  TextFile::CopyTableFiles(Location(),
+                           {std::u16string(ViewOf(folder.Get())), std::u16string(ViewOf(newName))});
   return S_OK;
 } catch (...) {
   return HResultFromTableException();
@@ -193,8 +193,7 @@ HRESULT STDMETHODCALLTYPE TextFileDatasetHelper::AllowsRename(VARIANT_BOOL* allo
   return Answer(allowed, VARIANT_BOOL{VARIANT_TRUE});
 }
 
-HRESULT STDMETHODCALLTYPE TextFileDatasetHelper::RenameDataset(BSTR newName,
-                                                               BSTR* resultName) try {
+HRESULT STDMETHODCALLTYPE TextFileDatasetHelper::RenameDataset(BSTR newName, BSTR* resultName) try {
   if (resultName == nullptr) return E_POINTER;
   *resultName = nullptr;
   const std::u16string_view name = ViewOf(newName);

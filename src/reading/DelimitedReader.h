@@ -17,6 +17,9 @@ class DelimitedReader final : public Reader {
 
   bool ReadRecord() override;
 
+  // Splits character by character only, for comparison with the way that looks for delimiters.
+  void SplitExactly() noexcept { exact_ = true; }
+
   // Tries the current delimiter, then ",", ";", tab, "|" and blank.
   bool Scan(SchemaOptions& options, std::vector<FieldDefinition>& fields,
             const OpenOptions& openOptions) override;
@@ -24,14 +27,30 @@ class DelimitedReader final : public Reader {
  private:
   enum class Single { kReject, kAccept };  // a record of one field
 
-  void TakeFields();
-  bool TakeQuote(bool quoting);
+  // What a step of splitting has come to.
+  enum class Step { kField, kRecord, kUndecided };
+
+  // A field that is the part [begin, begin + length) of its line; the next one begins at `next`.
+  struct PlainField {
+    Step step;
+    std::size_t begin = 0;
+    std::size_t length = 0;
+    std::size_t next = 0;
+  };
+
+  Step TakeFields();
+  Step TakePlainFields();
+  PlainField FindPlainField(const char16_t* text, std::size_t begin) const noexcept;
+  PlainField FindQuotedField(const char16_t* text, std::size_t quote) const noexcept;
+  Step TakeFieldExactly();
+  bool TakeQuote(bool quoting, bool& hasText);
   void EndRecord();
   bool Attempt(Single single, SchemaOptions& options, std::vector<FieldDefinition>& fields,
                const OpenOptions& openOptions);
   bool TryDelimiter(char16_t candidate, Single single, SchemaOptions& options,
                     std::vector<FieldDefinition>& fields, const OpenOptions& openOptions);
 
+  bool exact_ = false;
   char16_t delimiter_;
   char16_t textDelimiter_;  // 0: no quoting
 };

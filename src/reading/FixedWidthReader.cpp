@@ -1,6 +1,7 @@
 #include "reading/FixedWidthReader.h"
 
 #include "inference/TypeInference.h"
+#include "reading/UnitSearch.h"
 
 namespace TextFile {
 
@@ -26,6 +27,29 @@ bool FixedWidthReader::ReadRecord() {
 }
 
 void FixedWidthReader::TakeFields() {
+  if (exact_ || LinesMayHoldTerminator())
+    TakeFieldsExactly();
+  else if (EnsureLine())
+    TakeFieldsOfLine();
+}
+
+// Cuts the line at the widths. Gives the same fields as taking one character after the other.
+void FixedWidthReader::TakeFieldsOfLine() {
+  const char16_t* const text = line();
+  std::size_t begin = cursor();
+  const auto end = static_cast<std::size_t>(FindEither(text + begin, 0, 0) - text);
+  UseUpLine();
+  for (const std::int64_t width : widths_) {
+    if (begin == end) return;
+    const bool whole = width > 0 && static_cast<std::uint64_t>(width) <= end - begin;
+    const std::size_t length = whole ? static_cast<std::size_t>(width) : end - begin;
+    const std::u16string_view kept = quenra::TrimBlanks({text + begin, length});
+    record_.AddFromLine(text, static_cast<std::size_t>(kept.data() - text), kept.size());
+    begin += length;
+  }
+}
+
+void FixedWidthReader::TakeFieldsExactly() {
   const char16_t terminator = TerminatorUnit();
   char16_t unit = 0;
   while (TakeCharacter(unit) && unit != terminator) {

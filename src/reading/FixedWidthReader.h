@@ -12,6 +12,9 @@ class FixedWidthReader final : public Reader {
  public:
   explicit FixedWidthReader(const TextDatasetDescription& description);
 
+  // Cuts character by character only, for comparison with the way that cuts whole lines.
+  void CutExactly() noexcept { exact_ = true; }
+
   bool ReadRecord() override;
   bool Scan(SchemaOptions& options, std::vector<FieldDefinition>& fields,
             const OpenOptions& openOptions) override;
@@ -19,7 +22,10 @@ class FixedWidthReader final : public Reader {
  private:
   void SetWidths(const std::vector<FieldDefinition>& fields);
   void TakeFields();
+  void TakeFieldsOfLine();
+  void TakeFieldsExactly();
 
+  bool exact_ = false;
   std::vector<std::int64_t> widths_;  // of the file's columns, left to right
 };
 

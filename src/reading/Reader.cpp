@@ -1,6 +1,7 @@
 #include "reading/Reader.h"
 
 #include "inference/TypeInference.h"
+#include "reading/UnitSearch.h"
 
 namespace TextFile {
 
@@ -30,25 +31,16 @@ void Reader::ReadHeader(TypeInference& inference, SchemaOptions& options) {
   inference.ReadHeader();
 }
 
-bool Reader::TakeCharacter(char16_t& unit) {
-  if (lineUsedUp_) {
-    if (!stream_.ReadLine(line_)) return false;
-    cursor_ = 0;
-    lineUsedUp_ = false;
+bool Reader::ReadNextLine() {
+  if (!record_.empty() || !record_.OpenField().empty()) {
+    record_.KeepLine(line_);
+    recordIsInOneLine_ = false;
   }
-  unit = line_[cursor_];
-  if (unit != u'\0') {
-    ++cursor_;
-    return true;
-  }
-  unit = TerminatorUnit();
-  lineUsedUp_ = true;
+  if (!stream_.ReadLine(line_)) return false;
+  line_.append(kSearchPadding, u'\0');
+  cursor_ = 0;
+  lineUsedUp_ = false;
   return true;
-}
-
-char16_t Reader::PeekCharacter() const noexcept {
-  const char16_t unit = lineUsedUp_ ? u'\0' : line_[cursor_];
-  return unit != u'\0' ? unit : TerminatorUnit();
 }
 
 }  // namespace TextFile

@@ -61,11 +61,44 @@ class Reader {
   // first record spans the whole file; the one that cuts the file is kept, also in `options`.
   void ReadHeader(TypeInference& inference, SchemaOptions& options);
 
+  // Makes sure that the current line has characters left, its end among them: reads the next line
+  // when it is used up. False when no line is left. Fields that refer to the line before are kept.
+  bool EnsureLine() { return !lineUsedUp_ || ReadNextLine(); }
+
   // The next character of the file, the end of a line as the record terminator. False when no
   // line is left.
-  bool TakeCharacter(char16_t& unit);
+  bool TakeCharacter(char16_t& unit) {
+    if (!EnsureLine()) return false;
+    unit = line_[cursor_];
+    if (unit != u'\0') {
+      ++cursor_;
+      return true;
+    }
+    unit = TerminatorUnit();
+    lineUsedUp_ = true;
+    return true;
+  }
+
   // The character that TakeCharacter would take from the current line.
-  char16_t PeekCharacter() const noexcept;
+  char16_t PeekCharacter() const noexcept {
+    const char16_t unit = lineUsedUp_ ? u'\0' : line_[cursor_];
+    return unit != u'\0' ? unit : TerminatorUnit();
+  }
+
+  // For readers that look at the line as a whole: its characters, ended by a zero with
+  // kSearchPadding more behind it, and the position in it. UseUpLine is taking its end.
+  const char16_t* line() const noexcept { return line_.data(); }
+  std::size_t cursor() const noexcept { return cursor_; }
+  void SetCursor(std::size_t cursor) noexcept { cursor_ = cursor; }
+  void UseUpLine() noexcept { lineUsedUp_ = true; }
+  // Whether the current line was begun by the record that is being read.
+  bool RecordIsInOneLine() const noexcept { return recordIsInOneLine_; }
+  void BeginRecord() noexcept { recordIsInOneLine_ = true; }
+
+  // Whether a record terminator may stand inside a line. In 8-bit files it always ends one.
+  bool LinesMayHoldTerminator() const noexcept {
+    return stream_.encoding() == TextEncoding::kUtf16LE;
+  }
 
   char16_t TerminatorUnit() const noexcept {
     return static_cast<unsigned char>(stream_.lineDelimiter());
@@ -74,10 +107,13 @@ class Reader {
   Record record_;
 
  private:
+  bool ReadNextLine();
+
   TextLineStream stream_;
-  std::u16string line_;      // ends in a zero unit
-  std::size_t cursor_ = 0;   // in line_
-  bool lineUsedUp_ = true;   // the next character comes from the next line
+  std::u16string line_;            // ends in a zero unit, with kSearchPadding zeros behind it
+  std::size_t cursor_ = 0;         // in line_
+  bool lineUsedUp_ = true;         // the next character comes from the next line
+  bool recordIsInOneLine_ = true;  // so far
 };
 
 }  // namespace TextFile

@@ -26,8 +26,7 @@ std::size_t WidenAscii(std::string_view bytes, char16_t* text) noexcept {
     std::uint64_t words[2];
     std::memcpy(words, source + i, kStep);
     if (((words[0] | words[1]) & 0x8080808080808080u) != 0) break;
-    for (std::size_t k = 0; k < kStep; ++k)
-      text[i + k] = static_cast<unsigned char>(source[i + k]);
+    for (std::size_t k = 0; k < kStep; ++k) text[i + k] = static_cast<unsigned char>(source[i + k]);
   }
   for (; i < size && static_cast<unsigned char>(source[i]) < 0x80; ++i)
     text[i] = static_cast<unsigned char>(source[i]);
@@ -39,7 +38,8 @@ std::size_t PieceLength(std::string_view bytes) noexcept {
   if (bytes.size() <= kPieceBytes) return bytes.size();
   std::size_t length = kPieceBytes;
   // No sequence has more than three continuation bytes.
-  for (int i = 0; i < 3 && (static_cast<unsigned char>(bytes[length]) & 0xC0) == 0x80; ++i) --length;
+  for (int i = 0; i < 3 && (static_cast<unsigned char>(bytes[length]) & 0xC0) == 0x80; ++i)
+    --length;
   return length;
 }
 
@@ -50,8 +50,8 @@ bool ConvertRest(UINT codePage, DWORD flags, std::string_view bytes, std::size_t
   while (!bytes.empty()) {
     const std::size_t length = PieceLength(bytes);
     const int room = static_cast<int>(std::min(line.size() - done, kPieceBytes));
-    const int units = ::MultiByteToWideChar(codePage, flags, bytes.data(),
-                                            static_cast<int>(length), AsOle(line.data() + done), room);
+    const int units = ::MultiByteToWideChar(codePage, flags, bytes.data(), static_cast<int>(length),
+                                            AsOle(line.data() + done), room);
     if (units <= 0) return false;
     done += static_cast<std::size_t>(units);
     bytes.remove_prefix(length);

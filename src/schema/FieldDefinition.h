@@ -61,7 +61,9 @@ inline constexpr std::int32_t kDefaultTextWidth = 8000;
 struct DateFieldFormat {
   FieldType type = FieldType::kDate;  // kDate, kDateOnly, kTimeOnly or kTimestampOffset
   DateOrder order = DateOrder::kAny;
-  std::u16string pattern;  // such as u"dd.MM.yyyy HH:mm"; empty when the column has none of its own
+  // Such as u"dd.MM.yyyy HH:mm"; empty when the column has none of its own. That of dates with an
+  // offset is always the same.
+  std::u16string pattern;
   std::uint32_t version = kCurrentFieldTypeVersion;
   bool fractionalSeconds = false;  // the scanned rows held fractions of a second
 };
@@ -72,10 +74,10 @@ struct FieldDefinition {
   std::int32_t width = kDefaultTextWidth;  // UTF-16 code units; schema.ini may say anything
   bool hasWidth = false;                   // a Width clause was read, or a width was assigned
   DateFieldFormat dateFormat;
-  bool isCoordinate = false;           // a virtual coordinate field
-  bool isPair = false;                 // a virtual coordinate field parsed from two text columns
-  std::int32_t coordinateFormat = 0;   // on the text column: LatLongFormat's code of its notation
-  bool hasDatePrecision = false;       // created by the host with precision 1
+  bool isCoordinate = false;          // a virtual coordinate field
+  bool isPair = false;                // a virtual coordinate field parsed from two text columns
+  std::int32_t coordinateFormat = 0;  // on the text column: LatLongFormat's code of its notation
+  bool hasDatePrecision = false;      // created by the host with precision 1
 };
 
 }  // namespace TextFile

@@ -139,9 +139,8 @@ RowWriter::RowWriter(const TextDatasetDescription& table)
         DatePattern(WritingPattern(field.dateFormat, field.type, TablePatternFor(field, options_)));
     columns_.push_back(std::move(column));
   }
-  singleColumn_ = std::count_if(columns_.begin(), columns_.end(), [](const Column& column) {
-                    return !column.isVirtual;
-                  }) == 1;
+  singleColumn_ = std::count_if(columns_.begin(), columns_.end(),
+                                [](const Column& column) { return !column.isVirtual; }) == 1;
 }
 
 RowWriter::~RowWriter() {
@@ -328,8 +327,8 @@ bool RowWriter::FormatText(const Column& column, const VARIANT& value) {
 char16_t RowWriter::Writable(char16_t unit) const noexcept {
   if (unit == 0 || unit == 0x1A) return u'\0';
   const bool quoting = !options_.fixedLength && options_.textDelimiter != 0;
-  const bool ends = unit == u'\r' || unit == u'\n' ||
-                    (!options_.fixedLength && unit == options_.delimiter);
+  const bool ends =
+      unit == u'\r' || unit == u'\n' || (!options_.fixedLength && unit == options_.delimiter);
   return ends && !quoting ? u' ' : unit;
 }
 

@@ -50,7 +50,7 @@ class RowWriter {
   struct Column {
     std::u16string name;
     FieldType type;
-    std::size_t width;    // UTF-16 code units
+    std::size_t width;  // UTF-16 code units
     bool isVirtual;
     bool hasOwnPattern;
     DatePattern pattern;  // dates and times

@@ -19,13 +19,17 @@ constexpr std::u16string_view kCouldNotWriteTemporary = u"Could not write to tem
 constexpr std::u16string_view kCouldNotRead = u"Could not read schema.ini.";
 constexpr std::u16string_view kNameNotText = u"The file's name cannot be written to schema.ini.";
 
-std::u16string HeaderLine(std::u16string_view name) {
-  return u'[' + std::u16string(name) + u']';
-}
+std::u16string HeaderLine(std::u16string_view name) { return u'[' + std::u16string(name) + u']'; }
 
 bool IsHeaderOf(std::u16string_view header, std::u16string_view name) noexcept {
   return header.size() == name.size() + 2 && header.back() == u']' &&
          quenra::DataCoreUtil::CompareFoldCase(header.substr(1, name.size()), name);
+}
+
+// Whether a file's name can stand in a header line and be read back.
+bool FitsHeader(std::u16string_view name) noexcept {
+  constexpr std::u16string_view kUnreadable(u"\0\n\x1A", 3);
+  return IsWellFormedText(name) && name.find_first_of(kUnreadable) == std::u16string_view::npos;
 }
 
 [[noreturn]] void Fail(std::u16string_view reason) {
@@ -71,7 +75,7 @@ const SectionLines* SchemaIniFile::Find(std::u16string_view name) const noexcept
 }
 
 void SchemaIniFile::Replace(std::u16string_view name, SectionLines lines) {
-  if (!IsWellFormedText(name)) Fail(kNameNotText);
+  if (!FitsHeader(name)) Fail(kNameNotText);
   std::u16string header = HeaderLine(name);
   const auto isNamed = [&](const Section& section) { return IsHeaderOf(section.header, name); };
   const auto found = std::find_if(sections_.begin(), sections_.end(), isNamed);
@@ -84,7 +88,7 @@ void SchemaIniFile::Replace(std::u16string_view name, SectionLines lines) {
 }
 
 void SchemaIniFile::Duplicate(std::u16string_view name, std::u16string_view newName) {
-  if (!IsWellFormedText(newName)) Fail(kNameNotText);
+  if (!FitsHeader(newName)) Fail(kNameNotText);
   const auto found = std::find_if(sections_.begin(), sections_.end(), [&](const Section& section) {
     return IsHeaderOf(section.header, name);
   });
@@ -94,11 +98,12 @@ void SchemaIniFile::Duplicate(std::u16string_view name, std::u16string_view newN
 }
 
 void SchemaIniFile::Remove(std::u16string_view name) {
-  std::erase_if(sections_, [&](const Section& section) { return IsHeaderOf(section.header, name); });
+  std::erase_if(sections_,
+                [&](const Section& section) { return IsHeaderOf(section.header, name); });
 }
 
 void SchemaIniFile::Rename(std::u16string_view name, std::u16string_view newName) {
-  if (!IsWellFormedText(newName)) Fail(kNameNotText);
+  if (!FitsHeader(newName)) Fail(kNameNotText);
   for (Section& section : sections_)
     if (IsHeaderOf(section.header, name)) section.header = HeaderLine(newName);
 }

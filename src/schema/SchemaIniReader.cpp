@@ -48,22 +48,28 @@ KeyAndValue SplitAtEquals(std::u16string_view line) noexcept {
   return {line.substr(0, equals), line.substr(equals + 1)};
 }
 
-bool HasOpenQuote(std::u16string_view line) noexcept {
-  if (std::count(line.begin(), line.end(), u'"') % 2 == 0) return false;
-  // The one option whose value is a single quote is complete by itself.
+bool HoldsOddQuotes(std::u16string_view line) noexcept {
+  return std::count(line.begin(), line.end(), u'"') % 2 != 0;
+}
+
+// The one option whose value is a single quote; its line is complete by itself.
+bool IsQuoteAsTextDelimiter(std::u16string_view line) noexcept {
   const KeyAndValue parts = SplitAtEquals(line);
-  return quenra::TrimBlanks(parts.key) != u"TextDelimiter" ||
-         quenra::TrimBlanks(parts.value) != u"\"";
+  return quenra::TrimBlanks(parts.key) == u"TextDelimiter" &&
+         quenra::TrimBlanks(parts.value) == u"\"";
 }
 
 // The next line of the section; a quoted value may span lines. False at the next section's header
 // and at the end.
 bool ReadOptionLine(TextLineStream& stream, std::u16string& line) {
   if (!stream.ReadLine(line) || line.starts_with(u'[')) return false;
+  // Each line is counted once: an open quote may run to the end of a file of any length.
+  bool open = HoldsOddQuotes(line) && !IsQuoteAsTextDelimiter(line);
   std::u16string next;
-  while (HasOpenQuote(line) && stream.ReadLine(next)) {
+  while (open && stream.ReadLine(next)) {
     line += u'\n';
     line += next;
+    open = !HoldsOddQuotes(next);
   }
   return true;
 }
@@ -74,10 +80,9 @@ OptionMap ReadOptions(TextLineStream& stream) {
   while (ReadOptionLine(stream, line)) {
     if (line.empty()) continue;
     const KeyAndValue parts = SplitAtEquals(line);
-    const bool inserted = options
-                              .emplace(quenra::TrimWhiteSpace(parts.key),
-                                       quenra::TrimWhiteSpace(parts.value))
-                              .second;
+    const bool inserted =
+        options.emplace(quenra::TrimWhiteSpace(parts.key), quenra::TrimWhiteSpace(parts.value))
+            .second;
     if (!inserted) throw ParseError(ParseErrorCode::kDuplicateOption, line);
   }
   return options;

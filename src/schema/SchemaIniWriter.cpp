@@ -1,8 +1,11 @@
 #include "schema/SchemaIniWriter.h"
 
+#include <algorithm>
 #include <string>
 
 #include "host/CoreSupport/CharacterClasses.h"
+#include "schema/ParseError.h"
+#include "schema/SchemaColumnLine.h"
 #include "schema/SchemaIniFile.h"
 #include "schema/SchemaIniReader.h"
 #include "schema/Utf8.h"
@@ -44,56 +47,72 @@ std::u16string FormatOf(const SchemaOptions& options) {
   return u"Delimited(" + std::u16string(1, options.delimiter) + u")";
 }
 
+// What stands behind the type word of a date column: its own pattern, else, for a column of days
+// or of times alone, that part of the table's format, so that it reads back as what it is. A date
+// with an offset has none: with a pattern it would be read as a date.
+std::u16string_view PatternOf(const FieldDefinition& field, std::u16string_view tableFormat) {
+  if (field.type == FieldType::kDate) return field.dateFormat.pattern;
+  if (field.type != FieldType::kDateOnly && field.type != FieldType::kTimeOnly) return {};
+  if (!field.dateFormat.pattern.empty()) return field.dateFormat.pattern;
+  const std::size_t cut = tableFormat.find_first_of(u"T ");
+  if (field.type == FieldType::kDateOnly) return tableFormat.substr(0, cut);
+  return cut == std::u16string_view::npos ? tableFormat.substr(0, 0) : tableFormat.substr(cut + 1);
+}
+
 bool HasWidthClause(const FieldDefinition& field) noexcept {
   return field.hasWidth && field.width >= 1;
 }
 
-// The pattern behind the keyword of a date. It is read as one token, or as two with whatever they
-// hold; a part with blanks of its own goes into quotes. Patterns that could not be read back, and
-// that of a date with an offset, are left out.
-std::u16string PatternClause(const FieldDefinition& field) {
+// The pattern as it is written. It is read as one token, or as two with whatever they hold, so a
+// part with blanks of its own goes into quotes. Patterns that could not be read back are left out.
+std::u16string PatternClause(std::u16string_view pattern, bool widthFollows) {
   constexpr std::u16string_view kFirstLetters = u"mMdDyYhH";
-  const std::u16string_view pattern = quenra::TrimBlanks(field.dateFormat.pattern);
-  const bool dated = field.type == FieldType::kDate || field.type == FieldType::kDateOnly ||
-                     field.type == FieldType::kTimeOnly;
-  if (!dated || pattern.empty() || pattern.find_first_of(u"\"\r\n") != pattern.npos ||
-      kFirstLetters.find(pattern.front()) == pattern.npos)
+  pattern = quenra::TrimBlanks(pattern);
+  if (pattern.empty() || pattern.find_first_of(u"\"\r\n") != std::u16string_view::npos ||
+      kFirstLetters.find(pattern.front()) == std::u16string_view::npos)
     return {};
-  std::u16string clause(u" ");
-  const std::size_t blank = pattern.rfind(u' ');
-  if (blank == pattern.npos) {
-    clause += pattern;
-    // A second part of nothing but a blank, or Width would be taken for the second part.
-    if (HasWidthClause(field)) clause += u" \" \"";
-  } else if (pattern.find(u' ') == blank) {
-    clause += pattern;
-  } else {
-    ((clause += u'"') += pattern.substr(0, blank)) += u"\" ";
-    clause += pattern.substr(blank + 1);
-  }
-  return clause;
+  const std::u16string text(pattern);
+  const std::size_t blank = text.rfind(u' ');
+  // A second part of nothing but a blank, or Width would be taken for the second part.
+  if (blank == std::u16string::npos) return u' ' + text + (widthFollows ? u" \" \"" : u"");
+  if (text.find(u' ') == blank) return u' ' + text;
+  return u" \"" + text.substr(0, blank) + u"\" " + text.substr(blank + 1);
 }
 
-// No name can hold what ends its line, its quotes or the file.
-void RequireWritableName(const FieldDefinition& field) {
-  constexpr std::u16string_view kUnwritable(u"\0\x1A\r\n\"", 5);
-  if (field.name.empty()) throw SchemaIniFailure{u"A field without a name cannot be written."};
-  if (field.name.find_first_of(kUnwritable) != std::u16string::npos ||
-      !IsWellFormedText(field.name))
-    throw SchemaIniFailure{u"The name of field \"" + field.name + u"\" cannot be written."};
+// Quotes keep blanks and line ends in a name, and white space at its ends.
+bool NeedsQuotes(std::u16string_view name) noexcept {
+  return name.find_first_of(u" \r\n") != std::u16string_view::npos ||
+         quenra::TrimWhiteSpace(name) != name;
 }
 
-std::u16string ColumnLine(const FieldDefinition& field) {
-  RequireWritableName(field);
-  // White space in front of a value does not survive being read either.
-  const bool quoted = field.name.find(u' ') != std::u16string::npos ||
-                      quenra::IsWhiteSpace(field.name.front());
-  std::u16string line = quoted ? u'"' + field.name + u'"' : field.name;
+std::u16string ColumnLine(const FieldDefinition& field, std::u16string_view tableFormat) {
+  std::u16string line = NeedsQuotes(field.name) ? u'"' + field.name + u'"' : field.name;
   line += u' ';
   line += KeywordOfType(field.type);
-  line += PatternClause(field);
+  line += PatternClause(PatternOf(field, tableFormat), HasWidthClause(field));
   if (HasWidthClause(field)) line += u" Width " + SectionText::Decimal(field.width);
   return line;
+}
+
+// Whether the reader gets the column's name back from its line. The format cannot hold every name:
+// a double quote has no way to be written, and a line it is misread in makes the reader refuse the
+// whole section, so that the table could not be opened any more. A name with line ends must also
+// survive rewrites, which drop blank lines and take "[" for a header.
+bool ReadsBack(const FieldDefinition& field, std::u16string_view line) {
+  constexpr std::u16string_view kEndsOfText(u"\0\x1A", 2);
+  if (line.find_first_of(kEndsOfText) != std::u16string_view::npos ||
+      line.find(u"\r\n") != std::u16string_view::npos ||
+      line.find(u"\n\n") != std::u16string_view::npos ||
+      line.find(u"\n[") != std::u16string_view::npos || !IsWellFormedText(line) ||
+      std::count(line.begin(), line.end(), u'"') % 2 != 0)
+    return false;
+  try {
+    FieldDefinition read;
+    ParseColumnLine({}, quenra::TrimWhiteSpace(line), read);
+    return read.name == field.name;
+  } catch (const ParseError&) {
+    return false;
+  }
 }
 
 void AddNumberLines(const NumberFormat::Settings& number, SectionText& text) {
@@ -108,8 +127,7 @@ void AddCurrencyLines(const CurrencySettings& currency, SectionText& text) {
   const auto given = [&](CurrencySettings::Option option) {
     return (currency.specified & option) != 0;
   };
-  if (given(CurrencySettings::kSymbol))
-    text.Line(u"CurrencySymbol", currency.symbol);
+  if (given(CurrencySettings::kSymbol)) text.Line(u"CurrencySymbol", currency.symbol);
   if (given(CurrencySettings::kPositiveFormat))
     text.Line(u"CurrencyPosFormat", currency.positiveFormat);
   if (given(CurrencySettings::kDigits)) text.Number(u"CurrencyDigits", currency.digits);
@@ -125,14 +143,13 @@ void AddCurrencyLines(const CurrencySettings& currency, SectionText& text) {
 
 SectionLines SchemaSectionLines(const SchemaOptions& options) {
   SectionText text;
-  if (options.IsSpecified(SchemaOptions::kFormat))
-    text.Line(u"Format", FormatOf(options));
+  if (options.IsSpecified(SchemaOptions::kFormat)) text.Line(u"Format", FormatOf(options));
   if (options.IsSpecified(SchemaOptions::kColNameHeader))
     text.Flag(u"ColNameHeader", options.columnNameHeader);
   if (options.IsSpecified(SchemaOptions::kMaxScanRows))
     text.Number(u"MaxScanRows", options.maxScanRows);
   for (const auto& [index, field] : options.columns)
-    text.Line(u"Col" + SectionText::Decimal(index + 1), ColumnLine(field));
+    text.Line(u"Col" + SectionText::Decimal(index + 1), ColumnLine(field, options.dateTimeFormat));
   if (options.IsSpecified(SchemaOptions::kCharacterSet))
     text.Line(u"CharacterSet", options.ansi ? u"ANSI" : u"OEM");
   if (options.IsSpecified(SchemaOptions::kDateTimeFormat))
@@ -167,6 +184,13 @@ bool Guarded(std::u16string* failure, const Change& change) noexcept {
   return false;
 }
 
+void RequireReadableColumns(const SchemaOptions& options) {
+  for (const auto& [index, field] : options.columns)
+    if (!ReadsBack(field, ColumnLine(field, options.dateTimeFormat)))
+      throw SchemaIniFailure{u"The field \"" + field.name +
+                             u"\" cannot be described in schema.ini."};
+}
+
 // A schema.ini that cannot be read has no sections, here as for those who open tables.
 std::optional<SectionLines> LinesOf(const SchemaIniPaths& paths, std::u16string_view name) {
   try {
@@ -186,6 +210,7 @@ bool HasSection(const SchemaIniPaths& paths, std::u16string_view name) {
 bool WriteSchemaSection(const SchemaIniPaths& paths, std::u16string_view sectionName,
                         const SchemaOptions& options, std::u16string* failure) noexcept {
   return Guarded(failure, [&] {
+    RequireReadableColumns(options);
     SchemaIniFile file(paths, SchemaIniFile::Access::kWrite);
     file.Replace(sectionName, SchemaSectionLines(options));
     file.Save();
@@ -210,6 +235,7 @@ bool AddSchemaColumn(const SchemaIniPaths& paths, std::u16string_view sectionNam
     SchemaOptions options = read();
     if (declared.has_value()) throw SchemaIniFailure{u"The column is declared already."};
     options.columns.emplace(index, column);
+    RequireReadableColumns(options);
     file.Replace(sectionName, SchemaSectionLines(options));
     file.Save();
   });

@@ -19,7 +19,8 @@
 namespace TextFile {
 
 // Replaces the section, whose header line stays as it was found, or appends it. Only options that
-// are marked as specified are written, and the columns.
+// are marked as specified are written, and the columns. A column whose line would not read back (a
+// double quote in its name, for instance) makes the write fail.
 bool WriteSchemaSection(const SchemaIniPaths& paths, std::u16string_view sectionName,
                         const SchemaOptions& options, std::u16string* failure = nullptr) noexcept;
 

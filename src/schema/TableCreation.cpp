@@ -63,12 +63,13 @@ void SetColumns(const std::vector<FieldDefinition>& fields, SchemaOptions& optio
 // A name as the header holds it, quoted where it would not be read back otherwise. What cannot be
 // quoted becomes a blank, so that the header has as many names as there are columns.
 void AppendName(const SchemaOptions& options, std::u16string_view name, std::string& bytes) {
+  const std::u16string special = {options.delimiter, options.textDelimiter, u'\r', u'\n'};
   if (options.textDelimiter == 0) {
     std::u16string plain(name);
-    std::replace(plain.begin(), plain.end(), options.delimiter, u' ');
+    for (char16_t& unit : plain)
+      if (special.find(unit) != special.npos) unit = u' ';
     return AppendUtf8(plain, bytes);
   }
-  const std::u16string special = {options.delimiter, options.textDelimiter};
   if (name.find_first_of(special) == name.npos) return AppendUtf8(name, bytes);
   std::u16string text(1, options.textDelimiter);
   for (const char16_t unit : name) {

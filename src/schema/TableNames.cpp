@@ -42,11 +42,11 @@ std::u16string_view WhyNotATableName(std::u16string_view name) noexcept {
   for (const std::u16string_view reserved : kReservedFiles)
     if (DataCoreUtil::CompareFoldCase(name, reserved)) return u"the name is reserved";
   if (IsDevice(name)) return u"the name is reserved";
-  const bool control = std::any_of(name.begin(), name.end(), [](char16_t unit) { return unit < 32; });
+  const bool control =
+      std::any_of(name.begin(), name.end(), [](char16_t unit) { return unit < 32; });
   if (control || name.find_first_of(kForbidden) != std::u16string_view::npos)
     return u"the name holds a character that file names cannot have everywhere";
-  if (name.back() == u'.' || name.back() == u' ')
-    return u"the name ends in a dot or a blank";
+  if (name.back() == u'.' || name.back() == u' ') return u"the name ends in a dot or a blank";
   return {};
 }
 

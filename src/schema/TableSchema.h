@@ -74,9 +74,9 @@ struct SchemaOptions {
   std::u16string sectionName;   // as written between the brackets; empty without a section
   std::uint32_t specified = 0;  // Option bits: what schema.ini gave
   bool fixedLength = false;
-  char16_t delimiter = u',';      // 0 for fixed-length files
-  char16_t textDelimiter = u'"';  // 0: no quoting
-  bool columnNameHeader = false;  // the first record holds the names
+  char16_t delimiter = u',';               // 0 for fixed-length files
+  char16_t textDelimiter = u'"';           // 0: no quoting
+  bool columnNameHeader = false;           // the first record holds the names
   std::uint32_t maxScanRows = 0xFFFFFFFF;  // looked at only when specified; 0: no limit
   bool ansi = false;                       // CharacterSet, kept for schema.ini; reading ignores it
   std::u16string dateTimeFormat;           // for writing; empty until the locale fills it

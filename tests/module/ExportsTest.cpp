@@ -53,8 +53,7 @@ TEST_F(ExportsTest, FactoriesRefuseAggregationAndNullResults) {
   for (const CLSID& classId : {CLSID_TextFileWorkspaceFactory, CLSID_TextFileNativeType}) {
     const auto factory = ClassObject(classId);
     void* result = this;
-    EXPECT_EQ(factory->CreateInstance(factory.Get(), IID_IUnknown, &result),
-              CLASS_E_NOAGGREGATION);
+    EXPECT_EQ(factory->CreateInstance(factory.Get(), IID_IUnknown, &result), CLASS_E_NOAGGREGATION);
     EXPECT_EQ(result, nullptr);
     EXPECT_EQ(factory->CreateInstance(nullptr, IID_IUnknown, nullptr), E_POINTER);
     result = this;
@@ -116,8 +115,8 @@ TEST_F(ExportsTest, SingletonIsDroppedThroughItsInterface) {
   EXPECT_EQ(ClassObject(CLSID_TextFileWorkspaceFactory).As<ISingleton>()->DropUnusedInstance(),
             S_OK);
   VARIANT_BOOL previous = VARIANT_TRUE;
-  Factory().As<IWorkspaceFactoryOpenOptions>()->SetOption(
-      BString(u"ReadAsManyRowsAsNeeded").Get(), &previous);
+  Factory().As<IWorkspaceFactoryOpenOptions>()->SetOption(BString(u"ReadAsManyRowsAsNeeded").Get(),
+                                                          &previous);
   EXPECT_EQ(previous, VARIANT_FALSE);
 }
 
@@ -145,8 +144,8 @@ TEST_F(ExportsTest, ThreadsReadSideBySide) {
   for (int i = 0; i < kThreads; ++i)
     threads.emplace_back([&] {
       for (int round = 0; round < 5; ++round)
-        right += Rows(OpenTable(u"a.csv")) ==
-                 std::vector<std::string>{"I4:1|BSTR:a", "I4:2|BSTR:b"};
+        right +=
+            Rows(OpenTable(u"a.csv")) == std::vector<std::string>{"I4:1|BSTR:a", "I4:2|BSTR:b"};
     });
   for (std::thread& thread : threads) thread.join();
   EXPECT_EQ(right, kThreads * 5);
@@ -200,7 +199,8 @@ TEST_F(ExportsTest, ModuleCarriesItsTexts) {
        u"In file %1, field value %2 does not match inferred type of field %3, and has already been "
        u"updated in schema.ini. Restart and try again."},
       {117,
-       u"In file %1, field value %2 does not match defined type of field %3. Update schema.ini file "
+       u"In file %1, field value %2 does not match defined type of field %3. Update schema.ini "
+       u"file "
        u"and try again."},
       {118,
        u"In file %1, field value %2 does not match inferred type of field %3. Create schema.ini "

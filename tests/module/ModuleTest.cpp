@@ -199,8 +199,7 @@ std::string CursorOverAll::Row() {
 std::vector<std::string> Rows(const ComPtr<IPlugInDatasetHelper>& table) {
   std::vector<std::string> rows;
   if (!table) return rows;
-  for (CursorOverAll cursor(table); !cursor.AtEnd(); cursor.Advance())
-    rows.push_back(cursor.Row());
+  for (CursorOverAll cursor(table); !cursor.AtEnd(); cursor.Advance()) rows.push_back(cursor.Row());
   return rows;
 }
 
@@ -255,8 +254,7 @@ ComPtr<IPlugInDatasetHelper> ModuleTest::OpenTable(std::u16string_view name) con
 
 HRESULT ModuleTest::OpenResult(std::u16string_view name) const {
   ComPtr<IPlugInDatasetHelper> table;
-  const HRESULT result =
-      OpenWorkspace()->OpenDatasetByName(BString(name).Get(), table.Receive());
+  const HRESULT result = OpenWorkspace()->OpenDatasetByName(BString(name).Get(), table.Receive());
   EXPECT_EQ(FAILED(result), table.Get() == nullptr);
   return result;
 }

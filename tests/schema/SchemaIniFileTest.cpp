@@ -172,7 +172,7 @@ TEST_F(SchemaIniFileTest, ANameThatIsNoTextIsRefused) {
 
 TEST_F(SchemaIniFileTest, NamesThatCouldNotBeReadBackAreRefused) {
   SetText("[other.csv]\nA=1\n");
-  const std::u16string names[] = {u"", u"a\"b", u"\"", u"a\nb", u"a\rb", u"a\x1A",
+  const std::u16string names[] = {u"", u"a\"b", u"\"", u"a\r\nb", u"a\n\nb", u"a\n[b", u"a\x1A",
                                   std::u16string(u"a\0b", 3), std::u16string(1, 0xD83D)};
   for (const std::u16string& name : names) {
     FieldDefinition column;
@@ -196,6 +196,7 @@ struct ColumnCase {
 constexpr ColumnCase kColumnCases[] = {
     {u"Id", FieldType::kObjectId, u"", 0, u"Id Long"},
     {u"First Name", FieldType::kString, u"", 20, u"\"First Name\" Text Width 20"},
+    {u"two\nlines", FieldType::kString, u"", 0, u"\"two\nlines\" Text"},
     {u"=[x];", FieldType::kGuid, u"", 0, u"=[x]; Text"},
     {u"\tTab", FieldType::kGlobalId, u"", 0, u"\"\tTab\" Text"},
     {u"D", FieldType::kDate, u"", 0, u"D Date"},

@@ -164,6 +164,8 @@ TEST_F(TableCreationTest, AFixedLengthHeaderDoesNotHalveAPair) {
 TEST_F(TableCreationTest, NamesAreQuotedWhereTheHeaderNeedsIt) {
   Create(u"t.csv", {Field(u"a,b", FieldType::kInteger), Field(u"c d", FieldType::kInteger)});
   EXPECT_EQ(folder_.Read(u"t.csv"), Header("\"a,b\",c d"));
+  Create(u"l.csv", {Field(u"two\nlines", FieldType::kInteger), Field(u"x", FieldType::kInteger)});
+  EXPECT_EQ(folder_.Read(u"l.csv"), Header("\"two\nlines\",x"));
   folder_.Write(u"schema.ini", "[q.csv]\nTextDelimiter='\n[n.csv]\nTextDelimiter=NONE\n");
   Create(u"q.csv", {Field(u"it's", FieldType::kInteger), Field(u"x", FieldType::kInteger)});
   EXPECT_EQ(folder_.Read(u"q.csv"), Header("'it''s',x"));
@@ -192,9 +194,9 @@ TEST_F(TableCreationTest, ARefusalLeavesEverythingAsItWas) {
   EXPECT_EQ(Refusal(u"folder.csv", one),
             "folder.csv: the name belongs to something that is no file");
   EXPECT_EQ(Refusal(u"t.csv", {Field(u"a\"b", FieldType::kInteger)}),
-            "schema.ini: The name of field \"a\"b\" cannot be written.");
+            "schema.ini: The field \"a\"b\" cannot be described in schema.ini.");
   EXPECT_EQ(Refusal(u"t.csv", {Field(u"", FieldType::kInteger)}),
-            "schema.ini: A field without a name cannot be written.");
+            "schema.ini: The field \"\" cannot be described in schema.ini.");
   folder_.MakeFolder(u"schema.ini");
   EXPECT_EQ(Refusal(u"t.csv", one), "schema.ini: Could not read schema.ini.");
   EXPECT_EQ(folder_.Read(u"t.csv"), "old\n");

@@ -19,8 +19,7 @@ Function Find(HMODULE module, const char* name) {
 
 }  // namespace
 
-ModuleUnderTest::ModuleUnderTest()
-    : handle_(::LoadLibraryW(AsOle(ToUtf16(MODULE_FILE).c_str()))) {
+ModuleUnderTest::ModuleUnderTest() : handle_(::LoadLibraryW(AsOle(ToUtf16(MODULE_FILE).c_str()))) {
   if (handle_ == nullptr) throw std::runtime_error("cannot load " MODULE_FILE);
 }
 

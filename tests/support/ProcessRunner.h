@@ -21,6 +21,8 @@ struct ProcessRequest {
   // Set in the program's environment, which is otherwise the test's without its locale variables
   // and without ours (LC_*, LANG, LANGUAGE, QUENRA_*); LC_ALL is C unless given here.
   std::map<std::string, std::string> environment;
+  // Standard input is this file; empty: nothing can be read.
+  std::string inputFile;
   // Standard output or error is a terminal that passes bytes on unchanged.
   bool outputIsTerminal = false;
   bool errorsAreTerminal = false;

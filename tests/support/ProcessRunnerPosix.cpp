@@ -109,7 +109,8 @@ pid_t Start(const ProcessRequest& request, int output, int errors) {
 
   posix_spawn_file_actions_t actions;
   ::posix_spawn_file_actions_init(&actions);
-  ::posix_spawn_file_actions_addopen(&actions, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
+  const char* const input = request.inputFile.empty() ? "/dev/null" : request.inputFile.c_str();
+  ::posix_spawn_file_actions_addopen(&actions, STDIN_FILENO, input, O_RDONLY, 0);
   ::posix_spawn_file_actions_adddup2(&actions, output, STDOUT_FILENO);
   ::posix_spawn_file_actions_adddup2(&actions, errors, STDERR_FILENO);
   if (!request.folder.empty())

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <fstream>
 #include <iterator>
+#include <stdexcept>
 
 #include "platform/FileNames.h"
 
@@ -11,8 +12,8 @@ namespace quenra::test {
 namespace fs = boost::filesystem;
 
 TemporaryFolder::TemporaryFolder() {
-  const fs::path made = fs::canonical(fs::temp_directory_path()) /
-                        fs::unique_path("texttables-%%%%-%%%%-%%%%-%%%%");
+  const fs::path made =
+      fs::canonical(fs::temp_directory_path()) / fs::unique_path("texttables-%%%%-%%%%-%%%%-%%%%");
   fs::create_directory(made);
   path_ = FileNameFromNative(made.native());
 }
@@ -29,13 +30,18 @@ std::u16string TemporaryFolder::Path(std::u16string_view name) const {
   return path;
 }
 
+fs::path TemporaryFolder::Native() const { return fs::path(NativeFromFileName(path_)); }
+
 fs::path TemporaryFolder::Native(std::u16string_view name) const {
   return fs::path(NativeFromFileName(Path(name)));
 }
 
-void TemporaryFolder::Write(std::u16string_view name, std::string_view bytes) const {
+std::u16string TemporaryFolder::Write(std::u16string_view name, std::string_view bytes) const {
   std::ofstream stream(Native(name).c_str(), std::ios::binary | std::ios::trunc);
   stream.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+  stream.close();
+  if (stream.fail()) throw std::runtime_error("a test's file could not be written");
+  return Path(name);
 }
 
 void TemporaryFolder::Append(std::u16string_view name, std::string_view bytes) const {

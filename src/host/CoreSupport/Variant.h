@@ -13,6 +13,14 @@
 
 namespace quenra {
 
+// VariantClear, without the call for values that own nothing. The variant is a valid one.
+inline void ClearVariant(VARIANT& value) noexcept {
+  if (value.vt < VT_BSTR || value.vt == VT_I8)
+    value.vt = VT_EMPTY;
+  else
+    ::VariantClear(&value);
+}
+
 class Variant {
  public:
   Variant() noexcept { ::VariantInit(&value_); }  // VT_EMPTY

@@ -78,10 +78,10 @@ bool ReadIso6709(const char* position, StandardPair& pair) noexcept {
   }
   // The closing solidus is often left out, as in the time zone database. Without it, whole degrees
   // could be a sum; minutes below 60 with leading zeros, or decimals, tell a position.
-  const bool plain = latitude.groups >= 2 ||
-                     (latitude.decimals > 0 && longitude.decimals > 0 &&
-                      (latitude.decimals >= kPlainDecimals ||
-                       longitude.decimals >= kPlainDecimals));
+  const bool plain =
+      latitude.groups >= 2 ||
+      (latitude.decimals > 0 && longitude.decimals > 0 &&
+       (latitude.decimals >= kPlainDecimals || longitude.decimals >= kPlainDecimals));
   if (!ReadIsoEnd(position, !plain)) return false;
   pair.latitude = first.Apply(latitude.degrees);
   pair.longitude = second.Apply(longitude.degrees);

@@ -9,7 +9,9 @@ namespace {
 constexpr DWORD kRetryMilliseconds = 10;
 constexpr int kRetries = 1000;  // ten seconds; no writer needs a fraction of it
 
-bool IsBusy(DWORD error) { return error == ERROR_SHARING_VIOLATION || error == ERROR_ACCESS_DENIED; }
+bool IsBusy(DWORD error) {
+  return error == ERROR_SHARING_VIOLATION || error == ERROR_ACCESS_DENIED;
+}
 
 }  // namespace
 

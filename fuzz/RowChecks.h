@@ -1,0 +1,140 @@
+// Reads a described table to its end and holds the readers and the row converter against what
+// they promise, for the fuzz targets of both readers.
+#pragma once
+
+#include <algorithm>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "FuzzInput.h"
+#include "inference/RowConverter.h"
+#include "platform/OleText.h"
+#include "reading/ReaderFactory.h"
+
+namespace Fuzz {
+
+// A row as the plain readers of the targets give it.
+using PlainRecord = std::vector<std::u16string>;
+
+inline std::u16string MessageTemplate(std::uint32_t id) {
+  Check(id >= 115 && id <= 118);
+  return u"%1 %2 %3";
+}
+
+// Owns one value.
+class Value {
+ public:
+  Value(TextFile::RowConverter& converter, std::size_t field) {
+    ::VariantInit(&value_);
+    converter.MoveValue(field, value_);
+  }
+  ~Value() { ::VariantClear(&value_); }
+  Value(const Value&) = delete;
+  Value& operator=(const Value&) = delete;
+
+  const VARIANT* operator->() const noexcept { return &value_; }
+
+  std::u16string_view Text() const noexcept { return ViewOf(value_.bstrVal); }
+
+ private:
+  VARIANT value_;
+};
+
+// The kinds of value that a field of the type may hold, blank and unfitting texts included.
+inline bool MayHold(TextFile::FieldType type, VARTYPE kind) {
+  using TextFile::FieldType;
+  if (kind == VT_NULL) return true;
+  switch (type) {
+    case FieldType::kSmallInteger:
+      return kind == VT_I2 || kind == VT_R8;
+    case FieldType::kInteger:
+      return kind == VT_I4 || kind == VT_R8;
+    case FieldType::kBigInteger:
+      return kind == VT_I8 || kind == VT_R8;
+    case FieldType::kSingle:
+      return kind == VT_R4 || kind == VT_R8;
+    case FieldType::kDouble:
+      return kind == VT_R8;
+    case FieldType::kString:
+      return kind == VT_BSTR;
+    case FieldType::kDate:
+    case FieldType::kDateOnly:
+    case FieldType::kTimeOnly:
+      return kind == VT_DATE;
+    case FieldType::kTimestampOffset:
+      return kind == VT_UNKNOWN;
+    default:
+      return false;
+  }
+}
+
+inline bool HasVirtualFields(const TextFile::TextDatasetDescription& table) {
+  for (const TextFile::FieldDefinition& field : table.fields)
+    if (field.isCoordinate) return true;
+  return false;
+}
+
+// Whether the field is the second text of a pair, which stays empty in a record that ends before
+// it, although the fields behind it are null.
+inline bool IsSecondOfPair(const TextFile::TextDatasetDescription& table, std::size_t field) {
+  const auto& fields = table.fields;
+  return field + 1 < fields.size() && fields[field + 1].isPair && !fields[field].isCoordinate;
+}
+
+// `quick` converts the same row without the texts, which nobody asked of it.
+inline void CheckRow(const TextFile::TextDatasetDescription& table, const TextFile::Record& record,
+                     bool plainColumns, TextFile::RowConverter& converter,
+                     TextFile::RowConverter& quick) {
+  using TextFile::FieldType;
+  const std::size_t count = converter.Convert(record);
+  Check(count <= table.fields.size() && quick.Convert(record) == count);
+  if (plainColumns) Check(count == std::min(record.size(), table.fields.size()));
+  for (std::size_t i = 0; i < table.fields.size(); ++i) {
+    const FieldType type = table.fields[i].type;
+    const Value value(converter, i);
+    const Value other(quick, i);
+    if (i >= count) {
+      Check(value->vt == VT_EMPTY && other->vt == VT_EMPTY);
+      continue;
+    }
+    Check(MayHold(type, value->vt) || (value->vt == VT_EMPTY && IsSecondOfPair(table, i)));
+    if (value->vt == VT_BSTR) {
+      if (plainColumns) Check(value.Text() == record[i]);
+      Check(other->vt == VT_EMPTY);
+      continue;
+    }
+    Check(other->vt == value->vt);
+    if (value->vt == VT_I4) Check(other->lVal == value->lVal);
+    if (value->vt == VT_DATE) Check(other->date == value->date);
+  }
+}
+
+// Walks the table's rows. `next` answers each record of the file as a plain reader of the target
+// cuts it, from the header on, and false behind the last one.
+template <class NextPlainRecord>
+void CheckRows(const TextFile::TextDatasetDescription& table, NextPlainRecord next) {
+  const auto shared = std::make_shared<const TextFile::TextDatasetDescription>(table);
+  TextFile::RowConverter converter(shared, &MessageTemplate);
+  TextFile::RowConverter quick(shared, &MessageTemplate);
+  Check(converter.fieldCount() == table.fields.size());
+  for (std::size_t i = 0; i < table.fields.size(); ++i)
+    if (table.fields[i].type == TextFile::FieldType::kString) quick.SetWanted(i, false);
+  const bool plainColumns = !HasVirtualFields(table);
+
+  PlainRecord plain;
+  if (table.options.columnNameHeader) next(plain);
+  const TextFile::ReaderPtr reader = TextFile::MakeDataReader(table);
+  Check(reader->IsOpen());
+  while (!reader->record().empty()) {
+    const TextFile::Record& record = reader->record();
+    Check(next(plain) && plain.size() == record.size());
+    for (std::size_t i = 0; i < plain.size(); ++i) Check(plain[i] == record[i]);
+    CheckRow(table, record, plainColumns, converter, quick);
+    Check(reader->ReadRecord() == !reader->record().empty());
+  }
+  Check(!next(plain) && reader->AtEnd());
+  Check(!reader->ReadRecord());
+}
+
+}  // namespace Fuzz

@@ -1,0 +1,72 @@
+// The short way of reading plain numbers gives what the exact way gives, on every text.
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <random>
+#include <string>
+
+#include "inference/NumberParsing.h"
+#include "support/ShowText.h"
+
+namespace TextFile {
+namespace {
+
+constexpr FieldType kTypes[] = {FieldType::kSmallInteger, FieldType::kInteger,
+                                FieldType::kBigInteger, FieldType::kSingle, FieldType::kDouble};
+
+std::uint64_t BitsOf(FieldType type, const NumberValue& value) {
+  if (type == FieldType::kSingle) {
+    std::uint32_t bits = 0;
+    std::memcpy(&bits, &value.single, sizeof(bits));
+    return bits;
+  }
+  std::uint64_t bits = 0;
+  std::memcpy(&bits, &value.real, sizeof(bits));
+  return bits;
+}
+
+void ExpectBothWaysAgree(const NumberFormat::Settings& settings, const std::u16string& text) {
+  for (const FieldType type : kTypes) {
+    NumberValue shortWay;
+    NumberValue exactWay;
+    const bool isNumber = NumberFormat::ConvertExactly(settings, text, type, exactWay);
+    ASSERT_EQ(NumberFormat::Convert(settings, text, type, shortWay), isNumber) << Show(text);
+    if (isNumber) {
+      ASSERT_EQ(BitsOf(type, shortWay), BitsOf(type, exactWay)) << Show(text);
+    }
+  }
+}
+
+NumberFormat::Settings WithDecimalSymbol(char16_t symbol) {
+  NumberFormat::Settings settings;
+  settings.decimalSymbol = symbol;
+  return settings;
+}
+
+TEST(PlainNumberTest, RandomTextsOfNumberCharactersReadTheSameBothWays) {
+  std::mt19937 random(20240229);
+  constexpr std::u16string_view kCharacters = u"00112233445566778899--+.,,.e E\u0660";
+  for (const char16_t symbol : {u'.', u',', u'5', u'-', u';', u'\u066B'}) {
+    const NumberFormat::Settings settings = WithDecimalSymbol(symbol);
+    for (int i = 0; i < 20000; ++i) {
+      std::u16string text;
+      for (std::size_t length = random() % 24; length > 0; --length)
+        text += kCharacters[random() % kCharacters.size()];
+      ExpectBothWaysAgree(settings, text);
+    }
+  }
+}
+
+TEST(PlainNumberTest, RandomDecimalsReadTheSameBothWays) {
+  std::mt19937_64 random(7);
+  const NumberFormat::Settings settings = WithDecimalSymbol(u'.');
+  for (int i = 0; i < 100000; ++i) {
+    std::string digits = std::to_string(random() >> (random() % 60));
+    if (random() % 2 == 0) digits.insert(random() % (digits.size() + 1), ".");
+    if (random() % 3 == 0) digits.insert(0, "-");
+    ExpectBothWaysAgree(settings, std::u16string(digits.begin(), digits.end()));
+  }
+}
+
+}  // namespace
+}  // namespace TextFile
