@@ -1,6 +1,7 @@
 #include "schema/TableNames.h"
 
 #include <algorithm>
+#include <functional>
 
 #include "host/DataCore/DataCoreUtil.h"
 
@@ -18,7 +19,8 @@ constexpr std::u16string_view kForbidden = u"<>:\"|?*";
 
 bool IsDevice(std::u16string_view name) noexcept {
   // A device keeps its meaning whatever the extension.
-  const std::u16string_view stem = name.substr(0, name.find(u'.'));
+  std::u16string_view stem = name.substr(0, name.find(u'.'));
+  while (stem.ends_with(u' ')) stem.remove_suffix(1);
   const auto is = [&](std::u16string_view device) {
     return DataCoreUtil::CompareFoldCase(stem, device);
   };
@@ -46,6 +48,20 @@ std::u16string_view WhyNotATableName(std::u16string_view name) noexcept {
     return u"the name holds a character that file names cannot have everywhere";
   if (name.back() == u'.' || name.back() == u' ') return u"the name ends in a dot or a blank";
   return {};
+}
+
+std::u16string TemporaryNameOf(std::u16string_view name, std::u16string_view extension) {
+  // File names end at 255 bytes, and a unit can take three: long ones are told by a hash.
+  constexpr std::size_t kLongest = 80;
+  constexpr std::size_t kKept = 56;
+  std::u16string temporary = u"~" + std::u16string(name.substr(0, kKept));
+  if (name.size() <= kLongest) {
+    temporary += name.substr(std::min(name.size(), kKept));
+  } else {
+    const std::string digits = std::to_string(std::hash<std::u16string_view>()(name));
+    temporary.append(digits.begin(), digits.end());
+  }
+  return temporary += extension;
 }
 
 }  // namespace TextFile
