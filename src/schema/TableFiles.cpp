@@ -35,7 +35,10 @@ void RequireName(std::u16string_view name) {
     FailTable(name, reason);
 }
 
-void RequireTable(const std::u16string& path) {
+void RequireTable(const TableLocation& table) {
+  const std::u16string path = table.Path();
+  // A table may be moved or go whatever its name is, but schema.ini is none.
+  if (IsReservedFile(table.name)) FailTable(path, u"the file is no table");
   boost::system::error_code ignored;
   if (!fs::is_regular_file(Native(path), ignored)) FailTable(path, u"there is no such table");
 }
@@ -216,7 +219,7 @@ std::u16string TableLocation::MetadataPath() const { return Path() + u".xml"; }
 
 void CopyTableFiles(const TableLocation& from, const TableLocation& to) {
   RequireName(to.name);
-  RequireTable(from.Path());
+  RequireTable(from);
   RequireFree(to.Path());
   const bool metadataIsWanted = MetadataIsWanted(from, to);
 
@@ -237,7 +240,7 @@ void CopyTableFiles(const TableLocation& from, const TableLocation& to) {
 void RenameTableFiles(const TableLocation& table, std::u16string_view newName) {
   const TableLocation renamed{table.folder, std::u16string(newName)};
   RequireName(newName);
-  RequireTable(table.Path());
+  RequireTable(table);
   if (IsOnlyAnotherCase(table.Path(), renamed.Path()))
     RenameCase(table, renamed);
   else
@@ -253,7 +256,7 @@ void RenameTableFiles(const TableLocation& table, std::u16string_view newName) {
 }
 
 void DeleteTableFiles(const TableLocation& table) {
-  RequireTable(table.Path());
+  RequireTable(table);
   // Set aside first, which can be taken back when something else cannot be removed.
   const auto setAside = [&](const std::u16string& name, const std::u16string& path) {
     const std::u16string aside = JoinPath(table.folder, TemporaryNameOf(name, u".old"));

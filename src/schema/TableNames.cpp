@@ -34,14 +34,18 @@ bool IsDevice(std::u16string_view name) noexcept {
 
 }  // namespace
 
+bool IsReservedFile(std::u16string_view name) noexcept {
+  return std::any_of(
+      std::begin(kReservedFiles), std::end(kReservedFiles),
+      [&](std::u16string_view file) { return DataCoreUtil::CompareFoldCase(name, file); });
+}
+
 std::u16string_view WhyNotATableName(std::u16string_view name) noexcept {
   if (name.empty()) return u"the name is empty";
   if (name.find_first_of(u"/\\") != std::u16string_view::npos)
     return u"the name holds a path separator";
   if (name == u"." || name == u"..") return u"the name means a folder";
-  for (const std::u16string_view reserved : kReservedFiles)
-    if (DataCoreUtil::CompareFoldCase(name, reserved)) return u"the name is reserved";
-  if (IsDevice(name)) return u"the name is reserved";
+  if (IsReservedFile(name) || IsDevice(name)) return u"the name is reserved";
   const bool control =
       std::any_of(name.begin(), name.end(), [](char16_t unit) { return unit < 32; });
   if (control || name.find_first_of(kForbidden) != std::u16string_view::npos)

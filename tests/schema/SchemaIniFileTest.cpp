@@ -53,6 +53,18 @@ constexpr std::string_view kThreeSections =
     "[TWO.CSV]\n  odd line \n"
     "[three.csv]\nCol1=C Long\n";
 
+TEST_F(SchemaIniFileTest, ASectionHiddenByAnotherLineIsNotLost) {
+  constexpr std::string_view kHidden = "; [a.csv]\n[a.csv]\nFormat=CSVDelimited\nCol2=p Double\n";
+  SetText(kHidden);
+  FieldDefinition column;
+  column.name = u"b";
+  std::u16string failure;
+  EXPECT_FALSE(WriteColumn(u"a.csv", column, &failure));
+  EXPECT_NE(failure, u"");
+  EXPECT_EQ(Text(), kHidden);
+  EXPECT_TRUE(WriteColumn(u"b.csv", column));
+}
+
 TEST_F(SchemaIniFileTest, AReplacedSectionKeepsItsPlaceAndItsHeader) {
   SetText(kThreeSections);
   SchemaIniFile file(Paths(), SchemaIniFile::Access::kWrite);

@@ -111,6 +111,14 @@ TEST_F(TableFilesTest, DeletingTakesFileSectionAndMetadata) {
   EXPECT_EQ(Ini(), "[first.csv]\nCol1=F Text\n[last.csv]\nCol1=L Text\n");
 }
 
+TEST_F(TableFilesTest, SchemaIniIsNoTable) {
+  const std::string before = Ini();
+  EXPECT_THROW(DeleteTableFiles(In(u"schema.ini")), TableFailure);
+  EXPECT_THROW(RenameTableFiles(In(u"SCHEMA.INI"), u"b.csv"), TableFailure);
+  EXPECT_THROW(CopyTableFiles(In(u"schema.ini"), In(u"b.csv")), TableFailure);
+  EXPECT_EQ(Ini(), before);
+}
+
 TEST_F(TableFilesTest, WithoutSchemaIniThereIsNothingToUpdate) {
   folder_.Remove(u"schema.ini");
   folder_.Remove(u"a.csv.xml");
