@@ -49,8 +49,8 @@ class LoadingFolder {
 
 std::vector<FieldDefinition> MixedFields() {
   constexpr FieldType kTypes[kColumns] = {
-      FieldType::kInteger, FieldType::kString, FieldType::kDouble,       FieldType::kDate,
-      FieldType::kString,  FieldType::kSingle, FieldType::kSmallInteger, FieldType::kDateOnly,
+      FieldType::kInteger, FieldType::kString,    FieldType::kDouble,       FieldType::kDate,
+      FieldType::kString,  FieldType::kSingle,    FieldType::kSmallInteger, FieldType::kDateOnly,
       FieldType::kDouble,  FieldType::kBigInteger};
   std::vector<FieldDefinition> fields;
   for (const FieldType type : kTypes) {

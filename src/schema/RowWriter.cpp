@@ -104,7 +104,8 @@ std::size_t Utf16Length(std::string_view utf8) noexcept {
 std::u16string TablePatternFor(const FieldDefinition& field, const SchemaOptions& options) {
   const std::u16string& pattern = options.dateTimeFormat;
   if (options.IsSpecified(SchemaOptions::kDateTimeFormat) || !IsDateType(field.type) ||
-      field.dateFormat.order == DateOrder::kAny || field.dateFormat.order == OrderOfPattern(pattern))
+      field.dateFormat.order == DateOrder::kAny ||
+      field.dateFormat.order == OrderOfPattern(pattern))
     return pattern;
   std::u16string time = WritingPattern({}, FieldType::kTimeOnly, pattern);
   switch (field.dateFormat.order) {
@@ -132,7 +133,8 @@ RowWriter::RowWriter(const TextDatasetDescription& table)
     column.type = field.type;
     // A delimited column has no use for a width of nothing; schema.ini would not keep it either.
     const bool anyWidth = !options_.fixedLength && field.width < 1;
-    column.width = static_cast<std::size_t>(anyWidth ? kDefaultTextWidth : std::max(field.width, 0));
+    column.width =
+        static_cast<std::size_t>(anyWidth ? kDefaultTextWidth : std::max(field.width, 0));
     column.isVirtual = field.isCoordinate;
     column.hasOwnPattern = !field.dateFormat.pattern.empty();
     column.pattern =

@@ -78,8 +78,7 @@ void Move(const std::u16string& from, const std::u16string& to) {
 // A complete copy under a temporary name, which goes away unless it is given its own.
 class FinishedCopy {
  public:
-  FinishedCopy(const std::u16string& from, const TableLocation& temporary,
-               const std::u16string& to)
+  FinishedCopy(const std::u16string& from, const TableLocation& temporary, const std::u16string& to)
       : to_(to) {
     if (!file_.Open(NativeFromFileName(temporary.Path()))) FailTable(to_, file_.error());
     std::filebuf source;

@@ -1,11 +1,12 @@
 // Stands between the program and the system's calls that change files, and lets one of them be the
 // last one or fail.
 //
-// The environment says which: FAULT_AT=3 is the third such call of the process; with FAULT_MODE=kill
-// the process ends before it is made (exit code 99), with FAULT_MODE=fail it is answered with "no
-// space left on device". A process that ends by itself before its fault has come exits with 42, so
-// that a test knows when it has been through all of them. Definitions in a program take the place
-// of the libraries' own, also for the other libraries.
+// The environment says which: FAULT_AT=3 is the third such call of the process; with
+// FAULT_MODE=kill the process ends before it is made (exit code 99), with FAULT_MODE=fail it is
+// answered with "no space left on device". A process that ends by itself before its fault has come
+// exits with 42, so that a test knows when it has been through all of them. Definitions in a
+// program take the place of the libraries' own, also for the other libraries.
+#include <dlfcn.h>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
@@ -17,7 +18,6 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <dlfcn.h>
 
 #define SEEN_BY_LIBRARIES extern "C" __attribute__((visibility("default")))
 
@@ -72,10 +72,10 @@ FILE* OpenStream(const char* function, const char* path, const char* mode) {
 
 }  // namespace
 
-#define OPEN_MODE(last)                          \
-  va_list more;                                  \
-  va_start(more, last);                          \
-  const unsigned mode = va_arg(more, unsigned);  \
+#define OPEN_MODE(last)                         \
+  va_list more;                                 \
+  va_start(more, last);                         \
+  const unsigned mode = va_arg(more, unsigned); \
   va_end(more)
 
 SEEN_BY_LIBRARIES int open(const char* path, int flags, ...) {

@@ -79,8 +79,7 @@ void WriteSections(const TableLocation& table, int rounds) {
   options.specified = SchemaOptions::kFormat;
   constexpr int kSections = 10;
   for (int round = 0; round < rounds; ++round) {
-    const std::u16string name =
-        table.name + static_cast<char16_t>(u'0' + round % kSections);
+    const std::u16string name = table.name + static_cast<char16_t>(u'0' + round % kSections);
     std::u16string failure;
     const bool drops = round / kSections % 2 == 1;
     if (!(drops ? DropSchemaSection(paths, name, &failure)

@@ -1,7 +1,6 @@
-#include "inference/DateFormatting.h"
-
 #include <gtest/gtest.h>
 
+#include "inference/DateFormatting.h"
 #include "support/TestText.h"
 
 namespace TextFile {
@@ -47,7 +46,9 @@ constexpr PatternCase kPatternCases[] = {
     {u"yyyy. MM. dd. H:mm:ss", "2003. 02. 01. 4:05:06"},
     {u"dddd, d. MMMM yyyy", ", 1. 02 2003"},
     {u"yyyy'dd'MM", "2003dd02"},
-    {u"yyyy\u5E74M\u6708", "2003\xE5\xB9\xB4" "2\xE6\x9C\x88"},
+    {u"yyyy\u5E74M\u6708",
+     "2003\xE5\xB9\xB4"
+     "2\xE6\x9C\x88"},
     {u"", ""},
 };
 

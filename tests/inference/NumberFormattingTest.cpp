@@ -1,9 +1,9 @@
-#include "inference/NumberFormatting.h"
-
 #include <gtest/gtest.h>
 
 #include <cmath>
 #include <limits>
+
+#include "inference/NumberFormatting.h"
 
 namespace TextFile::NumberFormat {
 namespace {
@@ -65,7 +65,9 @@ TEST(NumberFormattingTest, NumberDigitsCountForBothKinds) {
 
 TEST(NumberFormattingTest, TheDecimalSymbolIsTheTables) {
   EXPECT_EQ(Written(WithDigits(2, u','), FieldType::kDouble, 1234.5), "<1234,50");
-  EXPECT_EQ(Written(WithDigits(1, u'\u066B'), FieldType::kDouble, 1.5), "<1\xD9\xAB" "5");
+  EXPECT_EQ(Written(WithDigits(1, u'\u066B'), FieldType::kDouble, 1.5),
+            "<1\xD9\xAB"
+            "5");
 }
 
 TEST(NumberFormattingTest, TheLargestNumberAndManyDigitsFitTheBuffer) {
@@ -89,8 +91,12 @@ struct WidthCase {
 };
 
 constexpr WidthCase kWidthCases[] = {
-    {1.5, 20, "1.500000000000000"}, {1.5, 5, "1.500"}, {1.5, 3, "1.5"},
-    {1.25, 2, "1"},                 {-1.25, 2, "-1"},  {12.25, 1, nullptr},
+    {1.5, 20, "1.500000000000000"},
+    {1.5, 5, "1.500"},
+    {1.5, 3, "1.5"},
+    {1.25, 2, "1"},
+    {-1.25, 2, "-1"},
+    {12.25, 1, nullptr},
     {9.96, 3, "10"},  // "10.0" is what rounding makes of it
     {99.96, 2, nullptr},
     {0.5, 0, nullptr},

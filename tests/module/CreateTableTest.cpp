@@ -15,8 +15,8 @@ class CreateTableTest : public ModuleTest {
  protected:
   HRESULT Create(std::u16string_view name, const ComPtr<HostFieldCollection>& fields,
                  ComPtr<IPlugInDatasetHelper>& table) const {
-    return OpenWorkspace().As<IPlugInCreateDataset>()->CreateTable(
-        BString(name).Get(), fields.Get(), table.Receive());
+    return OpenWorkspace().As<IPlugInCreateDataset>()->CreateTable(BString(name).Get(),
+                                                                   fields.Get(), table.Receive());
   }
 };
 
@@ -24,9 +24,9 @@ TEST_F(CreateTableTest, TheNewTableIsOpenAndEmpty) {
   ComPtr<IPlugInDatasetHelper> table;
   ASSERT_EQ(Create(u"t.csv", MakeFields({{u"Id", 1}, {u"Name", 4, 20}, {u"Size", 3}}), table),
             S_OK);
-  EXPECT_THAT(Fields(table), ElementsAre(FieldSeen{"Id", 1, 4, 0, ""},
-                                         FieldSeen{"Name", 4, 20, 0, ""},
-                                         FieldSeen{"Size", 3, 8, 0, ""}));
+  EXPECT_THAT(Fields(table),
+              ElementsAre(FieldSeen{"Id", 1, 4, 0, ""}, FieldSeen{"Name", 4, 20, 0, ""},
+                          FieldSeen{"Size", 3, 8, 0, ""}));
   EXPECT_THAT(Rows(table), IsEmpty());
   LONG count = -1;
   EXPECT_EQ(table.As<IPlugInRowCount>()->CountRows(0, &count), S_OK);
@@ -45,8 +45,8 @@ struct TypeCase {
 };
 
 constexpr TypeCase kTypeCases[] = {
-    {0, 0, 2},  {1, 1, 4},  {2, 2, 4},     {3, 3, 8},     {4, 4, 8000}, {5, 5, 8},   {6, 1, 4},
-    {10, 4, 8000}, {11, 4, 8000}, {13, 13, 8}, {14, 14, 8}, {15, 15, 8}, {16, 5, 8},
+    {0, 0, 2},     {1, 1, 4},     {2, 2, 4},   {3, 3, 8},   {4, 4, 8000}, {5, 5, 8},  {6, 1, 4},
+    {10, 4, 8000}, {11, 4, 8000}, {13, 13, 8}, {14, 14, 8}, {15, 15, 8},  {16, 5, 8},
 };
 
 TEST_F(CreateTableTest, EveryTypeThatHasATextFormComesBackAsTheFileTells) {
@@ -86,9 +86,9 @@ TEST_F(CreateTableTest, ATextOfNoLengthHas8000) {
 
 TEST_F(CreateTableTest, DatesKeepPrecision1WhileTheTableIsOpen) {
   ComPtr<IPlugInDatasetHelper> table;
-  ASSERT_EQ(Create(u"t.csv", MakeFields({{u"A", 5, 0, 1}, {u"B", 5, 0, 0}, {u"C", 5, 0, 2}}),
-                   table),
-            S_OK);
+  ASSERT_EQ(
+      Create(u"t.csv", MakeFields({{u"A", 5, 0, 1}, {u"B", 5, 0, 0}, {u"C", 5, 0, 2}}), table),
+      S_OK);
   EXPECT_THAT(Fields(table), ElementsAre(FieldSeen{"A", 5, 8, 1, ""}, FieldSeen{"B", 5, 8, 0, ""},
                                          FieldSeen{"C", 5, 8, 0, ""}));
 }

@@ -55,21 +55,20 @@ TEST_F(FileOperationsTest, ACopyOfBadArgumentsIsRefused) {
   EXPECT_EQ(operations->CopyDataset(BString(u"b.csv").Get(), nullptr), E_INVALIDARG);
   EXPECT_EQ(operations->CopyDataset(BString(u"a.csv").Get(), workspace.Get()), E_FAIL);
   EXPECT_EQ(FirstError(), ToUtf8(folder_.Path(u"a.csv")) + ": the file exists already");
-  EXPECT_EQ(operations->CopyDataset(BString(u"b.csv").Get(),
-                                    MakeWorkspace(folder_.Path(u"none")).Get()),
-            E_FAIL);
+  EXPECT_EQ(
+      operations->CopyDataset(BString(u"b.csv").Get(), MakeWorkspace(folder_.Path(u"none")).Get()),
+      E_FAIL);
   EXPECT_THAT(FirstError(), HasSubstr("none/b.csv: "));
-  EXPECT_EQ(folder_.Names(),
-            (std::vector<std::u16string>{u"a.csv", u"a.csv.xml", u"schema.ini"}));
+  EXPECT_EQ(folder_.Names(), (std::vector<std::u16string>{u"a.csv", u"a.csv.xml", u"schema.ini"}));
 }
 
 TEST_F(FileOperationsTest, ARenamedTableGoesOnUnderItsNewName) {
   const auto table = TableWithEverything();
   const CursorOverAll before(table);
   BString result;
-  ASSERT_EQ(table.As<IPlugInFileOperations>()->RenameDataset(BString(u"Neu.CSV").Get(),
-                                                             result.Receive()),
-            S_OK);
+  ASSERT_EQ(
+      table.As<IPlugInFileOperations>()->RenameDataset(BString(u"Neu.CSV").Get(), result.Receive()),
+      S_OK);
   EXPECT_EQ(result.View(), u"Neu.CSV");
   EXPECT_EQ(folder_.Read(u"schema.ini"), "[Neu.CSV]\nCol1=Id Text\n[other.csv]\nCol1=X Text\n");
   EXPECT_EQ(folder_.Names(),
@@ -95,8 +94,7 @@ TEST_F(FileOperationsTest, ARefusedNameLeavesTheTableItsOwn) {
   BString result;
   EXPECT_EQ(operations->RenameDataset(nullptr, result.Receive()), E_FAIL);
   EXPECT_THAT(Rows(table), ElementsAre("BSTR:1|BSTR:one"));
-  EXPECT_EQ(folder_.Names(),
-            (std::vector<std::u16string>{u"a.csv", u"a.csv.xml", u"schema.ini"}));
+  EXPECT_EQ(folder_.Names(), (std::vector<std::u16string>{u"a.csv", u"a.csv.xml", u"schema.ini"}));
 }
 
 TEST_F(FileOperationsTest, DeletingLeavesTheOthers) {

@@ -166,7 +166,10 @@ TEST_F(LoaderTest, CarriageReturnAndLineFeedReadAsOneLineFeed) {
 }
 
 TEST_F(LoaderTest, ZerosAndTextEndsAreDropped) {
-  EXPECT_EQ(TextBack(std::u16string_view(u"a\0b\x1A" u"c", 5)), "BSTR:abc|I4:1");
+  EXPECT_EQ(TextBack(std::u16string_view(u"a\0b\x1A"
+                                         u"c",
+                                         5)),
+            "BSTR:abc|I4:1");
 }
 
 TEST_F(LoaderTest, TextsAreCutToTheirWidthBetweenCharacters) {
@@ -177,7 +180,9 @@ TEST_F(LoaderTest, TextsAreCutToTheirWidthBetweenCharacters) {
 
 TEST_F(LoaderTest, LoneSurrogatesBecomeReplacementCharacters) {
   const char16_t text[] = {u'a', 0xD83D, u'b'};
-  EXPECT_EQ(TextBack({text, 3}), "BSTR:a\xEF\xBF\xBD" "b|I4:1");
+  EXPECT_EQ(TextBack({text, 3}),
+            "BSTR:a\xEF\xBF\xBD"
+            "b|I4:1");
 }
 
 TEST_F(LoaderTest, FloatingPointNumbersKeep7And15DigitsBehindTheSymbol) {
@@ -248,8 +253,7 @@ TEST_F(LoaderTest, FixedLengthTablesTrimTextsAndCutNumbers) {
   folder_.Write(u"schema.ini",
                 "[t.txt]\nFormat=FixedLength\nCol1=A Text Width 6\nCol2=B Double Width 5\n"
                 "Col3=C Long Width 3\nCol4=D Date yyyy-MM-dd \" \" Width 10\n");
-  const auto table =
-      Create(u"t.txt", MakeFields({{u"A", 4}, {u"B", 3}, {u"C", 1}, {u"D", 14}}));
+  const auto table = Create(u"t.txt", MakeFields({{u"A", 4}, {u"B", 3}, {u"C", 1}, {u"D", 14}}));
   const DATE day = 43835;
   EXPECT_EQ(Load(table, Variant(u" a\nb "), Variant(1.23456), Variant(LONG{7}), DateValue(day)),
             S_OK);
@@ -339,9 +343,9 @@ class RandomValues {
   static Sample Double(double n) { return {Variant(n), "R8:" + Shortest(n)}; }
 
   std::u16string RandomText() {
-    constexpr std::u16string_view kPieces[] = {u"a",  u"\u00E9", u"\"", u",",  u";", u"\t",
-                                               u"\n", u"\r",     u" ",  u"|",  u"'", u"\U0001F600",
-                                               u"1",  u"\u6708", u"\u3000", u"[", u"=", u"\x1A"};
+    constexpr std::u16string_view kPieces[] = {
+        u"a", u"\u00E9", u"\"",         u",", u";",      u"\t",     u"\n", u"\r", u" ",
+        u"|", u"'",      u"\U0001F600", u"1", u"\u6708", u"\u3000", u"[",  u"=",  u"\x1A"};
     std::u16string text;
     for (int pieces = Below(10); pieces > 0; --pieces)
       text += kPieces[Below(static_cast<int>(std::size(kPieces)))];
@@ -444,8 +448,8 @@ constexpr RoundTrip kRoundTrips[] = {
 
 INSTANTIATE_TEST_SUITE_P(All, LoaderRoundTripTest, testing::ValuesIn(kRoundTrips),
                          [](const auto& parameter) {
-                           std::string name = ToUtf8(parameter.param.locale) + "_" +
-                                              ToUtf8(parameter.param.name);
+                           std::string name =
+                               ToUtf8(parameter.param.locale) + "_" + ToUtf8(parameter.param.name);
                            for (char& c : name)
                              if (c == '-' || c == '.') c = '_';
                            return name;

@@ -1,5 +1,3 @@
-#include "platform/ExclusiveFile.h"
-
 #include <gtest/gtest.h>
 
 #include <atomic>
@@ -7,6 +5,7 @@
 #include <thread>
 #include <vector>
 
+#include "platform/ExclusiveFile.h"
 #include "support/TemporaryFolder.h"
 #include "support/TestText.h"
 

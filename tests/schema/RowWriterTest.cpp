@@ -1,5 +1,3 @@
-#include "schema/RowWriter.h"
-
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -16,6 +14,7 @@
 #include "host/interfaces/HostClasses.h"
 #include "host/interfaces/HostTimestampOffset.h"
 #include "reading/OpenTextDataset.h"
+#include "schema/RowWriter.h"
 #include "support/TemporaryFolder.h"
 #include "support/TestText.h"
 
@@ -95,8 +94,7 @@ class RowWriterTest : public testing::Test {
   // A table with the section's lines and the file's bytes.
   TextDatasetDescription Table(std::string_view section, std::string_view bytes,
                                const OpenOptions& options = {}) {
-    if (!section.empty())
-      folder_.Write(u"schema.ini", "[t.csv]\n" + std::string(section) + "\n");
+    if (!section.empty()) folder_.Write(u"schema.ini", "[t.csv]\n" + std::string(section) + "\n");
     folder_.Write(u"t.csv", bytes);
     TextDatasetDescription table = DescribeFile(folder_.Path(), u"t.csv");
     auto status = OpenDatasetStatus::kScanFailed;
@@ -171,7 +169,9 @@ constexpr TextCase kTextCases[] = {
     {u" blanks kept ", " blanks kept "},
     {u"it's; fine|", "it's; fine|"},
     {u"\U0001F600\u00E9", "\xF0\x9F\x98\x80\xC3\xA9"},
-    {u"a\x1A" u"b", "ab"},
+    {u"a\x1A"
+     u"b",
+     "ab"},
     {u"\x1A\"x", "\"\"\"x\""},
 };
 
@@ -262,11 +262,14 @@ TEST_F(RowWriterTest, ReferencesAreFollowed) {
   reference.vt = VT_VARIANT | VT_BYREF;
   reference.pvarVal = &null;
   const VARIANT values[] = {byReference, reference};
-  const auto table = Table("Format=CSVDelimited\nCol1=A Long\nCol2=B Text\nColNameHeader=False",
-                           "\xEF\xBB\xBF");
+  const auto table =
+      Table("Format=CSVDelimited\nCol1=A Long\nCol2=B Text\nColNameHeader=False", "\xEF\xBB\xBF");
   RowWriter writer(table);
   ASSERT_TRUE(writer.Open() && writer.Write(values) && writer.Close());
-  EXPECT_EQ(folder_.Read(u"t.csv"), "\xEF\xBB\xBF" "42," + std::string(kEnd));
+  EXPECT_EQ(folder_.Read(u"t.csv"),
+            "\xEF\xBB\xBF"
+            "42," +
+                std::string(kEnd));
 }
 
 // ---------------------------------------------------------------------------------------------
@@ -278,9 +281,9 @@ TEST_F(RowWriterTest, DatesTakeTheirOwnPatternElseTheTables) {
                  "DateTimeFormat=yyyy/MM/dd H:mm:ss",
                  Date(kNoonOf5January2020), Date(kNoonOf5January2020)),
             "05.01.2020 12:00,2020/01/05 12:00:00");
-  EXPECT_EQ(Line("Format=CSVDelimited\nCol1=A Date\nCol2=B Date", Date(kNoonOf5January2020),
-                 Date(-1.25)),
-            "1/5/2020 12:00:00,12/29/1899 6:00:00");
+  EXPECT_EQ(
+      Line("Format=CSVDelimited\nCol1=A Date\nCol2=B Date", Date(kNoonOf5January2020), Date(-1.25)),
+      "1/5/2020 12:00:00,12/29/1899 6:00:00");
 }
 
 TEST_F(RowWriterTest, DaysAndTimesTakeTheirPartOfTheTablesPattern) {
@@ -310,8 +313,7 @@ TEST_F(RowWriterTest, TimestampsHaveTheFormThatIsReadAsSuch) {
 }
 
 TEST_F(RowWriterTest, DatesThatNoCalendarHasAreLeftBlank) {
-  EXPECT_EQ(Line("Format=CSVDelimited\nCol1=A Date\nCol2=B Date", Date(1e9),
-                 Date(std::nan(""))),
+  EXPECT_EQ(Line("Format=CSVDelimited\nCol1=A Date\nCol2=B Date", Date(1e9), Date(std::nan(""))),
             ",");
   EXPECT_EQ(messages_.size(), 2u);
 }
@@ -321,9 +323,9 @@ TEST_F(RowWriterTest, AddedDatesStandInTheOrderOfTheOthers) {
   EXPECT_EQ(Added(Table("", "Id,Day\n1,2020-01-31\n2,2020-02-01\n"),
                   Row(Whole(3), Date(kNoonOf5January2020))),
             "3,2020-01-05" + std::string(kEnd));
-  EXPECT_EQ(Added(Table("", "Id,Day\n1,31.01.2020 10:00\n"),
-                  Row(Whole(2), Date(kNoonOf5January2020))),
-            "2,05.01.2020 12:00:00" + std::string(kEnd));
+  EXPECT_EQ(
+      Added(Table("", "Id,Day\n1,31.01.2020 10:00\n"), Row(Whole(2), Date(kNoonOf5January2020))),
+      "2,05.01.2020 12:00:00" + std::string(kEnd));
   EXPECT_EQ(Added(Table("", "Id,Day\n1,01/31/2020\n"), Row(Whole(2), Date(kNoonOf5January2020))),
             "2,1/5/2020" + std::string(kEnd));
 }
@@ -345,7 +347,9 @@ TEST_F(RowWriterTest, FixedLengthValuesArePaddedOnTheLeft) {
   };
   EXPECT_EQ(added(Text(u"ab"), Whole(7), Real(1.25)), "  ab  71.2500");
   EXPECT_EQ(added(Null(), Null(), Null()), std::string(13, ' '));
-  EXPECT_EQ(added(Text(u"a\U0001F600"), Whole(123), Real(-1)), " a\xF0\x9F\x98\x80" "123-1.000");
+  EXPECT_EQ(added(Text(u"a\U0001F600"), Whole(123), Real(-1)),
+            " a\xF0\x9F\x98\x80"
+            "123-1.000");
   EXPECT_EQ(added(Text(u"abcdef"), Whole(7), Real(123456)), "abcd  7123456");
   EXPECT_EQ(added(Text(u"a\"\nb"), Whole(7), Real(0)), "a\" b  70.0000");
   EXPECT_THAT(messages_, IsEmpty());
@@ -399,8 +403,7 @@ TEST_F(RowWriterTest, Utf16TablesStayUtf16) {
   // The last unit's low byte is that of a line feed.
   const auto table = Table("", Utf16(u"\uFEFFId,Name\n1,\u010A"));
   const std::u16string end(kEnd.begin(), kEnd.end());
-  EXPECT_EQ(Added(table, Row(Whole(2), Text(u"\U0001F600"))),
-            Utf16(end + u"2,\U0001F600" + end));
+  EXPECT_EQ(Added(table, Row(Whole(2), Text(u"\U0001F600"))), Utf16(end + u"2,\U0001F600" + end));
   EXPECT_EQ(Added(table, Row(Whole(3), Text(u"x"))), Utf16(u"3,x" + end));
 }
 

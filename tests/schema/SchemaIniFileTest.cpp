@@ -1,5 +1,3 @@
-#include "schema/SchemaIniFile.h"
-
 #include <gtest/gtest.h>
 
 #include <functional>
@@ -7,6 +5,7 @@
 
 #include "host/CoreSupport/QUENRALocale.h"
 #include "schema/LocaleDefaults.h"
+#include "schema/SchemaIniFile.h"
 #include "schema/SchemaIniReader.h"
 #include "schema/SchemaIniWriter.h"
 #include "support/TemporaryFolder.h"
@@ -184,8 +183,15 @@ TEST_F(SchemaIniFileTest, ANameThatIsNoTextIsRefused) {
 
 TEST_F(SchemaIniFileTest, NamesThatCouldNotBeReadBackAreRefused) {
   SetText("[other.csv]\nA=1\n");
-  const std::u16string names[] = {u"", u"a\"b", u"\"", u"a\r\nb", u"a\n\nb", u"a\n[b", u"a\x1A",
-                                  std::u16string(u"a\0b", 3), std::u16string(1, 0xD83D)};
+  const std::u16string names[] = {u"",
+                                  u"a\"b",
+                                  u"\"",
+                                  u"a\r\nb",
+                                  u"a\n\nb",
+                                  u"a\n[b",
+                                  u"a\x1A",
+                                  std::u16string(u"a\0b", 3),
+                                  std::u16string(1, 0xD83D)};
   for (const std::u16string& name : names) {
     FieldDefinition column;
     column.name = name;
@@ -347,13 +353,13 @@ class RandomSchema {
   }
 
   FieldDefinition MakeColumn() {
-    constexpr FieldType kTypes[] = {FieldType::kSmallInteger, FieldType::kInteger,
-                                    FieldType::kBigInteger,   FieldType::kSingle,
-                                    FieldType::kDouble,       FieldType::kString,
-                                    FieldType::kDate,         FieldType::kDateOnly,
-                                    FieldType::kTimeOnly};
-    constexpr std::u16string_view kNames[] = {u"Id", u"First Name", u"a=b", u"\U0001F600", u"Width",
-                                              u" x", u"[q]", u";", u"Col1=", u"\tz", u"x "};
+    constexpr FieldType kTypes[] = {
+        FieldType::kSmallInteger, FieldType::kInteger,  FieldType::kBigInteger,
+        FieldType::kSingle,       FieldType::kDouble,   FieldType::kString,
+        FieldType::kDate,         FieldType::kDateOnly, FieldType::kTimeOnly};
+    constexpr std::u16string_view kNames[] = {u"Id",    u"First Name", u"a=b", u"\U0001F600",
+                                              u"Width", u" x",         u"[q]", u";",
+                                              u"Col1=", u"\tz",        u"x "};
     FieldDefinition column;
     column.type = Pick(kTypes);
     column.name = Pick(kNames);
@@ -382,8 +388,8 @@ std::string Dump(const SchemaOptions& options) {
             ToUtf8(column.dateFormat.pattern) + "\n";
   dump += std::to_string(options.specified) + " " + std::to_string(options.number.specified) + " " +
           std::to_string(options.currency.specified) + " " + std::to_string(options.delimiter) +
-          " " + std::to_string(options.textDelimiter) + " " +
-          std::to_string(options.fixedLength) + " " + ToUtf8(options.currency.symbol);
+          " " + std::to_string(options.textDelimiter) + " " + std::to_string(options.fixedLength) +
+          " " + ToUtf8(options.currency.symbol);
   return dump;
 }
 

@@ -60,14 +60,13 @@ class TableCreationTest : public testing::Test {
 };
 
 TEST_F(TableCreationTest, EveryTypeHasItsLineAndTheHeaderItsNames) {
-  Create(u"t.csv",
-         {Field(u"S", FieldType::kSmallInteger), Field(u"I", FieldType::kInteger),
-          Field(u"F", FieldType::kSingle), Field(u"D", FieldType::kDouble),
-          Field(u"First Name", FieldType::kString, 8000), Field(u"T", FieldType::kDate),
-          Field(u"O", FieldType::kObjectId), Field(u"G", FieldType::kGuid),
-          Field(u"X", FieldType::kGlobalId), Field(u"B", FieldType::kBigInteger),
-          Field(u"Day", FieldType::kDateOnly), Field(u"Time", FieldType::kTimeOnly),
-          Field(u"Z", FieldType::kTimestampOffset)});
+  Create(u"t.csv", {Field(u"S", FieldType::kSmallInteger), Field(u"I", FieldType::kInteger),
+                    Field(u"F", FieldType::kSingle), Field(u"D", FieldType::kDouble),
+                    Field(u"First Name", FieldType::kString, 8000), Field(u"T", FieldType::kDate),
+                    Field(u"O", FieldType::kObjectId), Field(u"G", FieldType::kGuid),
+                    Field(u"X", FieldType::kGlobalId), Field(u"B", FieldType::kBigInteger),
+                    Field(u"Day", FieldType::kDateOnly), Field(u"Time", FieldType::kTimeOnly),
+                    Field(u"Z", FieldType::kTimestampOffset)});
   EXPECT_EQ(folder_.Read(u"t.csv"), Header("S,I,F,D,First Name,T,O,G,X,B,Day,Time,Z"));
   EXPECT_EQ(Ini(),
             "[t.csv]\nFormat=CSVDelimited\nColNameHeader=True\n"
@@ -200,8 +199,7 @@ TEST_F(TableCreationTest, ARefusalLeavesEverythingAsItWas) {
   folder_.MakeFolder(u"schema.ini");
   EXPECT_EQ(Refusal(u"t.csv", one), "schema.ini: Could not read schema.ini.");
   EXPECT_EQ(folder_.Read(u"t.csv"), "old\n");
-  EXPECT_EQ(folder_.Names(),
-            (std::vector<std::u16string>{u"folder.csv", u"schema.ini", u"t.csv"}));
+  EXPECT_EQ(folder_.Names(), (std::vector<std::u16string>{u"folder.csv", u"schema.ini", u"t.csv"}));
 }
 
 TEST_F(TableCreationTest, AMissingFolderIsNamed) {

@@ -1,11 +1,10 @@
-#include "schema/TableFiles.h"
-
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <functional>
 
+#include "schema/TableFiles.h"
 #include "support/TemporaryFolder.h"
 #include "support/TestText.h"
 
@@ -89,8 +88,7 @@ TEST_F(TableFilesTest, ARenamedTableKeepsSectionInPlaceAndMetadata) {
   RenameTableFiles(In(u"a.csv"), u"b.csv");
   EXPECT_EQ(folder_.Read(u"b.csv"), "Id\n1\n");
   EXPECT_EQ(folder_.Read(u"b.csv.xml"), "<about/>");
-  EXPECT_EQ(folder_.Names(),
-            (std::vector<std::u16string>{u"b.csv", u"b.csv.xml", u"schema.ini"}));
+  EXPECT_EQ(folder_.Names(), (std::vector<std::u16string>{u"b.csv", u"b.csv.xml", u"schema.ini"}));
   EXPECT_EQ(Ini(),
             "[first.csv]\nCol1=F Text\n[b.csv]\nCol1=Id Long\nodd = line\n"
             "[last.csv]\nCol1=L Text\n");
@@ -98,8 +96,7 @@ TEST_F(TableFilesTest, ARenamedTableKeepsSectionInPlaceAndMetadata) {
 
 TEST_F(TableFilesTest, LetterCaseCanBeRenamed) {
   RenameTableFiles(In(u"a.csv"), u"A.csv");
-  EXPECT_EQ(folder_.Names(),
-            (std::vector<std::u16string>{u"A.csv", u"A.csv.xml", u"schema.ini"}));
+  EXPECT_EQ(folder_.Names(), (std::vector<std::u16string>{u"A.csv", u"A.csv.xml", u"schema.ini"}));
   EXPECT_EQ(Ini(),
             "[first.csv]\nCol1=F Text\n[A.csv]\nCol1=Id Long\nodd = line\n"
             "[last.csv]\nCol1=L Text\n");
@@ -144,10 +141,7 @@ TEST_F(TableFilesTest, SourceAndTargetThatAreTheSameAreRefused) {
   EXPECT_EQ(Refusal([&] { CopyTableFiles(In(u"a.csv"), In(u"a.csv")); }), taken);
   EXPECT_EQ(Refusal([&] { RenameTableFiles(In(u"a.csv"), u"a.csv"); }), taken);
   folder_.MakeLink(u"alias", folder_.Path());
-  EXPECT_NE(Refusal([&] {
-              CopyTableFiles(In(u"a.csv"), {folder_.Path(u"alias"), u"a.csv"});
-            }),
-            "");
+  EXPECT_NE(Refusal([&] { CopyTableFiles(In(u"a.csv"), {folder_.Path(u"alias"), u"a.csv"}); }), "");
   folder_.Remove(u"alias");
   EXPECT_EQ(Ini(), kIni);
   ExpectUntouched();
@@ -179,8 +173,7 @@ TEST_F(TableFilesTest, TemporaryFilesThatACrashHasLeftAreInNobodysWay) {
   CopyTableFiles(In(u"a.csv"), In(u"b.csv"));
   DeleteTableFiles(In(u"a.csv"));
   EXPECT_EQ(folder_.Read(u"b.csv"), "Id\n1\n");
-  EXPECT_EQ(folder_.Names(),
-            (std::vector<std::u16string>{u"b.csv", u"b.csv.xml", u"schema.ini"}));
+  EXPECT_EQ(folder_.Names(), (std::vector<std::u16string>{u"b.csv", u"b.csv.xml", u"schema.ini"}));
 }
 
 TEST_F(TableFilesTest, ATableThatIsNotThereIsNamed) {
@@ -225,9 +218,13 @@ TEST_F(TableFilesTest, ASectionUnderTheNewNameSurvivesAFailure) {
 }
 
 TEST_F(TableFilesTest, AMissingTargetFolderIsNamed) {
-  EXPECT_THAT(Refusal([&] { CopyTableFiles(In(u"a.csv"), {folder_.Path(u"no"), u"b.csv"}); }),
+  EXPECT_THAT(Refusal([&] {
+                CopyTableFiles(In(u"a.csv"), {folder_.Path(u"no"), u"b.csv"});
+              }),
               testing::StartsWith(ToUtf8(folder_.Path(u"no/b.csv")) + ": "));
-  EXPECT_THAT(Refusal([&] { CopyTableFiles(In(u"a.csv"), {u"/proc/self", u"b.csv"}); }),
+  EXPECT_THAT(Refusal([&] {
+                CopyTableFiles(In(u"a.csv"), {u"/proc/self", u"b.csv"});
+              }),
               testing::StartsWith("/proc/self/b.csv: "));
   ExpectUntouched();
 }

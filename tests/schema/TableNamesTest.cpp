@@ -1,7 +1,6 @@
-#include "schema/TableNames.h"
-
 #include <gtest/gtest.h>
 
+#include "schema/TableNames.h"
 #include "support/TestText.h"
 
 namespace TextFile {

@@ -1,7 +1,6 @@
-#include "schema/Utf8.h"
-
 #include <gtest/gtest.h>
 
+#include "schema/Utf8.h"
 #include "support/TestText.h"
 
 namespace TextFile {
@@ -23,7 +22,9 @@ TEST(Utf8Test, EveryLengthOfCodePointIsAppended) {
 TEST(Utf8Test, ALoneSurrogateBecomesTheReplacementCharacter) {
   const char16_t high[] = {u'a', 0xD83D, u'b'};
   const char16_t low[] = {0xDE00, 0xD83D};
-  EXPECT_EQ(Encoded({high, 3}), "|a\xEF\xBF\xBD" "b");
+  EXPECT_EQ(Encoded({high, 3}),
+            "|a\xEF\xBF\xBD"
+            "b");
   EXPECT_EQ(Encoded({low, 2}), "|\xEF\xBF\xBD\xEF\xBF\xBD");
   EXPECT_FALSE(IsWellFormedText({high, 3}));
   EXPECT_FALSE(IsWellFormedText({low, 2}));

@@ -25,7 +25,7 @@ using quenra::test::ToUtf16;
 using quenra::test::ToUtf8;
 using testing::StartsWith;
 
-constexpr int kEnded = 99;       // by a fault
+constexpr int kEnded = 99;        // by a fault
 constexpr int kNoFaultLeft = 42;  // the operation has fewer calls
 constexpr int kMostCalls = 400;
 
@@ -230,11 +230,11 @@ TEST_F(WritingFaultsTest, OverwritingLeavesEachFileOldOrNew) {
 
 TEST_F(WritingFaultsTest, AFullDiskIsToldAndTakenBack) {
   const std::string rows(200000, 'x');
-  for (const std::vector<std::string>& words : std::vector<std::vector<std::string>>{
-           {"create", "FOLDER", "new.csv"},
-           {"copy", "FOLDER", "large.csv", "FOLDER", "b.csv"},
-           {"rename", "FOLDER", "a.csv", "b.csv"},
-           {"mismatch", "FOLDER", "a.csv", "2"}}) {
+  for (const std::vector<std::string>& words :
+       std::vector<std::vector<std::string>>{{"create", "FOLDER", "new.csv"},
+                                             {"copy", "FOLDER", "large.csv", "FOLDER", "b.csv"},
+                                             {"rename", "FOLDER", "a.csv", "b.csv"},
+                                             {"mismatch", "FOLDER", "a.csv", "2"}}) {
     SCOPED_TRACE(words[0]);
     TemporaryFolder folder;
     Fill(folder);
@@ -253,8 +253,7 @@ TEST_F(WritingFaultsTest, AFullDiskKeepsTheRowsThatFitWhole) {
   const ProcessResult result =
       Run(folder, {"load", "FOLDER", "a.csv", "20000"}, {{"FILE_LIMIT", "150000"}});
   EXPECT_EQ(result.exitCode, 1);
-  EXPECT_EQ(result.output,
-            ToUtf8(folder.Path(u"a.csv")) + ": the rows could not be written\n");
+  EXPECT_EQ(result.output, ToUtf8(folder.Path(u"a.csv")) + ": the rows could not be written\n");
   const std::string bytes = folder.Read(u"a.csv");
   EXPECT_GT(bytes.size(), 60000u);
   EXPECT_LE(bytes.size(), 150000u);
@@ -264,8 +263,9 @@ TEST_F(WritingFaultsTest, AFullDiskKeepsTheRowsThatFitWhole) {
 
 // An ordinary user's folder without the right to write; for root there is no such folder.
 TEST_F(WritingFaultsTest, AFolderThatCannotBeWrittenIsToldAndLeftAlone) {
-  for (const std::vector<std::string>& words : std::vector<std::vector<std::string>>{
-           {"create", "/proc/self", "new.csv"}, {"copy", "FOLDER", "a.csv", "/proc/self", "b.csv"}}) {
+  for (const std::vector<std::string>& words :
+       std::vector<std::vector<std::string>>{{"create", "/proc/self", "new.csv"},
+                                             {"copy", "FOLDER", "a.csv", "/proc/self", "b.csv"}}) {
     TemporaryFolder folder;
     Fill(folder);
     const Files before = Everything(folder);
@@ -310,8 +310,7 @@ TEST_F(WritingFaultsTest, ColumnsThatTwoProcessesDeclareAreBothKept) {
     folder.Write(u"t.csv", "Id,Name,Third\n1,one,3\n2,two,4\n");
     std::vector<std::thread> processes;
     for (const char* column : {"0", "1", "2"})
-      processes.emplace_back(
-          [&, column] { Run(folder, {"mismatch", "FOLDER", "t.csv", column}); });
+      processes.emplace_back([&, column] { Run(folder, {"mismatch", "FOLDER", "t.csv", column}); });
     for (std::thread& process : processes) process.join();
     ASSERT_EQ(folder.Read(u"schema.ini"),
               "[t.csv]\nCol1=Id Double\nCol2=Id Double\nCol3=Id Double\n");
