@@ -71,6 +71,19 @@ if(unit_sources)
   link_existing(unit_tests PRIVATE textcore)
 endif()
 
+# Ended half-way by the tests of what then is on the disk. Its calls of the system go through its own
+# definitions, which the libraries have to find.
+source_files(fault_sources tests/faults)
+if(unit_sources AND fault_sources AND NOT WIN32)
+  add_executable(writing_faults ${fault_sources})
+  target_link_libraries(writing_faults PRIVATE test_settings)
+  link_existing(writing_faults PRIVATE textcore)
+  set_target_properties(writing_faults PROPERTIES ENABLE_EXPORTS ON)
+  add_dependencies(unit_tests writing_faults)
+  target_compile_definitions(unit_tests PRIVATE
+    WRITING_FAULTS_PROGRAM="$<TARGET_FILE:writing_faults>")
+endif()
+
 if(module_test_sources AND TARGET quenraDataSourcesFile)
   add_test_program(module_tests ${module_test_sources})
   add_dependencies(module_tests quenraDataSourcesFile)

@@ -21,6 +21,17 @@ struct Description {
   std::vector<Field> fields;
 };
 
+// The character between the fields; empty for a fixed-length table, and for the tables of a data
+// source that does not tell.
+std::u16string DelimiterOf(const quenra::ComPtr<quenra::IPlugInDatasetHelper>& dataset,
+                           std::u16string_view name) {
+  const auto text = dataset.As<quenra::ITextFileDataset>();
+  OLECHAR delimiter = 0;
+  if (text) Check(text->TableDelimiter(&delimiter), name);
+  if (delimiter == 0) return {};
+  return {static_cast<char16_t>(delimiter)};
+}
+
 Description Describe(const ModuleHost& host, const TablePath& path) {
   const auto dataset = host.OpenTable(path);
   Description result;
@@ -29,7 +40,7 @@ Description Describe(const ModuleHost& host, const TablePath& path) {
   Check(info ? info->DatasetFileTitle(title.Receive()) : E_NOINTERFACE, path.name);
   result.table = title.View();
   result.fields = FieldsOf(*dataset.Get(), path.name);
-  result.delimiter = host.DelimiterOf(path);
+  result.delimiter = DelimiterOf(dataset, path.name);
   return result;
 }
 

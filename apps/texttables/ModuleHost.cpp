@@ -143,18 +143,4 @@ WaitingLine ModuleHost::Wait(const TablePath& path) const {
   return {showProgress_, FileNameBytes(path.name), error ? 0 : bytes};
 }
 
-std::u16string ModuleHost::DelimiterOf(const TablePath& path) const {
-  const auto textFactory = factory_.As<quenra::ITextFileWorkspaceFactory>();
-  if (!textFactory) return {};
-  std::u16string file = FullPath(path.folder);
-  if (RootLength(file) < file.size()) file += u'/';
-  const quenra::BString fullPath(file + path.name);
-  OLECHAR delimiter = 0;
-  Check(textFactory->FieldDelimiter(fullPath.Get(), &delimiter), path.name);
-  if (delimiter == 0) return {};
-  // The delimiter arrives as one signed byte widened to 16 bits.
-  const auto unit = static_cast<char16_t>(delimiter);
-  return {unit >= 0xFF80 ? static_cast<char16_t>(unit & 0xFF) : unit};
-}
-
 }  // namespace TextTables

@@ -44,9 +44,6 @@ class ModuleHost {
   quenra::ComPtr<quenra::IPlugInWorkspaceHelper> OpenFolder(std::u16string_view folder) const;
   quenra::ComPtr<quenra::IPlugInDatasetHelper> OpenTable(const TablePath& path) const;
 
-  // The character between the fields; empty for a fixed-length table. Throws a Refusal.
-  std::u16string DelimiterOf(const TablePath& path) const;
-
   // To be held while a call reads the whole table.
   WaitingLine Wait(const TablePath& path) const;
 

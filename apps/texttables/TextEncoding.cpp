@@ -72,6 +72,19 @@ std::string FileNameBytes(std::u16string_view name) { return NativeFromFileName(
 
 #endif
 
-std::string MessageBytes(std::u16string_view text) { return FileNameBytes(text); }
+std::string MessageBytes(std::u16string_view text) {
+  std::u16string spellable;
+  for (std::size_t i = 0; i < text.size();) {
+    const CodePoint point = CodePointAt(text, i);
+    // U+DC80 to U+DCFF are the bytes of a file's name.
+    const bool isByte = point.value >= 0xDC80 && point.value <= 0xDCFF;
+    if (IsSurrogate(point.value) && !isByte)
+      spellable += static_cast<char16_t>(kReplacement);
+    else
+      spellable += text.substr(i, point.units);
+    i += point.units;
+  }
+  return FileNameBytes(spellable);
+}
 
 }  // namespace TextTables

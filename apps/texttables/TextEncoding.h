@@ -38,7 +38,8 @@ std::string Utf8(std::u16string_view text);
 // name in UTF-8.
 std::string FileNameBytes(std::u16string_view name);
 
-// A message's text. Messages name files, so that they are spelled as FileNameBytes does.
+// A message's text. Messages name files, which are spelled as FileNameBytes does; any other lone
+// surrogate becomes U+FFFD.
 std::string MessageBytes(std::u16string_view text);
 
 }  // namespace TextTables

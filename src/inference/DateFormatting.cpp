@@ -123,6 +123,19 @@ std::u16string WritingPattern(const DateFieldFormat& format, FieldType type,
   return std::u16string(day.empty() ? kDateBehindTime : day);
 }
 
+DateOrder OrderOfPattern(std::u16string_view pattern) noexcept {
+  switch (pattern.empty() ? u'\0' : ToLowerAscii(pattern.front())) {
+    case u'm':
+      return DateOrder::kMonthDayYear;
+    case u'd':
+      return DateOrder::kDayMonthYear;
+    case u'y':
+      return DateOrder::kYearMonthDay;
+    default:
+      return DateOrder::kAny;
+  }
+}
+
 void AppendOffset(int minutes, std::string& bytes) {
   bytes += minutes < 0 ? '-' : '+';
   AppendPadded(std::abs(minutes) / 60, 2, bytes);

@@ -50,6 +50,10 @@ class DatePattern {
 std::u16string WritingPattern(const DateFieldFormat& format, FieldType type,
                               std::u16string_view tablePattern);
 
+// The order of day, month and year in a pattern, as its first letter tells it; kAny for a pattern
+// that begins otherwise.
+DateOrder OrderOfPattern(std::u16string_view pattern) noexcept;
+
 // Appends an offset from UTC as "+02:00".
 void AppendOffset(int minutes, std::string& bytes);
 

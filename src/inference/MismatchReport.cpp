@@ -1,10 +1,9 @@
 #include "inference/MismatchReport.h"
 
-#include <mutex>
+#include <optional>
 
 #include "host/AppEventLog/EventLog.h"
 #include "host/CoreSupport/String.h"
-#include "schema/SchemaIniReader.h"
 #include "schema/SchemaIniWriter.h"
 
 namespace TextFile {
@@ -12,13 +11,6 @@ namespace TextFile {
 namespace {
 
 constexpr std::uint32_t kFirstOutcomeMessage = 115;
-
-// Cursors of several threads may find a mismatch at the same moment; each adds its column to what
-// the one before has written.
-std::mutex& SchemaIniLock() {
-  static std::mutex lock;
-  return lock;
-}
 
 FieldDefinition DefinitionFrom(const Mismatch& mismatch) {
   FieldDefinition definition;
@@ -29,18 +21,14 @@ FieldDefinition DefinitionFrom(const Mismatch& mismatch) {
 }
 
 MismatchOutcome UpdateSchemaIni(const TextDatasetDescription& table, const Mismatch& mismatch) {
-  const std::lock_guard<std::mutex> guard(SchemaIniLock());
   const SchemaIniPaths paths(FolderOf(table.path));
-  SchemaOptions options;
-  ReadSchemaSection(paths, table.name, options);
-  const auto index = static_cast<std::int32_t>(mismatch.fileColumn);
-  const auto declared = options.columns.find(index);
-  if (declared != options.columns.end())
-    return declared->second.type == mismatch.found ? MismatchOutcome::kAlreadyUpdated
-                                                   : MismatchOutcome::kDefinedOtherwise;
-  options.columns.emplace(index, DefinitionFrom(mismatch));
-  return WriteSchemaSection(paths, table.name, options) ? MismatchOutcome::kGenerated
-                                                        : MismatchOutcome::kNotWritten;
+  std::optional<FieldDefinition> declared;
+  if (AddSchemaColumn(paths, table.name, static_cast<std::int32_t>(mismatch.fileColumn),
+                      DefinitionFrom(mismatch), declared))
+    return MismatchOutcome::kGenerated;
+  if (!declared.has_value()) return MismatchOutcome::kNotWritten;
+  return declared->type == mismatch.found ? MismatchOutcome::kAlreadyUpdated
+                                          : MismatchOutcome::kDefinedOtherwise;
 }
 
 }  // namespace

@@ -25,11 +25,18 @@ class PLATFORM_API ExclusiveFile {
   bool Write(std::string_view bytes);
 
   // Gives the file the name `target`, in one step that also removes a file of that name, whose
-  // access rights it takes over.
+  // access rights it takes over. A file that may not be written is not replaced.
   bool Replace(const NativeFileName& target);
+
+  // Gives the file the name `target` unless something has that name: error() is then
+  // std::errc::file_exists.
+  bool TakeName(const NativeFileName& target);
 
   // Why the last call has failed.
   const std::error_code& error() const noexcept { return error_; }
+
+  // Renames a finished file unless something has the new name, in one step.
+  static std::error_code Move(const NativeFileName& from, const NativeFileName& to);
 
  private:
   bool Fail(int systemError) noexcept;
@@ -37,6 +44,7 @@ class PLATFORM_API ExclusiveFile {
   NativeFileName path_;
   std::error_code error_;
 #ifdef _WIN32
+  bool CloseAndMove(const NativeFileName& target, unsigned long flags);
   void* handle_ = nullptr;
 #else
   int descriptor_ = -1;

@@ -256,4 +256,12 @@ HRESULT STDMETHODCALLTYPE TextFileDatasetHelper::Reserved1() { return S_OK; }
 
 HRESULT STDMETHODCALLTYPE TextFileDatasetHelper::Reserved2() { return S_OK; }
 
+HRESULT STDMETHODCALLTYPE TextFileDatasetHelper::TableDelimiter(OLECHAR* delimiter) {
+  if (delimiter == nullptr) return E_POINTER;
+  *delimiter = 0;
+  if (const HRESULT result = EnsureOpen(); FAILED(result)) return result;
+  *delimiter = static_cast<OLECHAR>(description_->options.delimiter);
+  return S_OK;
+}
+
 }  // namespace quenra

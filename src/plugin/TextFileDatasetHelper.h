@@ -17,7 +17,7 @@ namespace quenra {
 // once, by whatever asks for it first; rows are read anew by every cursor.
 class TextFileDatasetHelper final
     : public Implements<IPlugInDatasetInfo, IPlugInDatasetHelper, IPlugInFileOperations,
-                        IPlugInDatasetLoad, IPlugInRowCount, IDatasetFileStat2> {
+                        IPlugInDatasetLoad, IPlugInRowCount, IDatasetFileStat2, ITextFileDataset> {
  public:
   TextFileDatasetHelper(TextFile::TextDatasetDescription description,
                         const TextFile::OpenOptions& options);
@@ -84,6 +84,9 @@ class TextFileDatasetHelper final
   HRESULT STDMETHODCALLTYPE FileSize64(LONGLONG* size) override;
   HRESULT STDMETHODCALLTYPE Reserved1() override;
   HRESULT STDMETHODCALLTYPE Reserved2() override;
+
+  // ITextFileDataset
+  HRESULT STDMETHODCALLTYPE TableDelimiter(OLECHAR* delimiter) override;
 
  private:
   TextFile::TableLocation Location() const;

@@ -43,7 +43,8 @@ DelimitedReader::Step DelimitedReader::TakeFields() {
 }
 
 // Takes the fields of the line that are not quoted, or from their first character to their last;
-// single text delimiters inside unquoted text are characters. Undecided in front of any other field.
+// single text delimiters inside unquoted text are characters. Undecided in front of any other
+// field.
 DelimitedReader::Step DelimitedReader::TakePlainFields() {
   const char16_t* const text = line();
   std::size_t begin = cursor();

@@ -93,15 +93,6 @@ NumberValue NumberOf(const VARIANT& value) noexcept {
   return number;
 }
 
-// The first `length` units, without the first half of a surrogate pair at the end.
-std::u16string_view CutTo(std::u16string_view text, std::size_t length) noexcept {
-  if (text.size() <= length) return text;
-  if (length > 0 && text[length - 1] >= 0xD800 && text[length - 1] < 0xDC00 &&
-      text[length] >= 0xDC00 && text[length] < 0xE000)
-    --length;
-  return text.substr(0, length);
-}
-
 std::size_t Utf16Length(std::string_view utf8) noexcept {
   std::size_t units = 0;
   for (const char c : utf8) {
@@ -109,6 +100,25 @@ std::size_t Utf16Length(std::string_view utf8) noexcept {
     if ((byte & 0xC0) != 0x80) units += byte >= 0xF0 ? 2 : 1;
   }
   return units;
+}
+
+// The table's pattern. One that is only the locale's gives way to the order of day, month and year
+// in which the column's dates have been found to stand: what is added must read like the rest.
+std::u16string TablePatternFor(const FieldDefinition& field, const SchemaOptions& options) {
+  const std::u16string& pattern = options.dateTimeFormat;
+  if (options.IsSpecified(SchemaOptions::kDateTimeFormat) || !IsDateType(field.type) ||
+      field.dateFormat.order == DateOrder::kAny ||
+      field.dateFormat.order == OrderOfPattern(pattern))
+    return pattern;
+  std::u16string time = WritingPattern({}, FieldType::kTimeOnly, pattern);
+  switch (field.dateFormat.order) {
+    case DateOrder::kMonthDayYear:
+      return u"MM/dd/yyyy " + time;
+    case DateOrder::kDayMonthYear:
+      return u"dd.MM.yyyy " + time;
+    default:
+      return u"yyyy-MM-dd " + time;
+  }
 }
 
 }  // namespace
@@ -124,11 +134,14 @@ RowWriter::RowWriter(const TextDatasetDescription& table)
     Column column;
     column.name = field.name;
     column.type = field.type;
-    column.width = static_cast<std::size_t>(std::max(field.width, 0));
+    // A delimited column has no use for a width of nothing; schema.ini would not keep it either.
+    const bool anyWidth = !options_.fixedLength && field.width < 1;
+    column.width =
+        static_cast<std::size_t>(anyWidth ? kDefaultTextWidth : std::max(field.width, 0));
     column.isVirtual = field.isCoordinate;
     column.hasOwnPattern = !field.dateFormat.pattern.empty();
     column.pattern =
-        DatePattern(WritingPattern(field.dateFormat, field.type, options_.dateTimeFormat));
+        DatePattern(WritingPattern(field.dateFormat, field.type, TablePatternFor(field, options_)));
     columns_.push_back(std::move(column));
   }
   singleColumn_ = std::count_if(columns_.begin(), columns_.end(),
@@ -169,25 +182,32 @@ bool RowWriter::Open() {
   return true;
 }
 
-// Rows must not run into a last line that has no end.
+// Rows must not run into a last line that has no end, nor follow a byte 1A, behind which nothing is
+// read.
 void RowWriter::EndLastLine() {
   const fs::path native(NativeFromFileName(path_));
   std::filebuf reader;
   reader.open(native.c_str(), std::ios::in | std::ios::binary);
-  constexpr std::streamoff kUnit[] = {1, 2};
-  const std::streamoff unit = kUnit[encoding_ == Encoding::kUtf16LE ? 1 : 0];
-  const std::streamoff size = reader.pubseekoff(0, std::ios::end, std::ios::in);
-  // A byte-order mark alone has no line either.
-  const std::streamoff mark = encoding_ == Encoding::kUtf16LE ? 2 : 3;
-  if (size <= 0) return;
-  std::string head(static_cast<std::size_t>(std::min(size, mark)), '\0');
-  reader.pubseekoff(0, std::ios::beg, std::ios::in);
-  reader.sgetn(head.data(), static_cast<std::streamsize>(head.size()));
-  if (size == mark && (encoding_ == Encoding::kUtf16LE || head == "\xEF\xBB\xBF")) return;
-  if (size < unit) return;
-  reader.pubseekoff(size - unit, std::ios::beg, std::ios::in);
-  const int last = reader.sbumpc();
-  if (last != '\n' && last != '\r') buffer_ += lineEnd_;
+  const auto byteAt = [&](std::streamoff offset) {
+    reader.pubseekoff(offset, std::ios::beg, std::ios::in);
+    return reader.sbumpc();
+  };
+  std::streamoff size = reader.pubseekoff(0, std::ios::end, std::ios::in);
+  // The mark tells this encoding, and ends no line.
+  if (encoding_ == Encoding::kUtf16LE) {
+    const bool ended =
+        byteAt(size - 2) == static_cast<unsigned char>(lineEnd_.back()) && byteAt(size - 1) == 0;
+    if (size > 2 && !ended) buffer_ += lineEnd_;
+    return;
+  }
+  constexpr int kTextEnd = 0x1A;
+  const std::streamoff before = size;
+  while (size > 0 && byteAt(size - 1) == kTextEnd) --size;
+  boost::system::error_code ignored;
+  if (size < before) fs::resize_file(native, static_cast<std::uintmax_t>(size), ignored);
+  const bool onlyMark = size == 3 && byteAt(0) == 0xEF && byteAt(1) == 0xBB && byteAt(2) == 0xBF;
+  if (size > 0 && !onlyMark && byteAt(size - 1) != static_cast<unsigned char>(lineEnd_.back()))
+    buffer_ += lineEnd_;
 }
 
 bool RowWriter::Write(std::span<const VARIANT> values) {
@@ -241,7 +261,7 @@ bool RowWriter::Close() {
 void RowWriter::AppendValue(const Column& column, const VARIANT& value) {
   value_.clear();
   leadingQuote_ = false;
-  if (!IsNull(value) && !FormatValue(column, value)) {
+  if (!IsNull(value) && (!FormatValue(column, value) || !CanStand())) {
     value_.clear();
     quenra::EventLog::Write(u"In file " + tableName_ + u", a value of field " + column.name +
                             u" cannot be written as the field's type. It is left blank.");
@@ -290,7 +310,7 @@ bool RowWriter::FormatText(const Column& column, const VARIANT& value) {
   quenra::Variant changed;
   if (value.vt != VT_BSTR && !ChangeType(value, VT_BSTR, changed)) return false;
   const std::u16string_view text =
-      CutTo(ViewOf(value.vt == VT_BSTR ? value.bstrVal : changed.Get().bstrVal), column.width);
+      CutText(ViewOf(value.vt == VT_BSTR ? value.bstrVal : changed.Get().bstrVal), column.width);
   const char16_t quote = options_.fixedLength ? u'\0' : options_.textDelimiter;
   std::u16string kept;
   kept.reserve(text.size());
@@ -300,8 +320,9 @@ bool RowWriter::FormatText(const Column& column, const VARIANT& value) {
     if (quote != 0 && written == quote) kept += quote;
   }
   AppendUtf8(kept, value_);
-  const auto first = std::find_if_not(text.begin(), text.end(), quenra::IsWhiteSpace);
-  leadingQuote_ = quote != 0 && first != text.end() && *first == quote;
+  // Looked for in what is written: a character that is dropped may have stood in front of it.
+  const auto first = std::find_if_not(kept.begin(), kept.end(), quenra::IsWhiteSpace);
+  leadingQuote_ = quote != 0 && first != kept.end() && *first == quote;
   return true;
 }
 
@@ -359,6 +380,12 @@ bool RowWriter::FormatTimestamp(IUnknown* object) {
   pattern.Append(time, value_);
   AppendOffset(offset, value_);
   return true;
+}
+
+// Where nothing can be quoted, a number or date that holds the delimiter would be two values. Texts
+// have lost theirs by now.
+bool RowWriter::CanStand() const noexcept {
+  return options_.fixedLength || !textDelimiter_.empty() || !NeedsQuotes();
 }
 
 bool RowWriter::NeedsQuotes() const noexcept {

@@ -70,6 +70,7 @@ class RowWriter {
   void AppendDelimited();
   char16_t Writable(char16_t unit) const noexcept;
   void AppendPadded(const Column& column);
+  bool CanStand() const noexcept;
   bool NeedsQuotes() const noexcept;
 
   const std::u16string path_;

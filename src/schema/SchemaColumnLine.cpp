@@ -108,6 +108,9 @@ void ParseColumnLine(std::u16string_view key, std::u16string_view value, FieldDe
     std::u16string pattern(tokens[next++]);
     // A second part is taken whatever it is, so Width behind a pattern of one part is swallowed.
     if (next < tokens.size()) pattern += u' ' + std::u16string(tokens[next++]);
+    // A quoted blank is how a pattern of one part keeps the Width behind it from being swallowed.
+    if (pattern.find_first_not_of(u' ') != std::u16string::npos)
+      pattern.erase(pattern.find_last_not_of(u' ') + 1);
     if (!SetPattern(std::move(pattern), field.dateFormat)) fail(ParseErrorCode::kBadDateFormat);
   }
   if (next < tokens.size()) {

@@ -17,6 +17,8 @@ constexpr std::u16string_view kCouldNotCreate = u"Could not create schema.ini.";
 constexpr std::u16string_view kCouldNotWrite = u"Could not write to schema.ini.";
 constexpr std::u16string_view kCouldNotWriteTemporary = u"Could not write to temp schema.ini.";
 constexpr std::u16string_view kCouldNotRead = u"Could not read schema.ini.";
+constexpr std::u16string_view kSectionHidden =
+    u"Another line of schema.ini is taken for the section's header.";
 constexpr std::u16string_view kNameNotText = u"The file's name cannot be written to schema.ini.";
 
 std::u16string HeaderLine(std::u16string_view name) { return u'[' + std::u16string(name) + u']'; }
@@ -74,6 +76,19 @@ const SectionLines* SchemaIniFile::Find(std::u16string_view name) const noexcept
   return found == sections_.end() ? nullptr : &found->lines;
 }
 
+// Whether the reader takes the end of another line for the section's header, as in "; [a.csv]":
+// then the section's own lines do not describe the file, and replacing them would lose them.
+bool SchemaIniFile::IsHiddenBefore(std::vector<Section>::const_iterator section,
+                                   std::u16string_view name) const noexcept {
+  const auto endsInHeader = [&](std::u16string_view line) {
+    const std::size_t bracket = line.find(u'[');
+    return bracket != std::u16string_view::npos && IsHeaderOf(line.substr(bracket), name);
+  };
+  return std::any_of(sections_.begin(), section, [&](const Section& before) {
+    return std::any_of(before.lines.begin(), before.lines.end(), endsInHeader);
+  });
+}
+
 void SchemaIniFile::Replace(std::u16string_view name, SectionLines lines) {
   if (!FitsHeader(name)) Fail(kNameNotText);
   std::u16string header = HeaderLine(name);
@@ -83,6 +98,7 @@ void SchemaIniFile::Replace(std::u16string_view name, SectionLines lines) {
     sections_.push_back({std::move(header), std::move(lines)});
     return;
   }
+  if (IsHiddenBefore(found, name)) Fail(kSectionHidden);
   found->lines = std::move(lines);
   sections_.erase(std::remove_if(found + 1, sections_.end(), isNamed), sections_.end());
 }

@@ -42,7 +42,8 @@ class SchemaIniFile {
   const SectionLines* Find(std::u16string_view name) const noexcept;
 
   // Puts `lines` in place of the section's, whose header line stays as it was found and whose
-  // duplicates go; appends the section when there is none.
+  // duplicates go; appends the section when there is none. Throws SchemaIniFailure when the reader
+  // takes something else for the section.
   void Replace(std::u16string_view name, SectionLines lines);
 
   // Puts a section `newName` with the lines of `name` behind it. Nothing happens when there is no
@@ -64,6 +65,8 @@ class SchemaIniFile {
     SectionLines lines;
   };
 
+  bool IsHiddenBefore(std::vector<Section>::const_iterator section,
+                      std::u16string_view name) const noexcept;
   void Read();
   std::string Bytes() const;
 

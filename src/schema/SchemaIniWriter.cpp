@@ -7,6 +7,8 @@
 #include "schema/ParseError.h"
 #include "schema/SchemaColumnLine.h"
 #include "schema/SchemaIniFile.h"
+#include "schema/SchemaIniReader.h"
+#include "schema/Utf8.h"
 
 namespace TextFile {
 
@@ -57,16 +59,23 @@ std::u16string_view PatternOf(const FieldDefinition& field, std::u16string_view 
   return cut == std::u16string_view::npos ? tableFormat.substr(0, 0) : tableFormat.substr(cut + 1);
 }
 
+bool HasWidthClause(const FieldDefinition& field) noexcept {
+  return field.hasWidth && field.width >= 1;
+}
+
 // The pattern as it is written. It is read as one token, or as two with whatever they hold, so a
 // part with blanks of its own goes into quotes. Patterns that could not be read back are left out.
-std::u16string PatternClause(std::u16string_view pattern) {
+std::u16string PatternClause(std::u16string_view pattern, bool widthFollows) {
   constexpr std::u16string_view kFirstLetters = u"mMdDyYhH";
-  if (pattern.empty() || pattern.find(u'"') != std::u16string_view::npos ||
+  pattern = quenra::TrimBlanks(pattern);
+  if (pattern.empty() || pattern.find_first_of(u"\"\r\n") != std::u16string_view::npos ||
       kFirstLetters.find(pattern.front()) == std::u16string_view::npos)
     return {};
   const std::u16string text(pattern);
   const std::size_t blank = text.rfind(u' ');
-  if (blank == std::u16string::npos || text.find(u' ') == blank) return u' ' + text;
+  // A second part of nothing but a blank, or Width would be taken for the second part.
+  if (blank == std::u16string::npos) return u' ' + text + (widthFollows ? u" \" \"" : u"");
+  if (text.find(u' ') == blank) return u' ' + text;
   return u" \"" + text.substr(0, blank) + u"\" " + text.substr(blank + 1);
 }
 
@@ -80,18 +89,21 @@ std::u16string ColumnLine(const FieldDefinition& field, std::u16string_view tabl
   std::u16string line = NeedsQuotes(field.name) ? u'"' + field.name + u'"' : field.name;
   line += u' ';
   line += KeywordOfType(field.type);
-  line += PatternClause(PatternOf(field, tableFormat));
-  if (field.hasWidth && field.width >= 1) line += u" Width " + SectionText::Decimal(field.width);
+  line += PatternClause(PatternOf(field, tableFormat), HasWidthClause(field));
+  if (HasWidthClause(field)) line += u" Width " + SectionText::Decimal(field.width);
   return line;
 }
 
 // Whether the reader gets the column's name back from its line. The format cannot hold every name:
 // a double quote has no way to be written, and a line it is misread in makes the reader refuse the
-// whole section, so that the table could not be opened any more.
+// whole section, so that the table could not be opened any more. A name with line ends must also
+// survive rewrites, which drop blank lines and take "[" for a header.
 bool ReadsBack(const FieldDefinition& field, std::u16string_view line) {
   constexpr std::u16string_view kEndsOfText(u"\0\x1A", 2);
   if (line.find_first_of(kEndsOfText) != std::u16string_view::npos ||
       line.find(u"\r\n") != std::u16string_view::npos ||
+      line.find(u"\n\n") != std::u16string_view::npos ||
+      line.find(u"\n[") != std::u16string_view::npos || !IsWellFormedText(line) ||
       std::count(line.begin(), line.end(), u'"') % 2 != 0)
     return false;
   try {
@@ -172,8 +184,25 @@ bool Guarded(std::u16string* failure, const Change& change) noexcept {
   return false;
 }
 
+void RequireReadableColumns(const SchemaOptions& options) {
+  for (const auto& [index, field] : options.columns)
+    if (!ReadsBack(field, ColumnLine(field, options.dateTimeFormat)))
+      throw SchemaIniFailure{u"The field \"" + field.name +
+                             u"\" cannot be described in schema.ini."};
+}
+
+// A schema.ini that cannot be read has no sections, here as for those who open tables.
+std::optional<SectionLines> LinesOf(const SchemaIniPaths& paths, std::u16string_view name) {
+  try {
+    const SchemaIniFile file(paths, SchemaIniFile::Access::kRead);
+    if (const SectionLines* lines = file.Find(name)) return *lines;
+  } catch (const SchemaIniFailure&) {
+  }
+  return std::nullopt;
+}
+
 bool HasSection(const SchemaIniPaths& paths, std::u16string_view name) {
-  return SchemaIniFile(paths, SchemaIniFile::Access::kRead).Find(name) != nullptr;
+  return LinesOf(paths, name).has_value();
 }
 
 }  // namespace
@@ -181,11 +210,48 @@ bool HasSection(const SchemaIniPaths& paths, std::u16string_view name) {
 bool WriteSchemaSection(const SchemaIniPaths& paths, std::u16string_view sectionName,
                         const SchemaOptions& options, std::u16string* failure) noexcept {
   return Guarded(failure, [&] {
-    for (const auto& [index, field] : options.columns)
-      if (!ReadsBack(field, ColumnLine(field, options.dateTimeFormat)))
-        throw SchemaIniFailure{u"A field cannot be described in schema.ini."};
+    RequireReadableColumns(options);
     SchemaIniFile file(paths, SchemaIniFile::Access::kWrite);
     file.Replace(sectionName, SchemaSectionLines(options));
+    file.Save();
+  });
+}
+
+bool AddSchemaColumn(const SchemaIniPaths& paths, std::u16string_view sectionName,
+                     std::int32_t index, const FieldDefinition& column,
+                     std::optional<FieldDefinition>& declared) {
+  const auto read = [&] {
+    SchemaOptions options;
+    ReadSchemaSection(paths, sectionName, options);
+    const auto found = options.columns.find(index);
+    if (found != options.columns.end()) declared = found->second;
+    return options;
+  };
+  // The first look needs no right to write.
+  read();
+  if (declared.has_value()) return false;
+  return Guarded(nullptr, [&] {
+    SchemaIniFile file(paths, SchemaIniFile::Access::kWrite);
+    SchemaOptions options = read();
+    if (declared.has_value()) throw SchemaIniFailure{u"The column is declared already."};
+    options.columns.emplace(index, column);
+    RequireReadableColumns(options);
+    file.Replace(sectionName, SchemaSectionLines(options));
+    file.Save();
+  });
+}
+
+SavedSchemaSection::SavedSchemaSection(const SchemaIniPaths& paths, std::u16string_view sectionName)
+    : paths_(paths), name_(sectionName), lines_(LinesOf(paths, sectionName)) {}
+
+void SavedSchemaSection::Restore() const noexcept {
+  if (!lines_.has_value()) {
+    DropSchemaSection(paths_, name_);
+    return;
+  }
+  Guarded(nullptr, [&] {
+    SchemaIniFile file(paths_, SchemaIniFile::Access::kWrite);
+    file.Replace(name_, *lines_);
     file.Save();
   });
 }
@@ -225,9 +291,8 @@ bool CopySchemaSection(const SchemaIniPaths& from, std::u16string_view sectionNa
                        const SchemaIniPaths& to, std::u16string_view newName,
                        std::u16string* failure) noexcept {
   return Guarded(failure, [&] {
-    const SchemaIniFile source(from, SchemaIniFile::Access::kRead);
-    const SectionLines* lines = source.Find(sectionName);
-    if (lines == nullptr) {
+    const std::optional<SectionLines> lines = LinesOf(from, sectionName);
+    if (!lines.has_value()) {
       // What an earlier file of the new name has left must not describe the copy.
       if (!HasSection(to, newName)) return;
       SchemaIniFile target(to, SchemaIniFile::Access::kWrite);

@@ -7,6 +7,8 @@
 // mark.
 #pragma once
 
+#include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -22,7 +24,27 @@ namespace TextFile {
 bool WriteSchemaSection(const SchemaIniPaths& paths, std::u16string_view sectionName,
                         const SchemaOptions& options, std::u16string* failure = nullptr) noexcept;
 
-// Takes the section away. True also when there is none.
+// Adds a column to the section, which is made when there is none; what other writers do meanwhile
+// is kept. False when the section declares the column, which `declared` (empty before) then holds,
+// or when it could not be written. Throws ParseError when the section cannot be understood.
+bool AddSchemaColumn(const SchemaIniPaths& paths, std::u16string_view sectionName,
+                     std::int32_t index, const FieldDefinition& column,
+                     std::optional<FieldDefinition>& declared);
+
+// What a section was, to bring it back after a failure.
+class SavedSchemaSection {
+ public:
+  SavedSchemaSection(const SchemaIniPaths& paths, std::u16string_view sectionName);
+  // Writes the old lines, or takes the section away when there was none.
+  void Restore() const noexcept;
+
+ private:
+  SchemaIniPaths paths_;
+  std::u16string name_;
+  std::optional<std::vector<std::u16string>> lines_;
+};
+
+// Takes the section away. True also when there is none: no schema.ini, or one that is not read.
 bool DropSchemaSection(const SchemaIniPaths& paths, std::u16string_view sectionName,
                        std::u16string* failure = nullptr) noexcept;
 

@@ -1,11 +1,10 @@
 #include <algorithm>
+#include <boost/filesystem.hpp>
 #include <string>
 
 #include "inference/DateFormatting.h"
 #include "platform/ExclusiveFile.h"
 #include "schema/LocaleDefaults.h"
-#include "schema/ParseError.h"
-#include "schema/SchemaIniFile.h"
 #include "schema/SchemaIniReader.h"
 #include "schema/SchemaIniWriter.h"
 #include "schema/TableFiles.h"
@@ -16,6 +15,8 @@
 namespace TextFile {
 
 namespace {
+
+namespace fs = boost::filesystem;
 
 constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 
@@ -59,12 +60,17 @@ void SetColumns(const std::vector<FieldDefinition>& fields, SchemaOptions& optio
   }
 }
 
-// A name as the header holds it, quoted where it would not be read back otherwise.
+// A name as the header holds it, quoted where it would not be read back otherwise. What cannot be
+// quoted becomes a blank, so that the header has as many names as there are columns.
 void AppendName(const SchemaOptions& options, std::u16string_view name, std::string& bytes) {
-  const std::u16string special = {options.delimiter, u'\r', u'\n', u'"'};
-  const bool quoted =
-      name.find_first_of(special) != std::u16string_view::npos && options.textDelimiter != 0;
-  if (!quoted) return AppendUtf8(name, bytes);
+  const std::u16string special = {options.delimiter, options.textDelimiter, u'\r', u'\n'};
+  if (options.textDelimiter == 0) {
+    std::u16string plain(name);
+    for (char16_t& unit : plain)
+      if (special.find(unit) != special.npos) unit = u' ';
+    return AppendUtf8(plain, bytes);
+  }
+  if (name.find_first_of(special) == name.npos) return AppendUtf8(name, bytes);
   std::u16string text(1, options.textDelimiter);
   for (const char16_t unit : name) {
     text += unit;
@@ -80,7 +86,7 @@ std::string HeaderLine(const SchemaOptions& options, const std::vector<FieldDefi
     if (options.fixedLength) {
       // Padded like the values, so that the header has as many fields as there are columns.
       const auto width = static_cast<std::size_t>(std::max(fields[i].width, 0));
-      const std::u16string_view name = std::u16string_view(fields[i].name).substr(0, width);
+      const std::u16string_view name = CutText(fields[i].name, width);
       bytes.append(width - name.size(), ' ');
       AppendUtf8(name, bytes);
     } else {
@@ -92,68 +98,35 @@ std::string HeaderLine(const SchemaOptions& options, const std::vector<FieldDefi
   return bytes;
 }
 
-[[noreturn]] void Fail(const std::u16string& path, std::u16string_view reason) {
-  throw TableFailure{path + u": " + std::u16string(reason)};
+void RequireFileOrNothing(const std::u16string& path) {
+  boost::system::error_code ignored;
+  const auto status = fs::status(fs::path(NativeFromFileName(path)), ignored);
+  if (fs::exists(status) && !fs::is_regular_file(status))
+    FailTable(path, u"the name belongs to something that is no file");
 }
-
-[[noreturn]] void Fail(const std::u16string& path, const std::error_code& error) {
-  const std::string reason = error.message();
-  Fail(path, std::u16string(reason.begin(), reason.end()));
-}
-
-// The lines that the section had, to bring them back.
-class SavedSection {
- public:
-  SavedSection(const SchemaIniPaths& paths, const std::u16string& name)
-      : paths_(paths), name_(name) {
-    const SchemaIniFile file(paths, SchemaIniFile::Access::kRead);
-    if (const SectionLines* lines = file.Find(name)) lines_ = *lines;
-  }
-
-  void Restore() noexcept {
-    if (!lines_.has_value()) {
-      DropSchemaSection(paths_, name_);
-      return;
-    }
-    try {
-      SchemaIniFile file(paths_, SchemaIniFile::Access::kWrite);
-      file.Replace(name_, *lines_);
-      file.Save();
-    } catch (const SchemaIniFailure&) {
-      // The failure that made this necessary is the one that is reported.
-    }
-  }
-
- private:
-  const SchemaIniPaths& paths_;
-  const std::u16string& name_;
-  std::optional<SectionLines> lines_;
-};
 
 }  // namespace
 
 void CreateTableFiles(const TableLocation& table, std::vector<FieldDefinition> fields) {
   if (const std::u16string_view reason = WhyNotATableName(table.name); !reason.empty())
-    Fail(table.name, reason);
+    FailTable(table.name, reason);
+  const std::u16string path = table.Path();
+  RequireFileOrNothing(path);
   const SchemaIniPaths paths(table.folder);
   SchemaOptions options = OptionsOf(paths, table.name, fields);
   SetColumns(fields, options);
 
-  const std::u16string path = table.Path();
   ExclusiveFile file;
-  if (!file.Open(NativeFromFileName(JoinPath(table.folder, u"~" + table.name + u".tmp"))) ||
-      !file.Write(HeaderLine(options, fields)))
-    Fail(path, file.error());
-  try {
-    SavedSection before(paths, table.name);
-    std::u16string failure;
-    if (!WriteSchemaSection(paths, table.name, options, &failure)) Fail(paths.schemaIni, failure);
-    if (file.Replace(NativeFromFileName(path))) return;
-    before.Restore();
-    Fail(path, file.error());
-  } catch (const SchemaIniFailure& failure) {
-    Fail(paths.schemaIni, failure.reason);
-  }
+  const std::u16string temporary = JoinPath(table.folder, TemporaryNameOf(table.name, u".tmp"));
+  if (!file.Open(NativeFromFileName(temporary)) || !file.Write(HeaderLine(options, fields)))
+    FailTable(path, file.error());
+  const SavedSchemaSection before(paths, table.name);
+  std::u16string failure;
+  if (!WriteSchemaSection(paths, table.name, options, &failure))
+    FailTable(paths.schemaIni, failure);
+  if (file.Replace(NativeFromFileName(path))) return;
+  before.Restore();
+  FailTable(path, file.error());
 }
 
 }  // namespace TextFile

@@ -3,7 +3,8 @@
 //
 // Every function throws TableFailure with a text for the user, and has then undone what it had
 // begun. Ended half-way, by a crash, it leaves the table as it was or as it was asked for; at worst
-// a section of schema.ini stays that no file belongs to.
+// a section of schema.ini, a metadata file or a temporary file stays that no table belongs to, and
+// does not get into the way of the next try.
 #pragma once
 
 #include <string>
@@ -11,13 +12,9 @@
 #include <vector>
 
 #include "schema/FieldDefinition.h"
+#include "schema/TableFailure.h"
 
 namespace TextFile {
-
-// Names the file and the reason.
-struct TableFailure {
-  std::u16string text;
-};
 
 // Where a table is. `name` is the file's name, extension included.
 struct TableLocation {

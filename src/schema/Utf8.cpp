@@ -54,6 +54,12 @@ void AppendUtf8(std::u16string_view text, std::string& bytes) {
   }
 }
 
+std::u16string_view CutText(std::u16string_view text, std::size_t length) noexcept {
+  if (text.size() <= length) return text;
+  if (length > 0 && IsHigh(text[length - 1]) && IsLow(text[length])) --length;
+  return text.substr(0, length);
+}
+
 bool IsWellFormedText(std::u16string_view text) noexcept {
   for (std::size_t i = 0; i < text.size();)
     if (!TakeCodePoint(text, i).wellFormed) return false;

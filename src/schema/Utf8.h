@@ -1,6 +1,7 @@
 // UTF-16 text to the bytes that are written.
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 
@@ -8,6 +9,9 @@ namespace TextFile {
 
 // Appends `text` as UTF-8. A lone surrogate becomes U+FFFD.
 void AppendUtf8(std::u16string_view text, std::string& bytes);
+
+// The first `length` code units at most, without the first half of a surrogate pair at the end.
+std::u16string_view CutText(std::u16string_view text, std::size_t length) noexcept;
 
 // Whether `text` can be written as UTF-8 and read back: it has no lone surrogate.
 bool IsWellFormedText(std::u16string_view text) noexcept;

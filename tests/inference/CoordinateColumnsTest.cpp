@@ -4,9 +4,9 @@
 #include <string_view>
 
 #include "inference/CoordinateColumns.h"
-#include "support/UserLocale.h"
 #include "support/OpenedTable.h"
 #include "support/TemporaryFolder.h"
+#include "support/UserLocale.h"
 
 using quenra::test::TemporaryFolder;
 

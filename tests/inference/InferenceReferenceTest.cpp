@@ -11,9 +11,9 @@
 
 #include "inference/DateParsing.h"
 #include "inference/NumberParsing.h"
-#include "support/UserLocale.h"
 #include "support/OpenedTable.h"
 #include "support/TemporaryFolder.h"
+#include "support/UserLocale.h"
 
 using quenra::test::TemporaryFolder;
 

@@ -10,10 +10,10 @@
 #include "inference/MismatchReport.h"
 #include "inference/RowConverter.h"
 #include "reading/ReaderFactory.h"
-#include "support/UserLocale.h"
 #include "support/OpenedTable.h"
 #include "support/OrdinaryUser.h"
 #include "support/TemporaryFolder.h"
+#include "support/UserLocale.h"
 
 using quenra::test::TemporaryFolder;
 

@@ -12,8 +12,8 @@
 
 #include "host/CoreSupport/CharacterClasses.h"
 #include "inference/NumberParsing.h"
-#include "support/UserLocale.h"
 #include "support/ShowText.h"
+#include "support/UserLocale.h"
 
 namespace TextFile {
 namespace {

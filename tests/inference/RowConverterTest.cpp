@@ -12,10 +12,10 @@
 #include "inference/RowConverter.h"
 #include "platform/OleText.h"
 #include "reading/ReaderFactory.h"
-#include "support/UserLocale.h"
 #include "support/OpenedTable.h"
 #include "support/ShowText.h"
 #include "support/TemporaryFolder.h"
+#include "support/UserLocale.h"
 
 using quenra::test::TemporaryFolder;
 

@@ -5,9 +5,9 @@
 #include <vector>
 
 #include "inference/TypeInference.h"
-#include "support/UserLocale.h"
 #include "support/OpenedTable.h"
 #include "support/TemporaryFolder.h"
+#include "support/UserLocale.h"
 
 using quenra::test::TemporaryFolder;
 

@@ -34,6 +34,24 @@ TEST_F(DatasetHelperTest, IsAPlainTableWhateverItsColumns) {
   }
 }
 
+TEST_F(DatasetHelperTest, TellsItsDelimiter) {
+  const auto delimiterOf = [](const ComPtr<IPlugInDatasetHelper>& table) {
+    OLECHAR delimiter = 1;
+    EXPECT_EQ(table.As<ITextFileDataset>()->TableDelimiter(&delimiter), S_OK);
+    return static_cast<char16_t>(delimiter);
+  };
+  EXPECT_EQ(delimiterOf(Table(u"a.csv", "A;B\n1;2\n")), u';');
+  folder_.Write(u"schema.ini",
+                "[f.txt]\nFormat=FixedLength\nCol1=A Text Width 1\n"
+                "[w.txt]\nFormat=Delimited(\xE2\x82\xAC)\n");
+  EXPECT_EQ(delimiterOf(Table(u"f.txt", "x\n")), u'\0');
+  const auto wide = Table(u"w.txt",
+                          "A\xE2\x82\xAC"
+                          "B\n");
+  EXPECT_EQ(delimiterOf(wide), u'\u20AC');
+  EXPECT_EQ(wide.As<ITextFileDataset>()->TableDelimiter(nullptr), E_POINTER);
+}
+
 TEST_F(DatasetHelperTest, LengthOfTextIsTheDeclaredWidthWhateverItIs) {
   folder_.Write(u"schema.ini", "[a.csv]\nCol1=A Text Width -5\nCol2=B Text Width 0\nCol3=C Text\n");
   const auto fields = Fields(Table(u"a.csv", "A,B,C\nx,y,z\n"));

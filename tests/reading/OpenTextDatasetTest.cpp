@@ -74,8 +74,8 @@ TEST_F(OpenTextDatasetTest, DescribesATable) {
 }
 
 TEST_F(OpenTextDatasetTest, FilesWithoutContentHaveOneColumn) {
-  for (const std::string& bytes : {""s, "\n"s, "\r\n\r\n"s, "\r"s, "\r\r\r"s, "\xEF\xBB\xBF"s, "\x1A"s,
-                                   "\xFE\xFF\0a\0,\0b"s, "\xFF\xFE\0\0a\0\0\0"s}) {
+  for (const std::string& bytes : {""s, "\n"s, "\r\n\r\n"s, "\r"s, "\r\r\r"s, "\xEF\xBB\xBF"s,
+                                   "\x1A"s, "\xFE\xFF\0a\0,\0b"s, "\xFF\xFE\0\0a\0\0\0"s}) {
     SCOPED_TRACE(::testing::PrintToString(bytes));
     const TextDatasetDescription table = Open(u"a.csv", bytes);
     ASSERT_EQ(NamesOf(table), (Texts{u"Field0"}));

@@ -363,7 +363,9 @@ class RandomSchema {
         FieldType::kSingle,       FieldType::kDouble,   FieldType::kString,
         FieldType::kDate,         FieldType::kDateOnly, FieldType::kTimeOnly};
     FieldDefinition field = Field(Text(), kTypes[Below(9)]);
-    if (Below(4) == 0) field.name = Of(u" \u00A0\n\t") + field.name + Of(u" \u00A0\n\r");
+    // A line of a name must not look like a header.
+    const std::u16string_view front = field.name[0] == u'[' ? u" \u00A0\t" : u" \u00A0\n\t";
+    if (Below(4) == 0) field.name = Of(front) + field.name + Of(u" \u00A0\n\r");
     if (field.type == FieldType::kDate && Below(2) == 0)
       field.dateFormat.pattern = u"dd/MM/yyyy HH:mm";
     if (field.type == FieldType::kDateOnly) field.dateFormat.pattern = u"yyyy-MM dd";

@@ -118,4 +118,15 @@ struct BaseInterface<IDatasetFileStat2> {
   using Type = IDatasetFileStat;
 };
 
+// What only the text data source answers of a table.
+struct ITextFileDataset : public IUnknown {
+  // The character between the fields as this table was opened; 0 for fixed-width tables.
+  virtual HRESULT STDMETHODCALLTYPE TableDelimiter(OLECHAR* delimiter) = 0;
+};
+
+inline constexpr IID IID_ITextFileDataset = {
+    0x891ae6fd, 0xfa15, 0x4d50, {0xab, 0xea, 0x92, 0xaf, 0xc5, 0xb6, 0xeb, 0xc8}};
+template <>
+inline constexpr const IID& kInterfaceId<ITextFileDataset> = IID_ITextFileDataset;
+
 }  // namespace quenra

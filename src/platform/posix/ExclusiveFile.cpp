@@ -26,6 +26,26 @@ bool Lock(int descriptor) {
   return result == 0;
 }
 
+// Puts the bytes on the disk, so that a rename never comes before them when the machine stops.
+bool Settle(int descriptor) {
+  // Some file systems have nothing to settle and say so.
+  return ::fsync(descriptor) == 0 || errno == EINVAL || errno == ENOTSUP;
+}
+
+bool RenameToFree(const std::string& from, const std::string& to) {
+  if (::renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), RENAME_NOREPLACE) == 0) return true;
+  if (errno != EINVAL && errno != ENOSYS) return false;
+  // A file system without that flag: a link fails when the name is taken.
+  if (::link(from.c_str(), to.c_str()) == 0) return ::unlink(from.c_str()) == 0;
+  if (errno != EPERM && errno != ENOTSUP) return false;
+  struct stat taken {};
+  if (::lstat(to.c_str(), &taken) == 0) {
+    errno = EEXIST;
+    return false;
+  }
+  return std::rename(from.c_str(), to.c_str()) == 0;
+}
+
 }  // namespace
 
 bool ExclusiveFile::Fail(int systemError) noexcept {
@@ -54,14 +74,11 @@ bool ExclusiveFile::Open(const NativeFileName& path) {
       ::close(descriptor);
       continue;
     }
-    if (::ftruncate(descriptor, 0) != 0) {
-      const int failure = errno;
-      ::close(descriptor);
-      return Fail(failure);
-    }
     path_ = path;
     descriptor_ = descriptor;
-    return true;
+    if (::ftruncate(descriptor_, 0) == 0) return true;
+    // The destructor removes the file.
+    return Fail(errno);
   }
 }
 
@@ -76,10 +93,25 @@ bool ExclusiveFile::Write(std::string_view bytes) {
 
 bool ExclusiveFile::Replace(const NativeFileName& target) {
   struct stat old {};
-  if (::stat(target.c_str(), &old) == 0 && ::fchmod(descriptor_, old.st_mode & 07777) != 0)
-    return Fail(errno);
-  if (std::rename(path_.c_str(), target.c_str()) != 0) return Fail(errno);
+  if (::stat(target.c_str(), &old) == 0) {
+    // A rename asks for the folder's rights alone, and would go past the file's own.
+    if (::faccessat(AT_FDCWD, target.c_str(), W_OK, AT_EACCESS) != 0) return Fail(errno);
+    if (::fchmod(descriptor_, old.st_mode & 07777) != 0) return Fail(errno);
+  }
+  if (!Settle(descriptor_) || std::rename(path_.c_str(), target.c_str()) != 0) return Fail(errno);
   ::close(descriptor_);
   descriptor_ = -1;
   return true;
+}
+
+bool ExclusiveFile::TakeName(const NativeFileName& target) {
+  if (!Settle(descriptor_) || !RenameToFree(path_, target)) return Fail(errno);
+  ::close(descriptor_);
+  descriptor_ = -1;
+  return true;
+}
+
+std::error_code ExclusiveFile::Move(const NativeFileName& from, const NativeFileName& to) {
+  return RenameToFree(from, to) ? std::error_code()
+                                : std::error_code(errno, std::system_category());
 }

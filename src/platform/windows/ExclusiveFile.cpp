@@ -52,12 +52,23 @@ bool ExclusiveFile::Write(std::string_view bytes) {
   return true;
 }
 
-bool ExclusiveFile::Replace(const NativeFileName& target) {
+bool ExclusiveFile::CloseAndMove(const NativeFileName& target, unsigned long flags) {
   ::FlushFileBuffers(handle_);
   ::CloseHandle(handle_);
   handle_ = nullptr;
-  if (::MoveFileExW(path_.c_str(), target.c_str(), MOVEFILE_REPLACE_EXISTING)) return true;
+  if (::MoveFileExW(path_.c_str(), target.c_str(), flags)) return true;
   const DWORD failure = ::GetLastError();
   ::DeleteFileW(path_.c_str());
   return Fail(static_cast<int>(failure));
+}
+
+bool ExclusiveFile::Replace(const NativeFileName& target) {
+  return CloseAndMove(target, MOVEFILE_REPLACE_EXISTING);
+}
+
+bool ExclusiveFile::TakeName(const NativeFileName& target) { return CloseAndMove(target, 0); }
+
+std::error_code ExclusiveFile::Move(const NativeFileName& from, const NativeFileName& to) {
+  if (::MoveFileExW(from.c_str(), to.c_str(), 0)) return {};
+  return std::error_code(static_cast<int>(::GetLastError()), std::system_category());
 }

@@ -1,0 +1,19 @@
+// Why an operation on a table's files was refused or failed, for the user.
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <system_error>
+
+namespace TextFile {
+
+// Thrown inside the core; `text` names the file and the reason.
+struct TableFailure {
+  std::u16string text;
+};
+
+[[noreturn]] void FailTable(std::u16string_view path, std::u16string_view reason);
+// With the system's own words.
+[[noreturn]] void FailTable(std::u16string_view path, const std::error_code& error);
+
+}  // namespace TextFile
