@@ -20,10 +20,11 @@ if(WIN32)
   set(QUENRA_LIBRARY_PREFIX "")
   add_compile_definitions(UNICODE _UNICODE NOMINMAX WIN32_LEAN_AND_MEAN)
 else()
+  # A folder below the vendor's, where the loader never looks: packages need no refresh of its cache.
   # Not CMAKE_INSTALL_LIBDIR: the program finds this folder relative to its own, and Debian's
   # multi-arch name in it would only make that path longer.
-  set(QUENRA_MODULE_INSTALL_FOLDER "lib/quenra")
-  set(QUENRA_MODULE_FOLDER_FROM_PROGRAM "../lib/quenra")
+  set(QUENRA_MODULE_INSTALL_FOLDER "lib/quenra/textfile")
+  set(QUENRA_MODULE_FOLDER_FROM_PROGRAM "../lib/quenra/textfile")
   set(QUENRA_LIBRARY_PREFIX "lib")
 endif()
 

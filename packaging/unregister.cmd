@@ -1,0 +1,3 @@
+@echo off
+rem Takes the registration back. Needs an elevated prompt.
+"%~dp0texttables.exe" unregister
