@@ -9,8 +9,13 @@ namespace {
 constexpr DWORD kRetryMilliseconds = 10;
 constexpr int kRetries = 1000;  // ten seconds; no writer needs a fraction of it
 
-bool IsBusy(DWORD error) {
-  return error == ERROR_SHARING_VIOLATION || error == ERROR_ACCESS_DENIED;
+// A file that is being deleted refuses access for a moment. A folder that cannot be written does so
+// for ever, and shall not keep a reader waiting.
+constexpr int kRefusedRetries = 20;
+
+bool IsWorthATry(DWORD error, int tries) {
+  return error == ERROR_SHARING_VIOLATION ||
+         (error == ERROR_ACCESS_DENIED && tries < kRefusedRetries);
 }
 
 }  // namespace
@@ -31,7 +36,7 @@ bool ExclusiveFile::Open(const NativeFileName& path) {
   for (int tries = 0; tries < kRetries; ++tries) {
     handle = ::CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS,
                            FILE_ATTRIBUTE_NORMAL, nullptr);
-    if (handle != INVALID_HANDLE_VALUE || !IsBusy(::GetLastError())) break;
+    if (handle != INVALID_HANDLE_VALUE || !IsWorthATry(::GetLastError(), tries)) break;
     ::Sleep(kRetryMilliseconds);
   }
   if (handle == INVALID_HANDLE_VALUE) return Fail(static_cast<int>(::GetLastError()));
