@@ -19,10 +19,12 @@ struct CommandName {
   const char* name;
 };
 constexpr CommandName kCommands[] = {
-    {Command::kList, "list"},     {Command::kDescribe, "describe"}, {Command::kRows, "rows"},
-    {Command::kCount, "count"},   {Command::kStat, "stat"},         {Command::kCreate, "create"},
-    {Command::kLoad, "load"},     {Command::kCopy, "copy"},         {Command::kRename, "rename"},
-    {Command::kDelete, "delete"}, {Command::kClaim, "claim"},       {Command::kLocale, "locale"},
+    {Command::kList, "list"},         {Command::kDescribe, "describe"},
+    {Command::kRows, "rows"},         {Command::kCount, "count"},
+    {Command::kStat, "stat"},         {Command::kCreate, "create"},
+    {Command::kLoad, "load"},         {Command::kCopy, "copy"},
+    {Command::kRename, "rename"},     {Command::kDelete, "delete"},
+    {Command::kClaim, "claim"},       {Command::kLocale, "locale"},
     {Command::kRegister, "register"}, {Command::kUnregister, "unregister"},
 };
 

@@ -32,8 +32,9 @@ std::u16string_view WithoutTrailingSeparators(std::u16string_view folder);
 
 class ModuleHost {
  public:
-  // Loads the module, which is the registered one unless --module names another, and hands it the open options. Throws UsageError when --module names none,
-  // and a Refusal when no module is installed or it gives no factory.
+  // Loads the module, which is the registered one unless --module names another, and hands it the
+  // open options. Throws UsageError when --module names none, and a Refusal when no module is
+  // installed or it gives no factory.
   explicit ModuleHost(const GlobalOptions& options);
   // Every object that came from here must have been released. Unloads the module.
   ~ModuleHost();

@@ -11,8 +11,7 @@ constexpr wchar_t kProgId[] = L"quenraDataSourcesFile.TextFileWorkspaceFactory";
 
 }  // namespace
 
-Apartment::Apartment()
-    : entered_(SUCCEEDED(::CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED))) {}
+Apartment::Apartment() : entered_(SUCCEEDED(::CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED))) {}
 
 Apartment::~Apartment() {
   if (entered_) ::CoUninitialize();

@@ -56,8 +56,9 @@ extern "C" {
 
 // Creates what is missing of the path. `*result` is the caller's to close; null after a failure.
 PLATFORM_API LSTATUS RegCreateKeyExW(HKEY key, LPCWSTR path, DWORD reserved, LPWSTR className,
-                                     DWORD options, REGSAM access, const SECURITY_ATTRIBUTES* rights,
-                                     HKEY* result, LPDWORD disposition);
+                                     DWORD options, REGSAM access,
+                                     const SECURITY_ATTRIBUTES* rights, HKEY* result,
+                                     LPDWORD disposition);
 
 // ERROR_FILE_NOT_FOUND when there is no such key.
 PLATFORM_API LSTATUS RegOpenKeyExW(HKEY key, LPCWSTR path, DWORD options, REGSAM access,
@@ -70,7 +71,8 @@ PLATFORM_API LSTATUS RegSetValueExW(HKEY key, LPCWSTR name, DWORD reserved, DWOR
                                     const BYTE* data, DWORD size);
 
 // `*size` is the buffer's room in bytes, and then the bytes of the text with its terminating zero.
-// ERROR_MORE_DATA when there is less room: the buffer is untouched. A null buffer asks for the size.
+// ERROR_MORE_DATA when there is less room: the buffer is untouched. A null buffer asks for the
+// size.
 PLATFORM_API LSTATUS RegQueryValueExW(HKEY key, LPCWSTR name, LPDWORD reserved, LPDWORD type,
                                       BYTE* data, LPDWORD size);
 

@@ -49,8 +49,7 @@ bool IsNull(const VARIANT& value) noexcept { return value.vt == VT_NULL || value
 bool ChangeType(const VARIANT& value, VARTYPE type, quenra::Variant& changed) {
   // The call's parameter is not const, though it reads alone.
   VARIANT shallow = value;
-  return SUCCEEDED(
-      ::VariantChangeTypeEx(changed.Receive(), &shallow, LOCALE_INVARIANT, 0, type));
+  return SUCCEEDED(::VariantChangeTypeEx(changed.Receive(), &shallow, LOCALE_INVARIANT, 0, type));
 }
 
 VARTYPE VariantTypeOf(FieldType type) noexcept {

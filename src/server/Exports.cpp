@@ -37,14 +37,10 @@ STDAPI DllRegisterServer() { return S_OK; }
 
 STDAPI DllUnregisterServer() { return S_OK; }
 
-STDAPI quenraDllRegisterServer() try {
-  return quenra::RegisterClasses();
-} catch (...) {
+STDAPI quenraDllRegisterServer() try { return quenra::RegisterClasses(); } catch (...) {
   return E_FAIL;
 }
 
-STDAPI quenraDllUnregisterServer() try {
-  return quenra::UnregisterClasses();
-} catch (...) {
+STDAPI quenraDllUnregisterServer() try { return quenra::UnregisterClasses(); } catch (...) {
   return SELFREG_E_CLASS;
 }

@@ -40,8 +40,8 @@ LSTATUS DeleteSubkeys(HKEY key) {
   for (;;) {
     std::u16string name(kNameUnits, u'\0');
     DWORD length = kNameUnits;
-    const LSTATUS found = ::RegEnumKeyExW(key, 0, AsOle(name.data()), &length, nullptr, nullptr,
-                                          nullptr, nullptr);
+    const LSTATUS found =
+        ::RegEnumKeyExW(key, 0, AsOle(name.data()), &length, nullptr, nullptr, nullptr, nullptr);
     if (found == Status(ERROR_NO_MORE_ITEMS)) return kDone;
     if (found != kDone) return found;
     name.resize(length);

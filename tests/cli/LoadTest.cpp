@@ -320,7 +320,7 @@ TEST_F(LoadTest, CoordinateFieldsMayBeLeftOut) {
                 .errors,
             "3 rows loaded\n");
   EXPECT_EQ(ReadTable("p.csv"), head + "A,40\xC2\xB0 30' N 79\xC2\xB0 15' W\n" +
-                               "B,1\xC2\xB0 30' N 9\xC2\xB0 15' W\nC,\n");
+                                    "B,1\xC2\xB0 30' N 9\xC2\xB0 15' W\nC,\n");
   ExpectRefused(Load("[1,2,3]\n", "p.csv"),
                 "texttables: error: 0x8007000D: standard input, line 1: 3 values for 2 fields (4 "
                 "with the coordinate fields); 0 rows loaded\n");
@@ -391,8 +391,9 @@ TEST_F(LoadTest, MissingTablesAndFilesAreNamed) {
   WriteTable();
   ExpectRefused(Run({"load", "nope.csv"}),
                 "texttables: error: 0x80040351: table not found: nope.csv\n");
-  ExpectRefused(Run({"load", "a.csv", "nowhere"}),
-                "texttables: error: 0x80070002: " + std::system_category().message(2) + ": nowhere\n");
+  ExpectRefused(
+      Run({"load", "a.csv", "nowhere"}),
+      "texttables: error: 0x80070002: " + std::system_category().message(2) + ": nowhere\n");
   ExpectUsageError(Run({"load", "a.csv", "./a.csv"}),
                    "a table cannot be loaded from its own file, ./a.csv");
   ExpectUsageError(Run({"load"}), "TABLE");

@@ -40,7 +40,8 @@ TEST_F(RegistrationTest, WritesOneReadableFile) {
   const std::string text = Read("registry");
   const std::string entry =
       "[CLSID\\{B2E7A59D-0C38-4AC3-BE0B-F18EB40409C5}\\InprocServer32]\n"
-      "@=\"" MODULE_FILE "\"\n"
+      "@=\"" MODULE_FILE
+      "\"\n"
       "\"ThreadingModel\"=\"Apartment\"\n";
   EXPECT_NE(text.find(entry), std::string::npos) << text;
   ExpectQuietly(RunRegistered({"unregister"}));

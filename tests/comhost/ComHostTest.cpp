@@ -97,8 +97,10 @@ class ComHostTest : public ::testing::Test {
 TEST_F(ComHostTest, ReadsEveryValueAndLetsTheModuleGo) {
   folder_.Write(u"a.csv",
                 "Small,Whole,Real,Text,When,Where\n"
-                "1,70000,1.5,\xC3\xBC,2020-01-05 10:30:00,\"48\xC2\xB0N, 11\xC2\xB0" "E\"\n"
-                "2,,2.25,plain,2021-01-05 00:00:00,\"49\xC2\xB0N, 12\xC2\xB0" "E\"\n");
+                "1,70000,1.5,\xC3\xBC,2020-01-05 10:30:00,\"48\xC2\xB0N, 11\xC2\xB0"
+                "E\"\n"
+                "2,,2.25,plain,2021-01-05 00:00:00,\"49\xC2\xB0N, 12\xC2\xB0"
+                "E\"\n");
   folder_.Write(u"schema.ini",
                 "[a.csv]\nFormat=CSVDelimited\nColNameHeader=True\n"
                 "Col1=Small Short\nCol2=Whole Long\nCol3=Real Double\nCol4=Text Text\n"
@@ -108,11 +110,12 @@ TEST_F(ComHostTest, ReadsEveryValueAndLetsTheModuleGo) {
     const auto workspace = OpenFolder(NewFactory(), folder_.Path());
     ComPtr<IPlugInDatasetHelper> table;
     ASSERT_EQ(OpenTable(workspace, u"a.csv", table), S_OK);
-    EXPECT_THAT(Rows(table),
-                ElementsAre("I2:1|I4:70000|R8:1.5|BSTR:\xC3\xBC|DATE:43835.4375|"
-                            "BSTR:48\xC2\xB0N, 11\xC2\xB0" "E",
-                            "I2:2|NULL|R8:2.25|BSTR:plain|DATE:44201|"
-                            "BSTR:49\xC2\xB0N, 12\xC2\xB0" "E"));
+    EXPECT_THAT(Rows(table), ElementsAre("I2:1|I4:70000|R8:1.5|BSTR:\xC3\xBC|DATE:43835.4375|"
+                                         "BSTR:48\xC2\xB0N, 11\xC2\xB0"
+                                         "E",
+                                         "I2:2|NULL|R8:2.25|BSTR:plain|DATE:44201|"
+                                         "BSTR:49\xC2\xB0N, 12\xC2\xB0"
+                                         "E"));
     ::CoFreeUnusedLibraries();
     EXPECT_TRUE(ModuleIsLoaded()) << "while there are objects";
   }
@@ -205,7 +208,9 @@ TEST_F(ComHostTest, ClassesAreNotAggregated) {
 }
 
 TEST_F(ComHostTest, PlainCReadsTheSameTable) {
-  folder_.Write(u"a.csv", "Id,Name\n1,Ann\n2,B\xC3\xB6" "b\n");
+  folder_.Write(u"a.csv",
+                "Id,Name\n1,Ann\n2,B\xC3\xB6"
+                "b\n");
   const Apartment apartment;
   PlainCResult seen;
   const std::wstring folder(folder_.Path().begin(), folder_.Path().end());
@@ -215,7 +220,9 @@ TEST_F(ComHostTest, PlainCReadsTheSameTable) {
   EXPECT_EQ(Dump(seen.values[0][0].value), "I4:1");
   EXPECT_EQ(Dump(seen.values[0][1].value), "BSTR:Ann");
   EXPECT_EQ(Dump(seen.values[1][0].value), "I4:2");
-  EXPECT_EQ(Dump(seen.values[1][1].value), "BSTR:B\xC3\xB6" "b");
+  EXPECT_EQ(Dump(seen.values[1][1].value),
+            "BSTR:B\xC3\xB6"
+            "b");
   EXPECT_EQ(ViewOf(seen.progId), u"quenraDataSourcesFile.TextFileWorkspaceFactory.1");
   FreePlainCResult(&seen);
   ExpectModuleToGo();

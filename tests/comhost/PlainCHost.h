@@ -4,10 +4,9 @@
 #ifndef COBJMACROS
 #define COBJMACROS
 #endif
-#include <windows.h>
-
 #include <oaidl.h>
 #include <objbase.h>
+#include <windows.h>
 
 #ifdef __cplusplus
 extern "C" {

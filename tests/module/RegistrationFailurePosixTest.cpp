@@ -57,7 +57,8 @@ TEST_F(RegistrationFailurePosixTest, FullDiskHalfWayIsReported) {
     const FileSizeLimit limit(900);
     EXPECT_EQ(Register(), SELFREG_E_CLASS);
   }
-  EXPECT_THAT(registry_.Dump(u"CLSID\\{B2E7A59D-0C38-4AC3-BE0B-F18EB40409C5}"), ::testing::Not(IsEmpty()))
+  EXPECT_THAT(registry_.Dump(u"CLSID\\{B2E7A59D-0C38-4AC3-BE0B-F18EB40409C5}"),
+              ::testing::Not(IsEmpty()))
       << "the entries before the failure are whole";
   EXPECT_THAT(registry_.Dump(u"CLSID\\{24E457AA-DA94-41FC-A8DB-094CB13D3E6A}"), IsEmpty());
   EXPECT_THAT(folder_.Names(), SizeIs(1)) << "no temporary file is left";

@@ -35,12 +35,12 @@ class RegistrationTest : public ModuleTest {
   }
 
   void ExpectNothingLeft() const {
-    for (const char16_t* key :
-         {u"CLSID\\{B2E7A59D-0C38-4AC3-BE0B-F18EB40409C5}",
-          u"CLSID\\{24E457AA-DA94-41FC-A8DB-094CB13D3E6A}",
-          u"quenraDataSourcesFile.TextFileWorkspaceFactory",
-          u"quenraDataSourcesFile.TextFileWorkspaceFactory.1",
-          u"quenraDataSourcesFile.TextFileNativeType", u"quenraDataSourcesFile.TextFileNativeType.1"})
+    for (const char16_t* key : {u"CLSID\\{B2E7A59D-0C38-4AC3-BE0B-F18EB40409C5}",
+                                u"CLSID\\{24E457AA-DA94-41FC-A8DB-094CB13D3E6A}",
+                                u"quenraDataSourcesFile.TextFileWorkspaceFactory",
+                                u"quenraDataSourcesFile.TextFileWorkspaceFactory.1",
+                                u"quenraDataSourcesFile.TextFileNativeType",
+                                u"quenraDataSourcesFile.TextFileNativeType.1"})
       EXPECT_THAT(registry_.Dump(key), IsEmpty());
   }
 
@@ -95,8 +95,8 @@ TEST_F(RegistrationTest, HostsFindTheClassesByProgId) {
   ASSERT_EQ(Register(), S_OK);
   EXPECT_TRUE(IsEqualCLSID(ClassOf(u"quenraDataSourcesFile.TextFileWorkspaceFactory"),
                            CLSID_TextFileWorkspaceFactory));
-  EXPECT_TRUE(
-      IsEqualCLSID(ClassOf(u"QUENRAdatasourcesfile.textfilenativetype.1"), CLSID_TextFileNativeType))
+  EXPECT_TRUE(IsEqualCLSID(ClassOf(u"QUENRAdatasourcesfile.textfilenativetype.1"),
+                           CLSID_TextFileNativeType))
       << "without regard to case";
   EXPECT_TRUE(IsEqualCLSID(ClassOf(u"quenraDataSourcesFile.TextFileNativeType.2"), CLSID{}));
 }
@@ -127,8 +127,7 @@ TEST_F(RegistrationTest, OtherClassesAndProgIdsStay) {
   EXPECT_THAT(registry_.Dump(u"quenraDataSourcesFile.TextFileWorkspaceFactory.10"),
               ElementsAre("quenraDataSourcesFile.TextFileWorkspaceFactory.10: =Other"));
   ::RegDeleteKeyW(HKEY_CLASSES_ROOT, AsOle(other.c_str()));
-  ::RegDeleteKeyW(HKEY_CLASSES_ROOT,
-                  AsOle(u"quenraDataSourcesFile.TextFileWorkspaceFactory.10"));
+  ::RegDeleteKeyW(HKEY_CLASSES_ROOT, AsOle(u"quenraDataSourcesFile.TextFileWorkspaceFactory.10"));
 }
 
 TEST_F(RegistrationTest, TheUsualEntriesWriteNothing) {
@@ -136,8 +135,8 @@ TEST_F(RegistrationTest, TheUsualEntriesWriteNothing) {
   ExpectNothingLeft();
   ASSERT_EQ(Register(), S_OK);
   EXPECT_EQ(module_->Call("DllUnregisterServer"), S_OK);
-  EXPECT_TRUE(IsEqualCLSID(ClassOf(u"quenraDataSourcesFile.TextFileNativeType"),
-                           CLSID_TextFileNativeType))
+  EXPECT_TRUE(
+      IsEqualCLSID(ClassOf(u"quenraDataSourcesFile.TextFileNativeType"), CLSID_TextFileNativeType))
       << "nor do they take anything back";
 }
 

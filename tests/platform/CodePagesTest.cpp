@@ -14,15 +14,16 @@ std::u16string Decode(UINT codePage, std::string_view bytes, DWORD flags = 0) {
   const int needed = ::MultiByteToWideChar(codePage, flags, bytes.data(), length, nullptr, 0);
   std::u16string text(static_cast<std::size_t>(needed), u'#');
   if (needed == 0) return text;
-  EXPECT_EQ(::MultiByteToWideChar(codePage, flags, bytes.data(), length, AsOle(text.data()), needed),
-            needed);
+  EXPECT_EQ(
+      ::MultiByteToWideChar(codePage, flags, bytes.data(), length, AsOle(text.data()), needed),
+      needed);
   return text;
 }
 
 std::string Encode(UINT codePage, std::u16string_view text, DWORD flags = 0) {
   const int length = static_cast<int>(text.size());
-  const int needed =
-      ::WideCharToMultiByte(codePage, flags, AsOle(text.data()), length, nullptr, 0, nullptr, nullptr);
+  const int needed = ::WideCharToMultiByte(codePage, flags, AsOle(text.data()), length, nullptr, 0,
+                                           nullptr, nullptr);
   std::string bytes(static_cast<std::size_t>(needed), '#');
   if (needed == 0) return bytes;
   EXPECT_EQ(::WideCharToMultiByte(codePage, flags, AsOle(text.data()), length, bytes.data(), needed,
@@ -316,7 +317,8 @@ TEST(CodePagesTest, BadPairsBecomeTheDefaultCharacterOrFail) {
 TEST(CodePagesTest, MissingCharactersAreReported) {
   char bytes[8];
   BOOL used = FALSE;
-  EXPECT_EQ(::WideCharToMultiByte(1252, 0, AsOle(u"a\u6771\U0001F4A9"), 4, bytes, 8, nullptr, &used), 3);
+  EXPECT_EQ(
+      ::WideCharToMultiByte(1252, 0, AsOle(u"a\u6771\U0001F4A9"), 4, bytes, 8, nullptr, &used), 3);
   EXPECT_EQ(std::string_view(bytes, 3), "a??");
   EXPECT_EQ(used, TRUE);
   EXPECT_EQ(::WideCharToMultiByte(1252, 0, AsOle(u"a\u6771"), 2, bytes, 8, "_", &used), 2);

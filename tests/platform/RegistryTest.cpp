@@ -1,10 +1,9 @@
-#include "platform/Registry.h"
-
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "platform/ComponentCategories.h"
 #include "platform/OleText.h"
+#include "platform/Registry.h"
 #include "support/TestRegistry.h"
 
 namespace quenra::test {
@@ -13,8 +12,10 @@ namespace {
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
-constexpr GUID kWidget = {0x7d1f0c52, 0x9a3e, 0x4d1b, {0x80, 0x11, 0x22, 0x33, 0x44, 0x55, 0x66, 0x77}};
-constexpr GUID kTools = {0x7d1f0c53, 0x9a3e, 0x4d1b, {0x80, 0x11, 0x22, 0x33, 0x44, 0x55, 0x66, 0x77}};
+constexpr GUID kWidget = {
+    0x7d1f0c52, 0x9a3e, 0x4d1b, {0x80, 0x11, 0x22, 0x33, 0x44, 0x55, 0x66, 0x77}};
+constexpr GUID kTools = {
+    0x7d1f0c53, 0x9a3e, 0x4d1b, {0x80, 0x11, 0x22, 0x33, 0x44, 0x55, 0x66, 0x77}};
 constexpr char16_t kRoot[] = u"workshop.RegistryTest";
 constexpr char16_t kWidgetKey[] = u"CLSID\\{7D1F0C52-9A3E-4D1B-8011-223344556677}";
 
@@ -29,10 +30,10 @@ class RegistryTest : public ::testing::Test {
 
   HKEY Create(const std::u16string& path, DWORD* disposition = nullptr) {
     HKEY key = nullptr;
-    EXPECT_EQ(::RegCreateKeyExW(HKEY_CLASSES_ROOT, AsOle(path.c_str()), 0, nullptr,
-                                REG_OPTION_NON_VOLATILE, KEY_ALL_ACCESS, nullptr, &key,
-                                disposition),
-              Status(ERROR_SUCCESS));
+    EXPECT_EQ(
+        ::RegCreateKeyExW(HKEY_CLASSES_ROOT, AsOle(path.c_str()), 0, nullptr,
+                          REG_OPTION_NON_VOLATILE, KEY_ALL_ACCESS, nullptr, &key, disposition),
+        Status(ERROR_SUCCESS));
     open_.push_back(key);
     return key;
   }

@@ -19,12 +19,12 @@ FILETIME TicksOf(long seconds) {
 }  // namespace
 
 void SetFileTimes(const std::filesystem::path& file, long access, long modification) {
-  const HANDLE handle = ::CreateFileW(file.c_str(), FILE_WRITE_ATTRIBUTES, 0, nullptr,
-                                      OPEN_EXISTING, 0, nullptr);
+  const HANDLE handle =
+      ::CreateFileW(file.c_str(), FILE_WRITE_ATTRIBUTES, 0, nullptr, OPEN_EXISTING, 0, nullptr);
   const FILETIME accessed = TicksOf(access);
   const FILETIME modified = TicksOf(modification);
-  const bool done = handle != INVALID_HANDLE_VALUE &&
-                    ::SetFileTime(handle, nullptr, &accessed, &modified);
+  const bool done =
+      handle != INVALID_HANDLE_VALUE && ::SetFileTime(handle, nullptr, &accessed, &modified);
   const DWORD error = ::GetLastError();
   if (handle != INVALID_HANDLE_VALUE) ::CloseHandle(handle);
   if (!done)

@@ -17,7 +17,6 @@ namespace {
 
 using quenra::test::ToUtf16;
 
-
 constexpr DWORD kLongestRun = 60 * 1000;  // milliseconds
 constexpr DWORD kEndedByTheTest = 0xFFFF;
 
@@ -116,8 +115,7 @@ std::wstring EnvironmentFor(const ProcessRequest& request) {
   ::FreeEnvironmentStringsW(all);
   // Not C: there Wine has no names outside ASCII for files.
   if (request.environment.count("LC_ALL") == 0) block += std::wstring(L"LC_ALL=C.UTF-8") + L'\0';
-  for (const auto& [name, value] : request.environment)
-    block += Wide(name + "=" + value) + L'\0';
+  for (const auto& [name, value] : request.environment) block += Wide(name + "=" + value) + L'\0';
   block += L'\0';
   return block;
 }
@@ -164,15 +162,14 @@ void ReadAll(Handle pipe, HANDLE process, std::optional<std::size_t> enough, std
 }  // namespace
 
 ProcessResult RunProcess(const ProcessRequest& request) {
-  Handle input = OpenForProgram(request.inputFile.empty() ? "NUL" : request.inputFile,
-                                GENERIC_READ, OPEN_EXISTING);
-  Channel output = request.outputFile.empty()
-                       ? OpenPipe()
-                       : Channel{OpenForProgram(request.outputFile, GENERIC_WRITE, CREATE_ALWAYS),
-                                 Handle()};
+  Handle input = OpenForProgram(request.inputFile.empty() ? "NUL" : request.inputFile, GENERIC_READ,
+                                OPEN_EXISTING);
+  Channel output =
+      request.outputFile.empty()
+          ? OpenPipe()
+          : Channel{OpenForProgram(request.outputFile, GENERIC_WRITE, CREATE_ALWAYS), Handle()};
   Channel errors = OpenPipe();
-  const Handle process =
-      Start(request, input.Get(), output.program.Get(), errors.program.Get());
+  const Handle process = Start(request, input.Get(), output.program.Get(), errors.program.Get());
   output.program.Close();
   errors.program.Close();
 

@@ -25,8 +25,7 @@ LSTATUS ReadDefault(const std::u16string& path, std::u16string& text) {
     text.resize(size / sizeof(char16_t));
     result = ::RegQueryValueExW(key, nullptr, nullptr, nullptr,
                                 size != 0 ? reinterpret_cast<BYTE*>(text.data()) : nullptr, &size);
-  } while ((result == kDone && text.empty()) ||
-           result == static_cast<LSTATUS>(ERROR_MORE_DATA));
+  } while ((result == kDone && text.empty()) || result == static_cast<LSTATUS>(ERROR_MORE_DATA));
   ::RegCloseKey(key);
   if (result == kDone) text.resize(size / sizeof(char16_t) - 1);
   return result;

@@ -15,7 +15,8 @@
 
 namespace {
 
-constexpr char kHeader[] = "; The classes of this user's data sources. Changed by the programs that register them.\n";
+constexpr char kHeader[] =
+    "; The classes of this user's data sources. Changed by the programs that register them.\n";
 
 bool IsSurrogate(char16_t unit) { return (unit & 0xF800) == 0xD800; }
 bool IsControl(char16_t unit) { return unit < 0x20 || (unit >= 0x7F && unit < 0xA0); }
