@@ -28,8 +28,7 @@ class PLATFORM_API ExclusiveFile {
   // access rights it takes over. A file that may not be written is not replaced.
   bool Replace(const NativeFileName& target);
 
-  // Gives the file the name `target` unless something has that name: error() is then
-  // std::errc::file_exists.
+  // Gives the file the name `target` unless something has that name: MeansTaken(error()).
   bool TakeName(const NativeFileName& target);
 
   // Why the last call has failed.
@@ -38,13 +37,18 @@ class PLATFORM_API ExclusiveFile {
   // Renames a finished file unless something has the new name, in one step.
   static std::error_code Move(const NativeFileName& from, const NativeFileName& to);
 
+  // What an error of these calls means. To be asked instead of std::errc: a module with a C++
+  // library of its own has categories of its own, and an error from here equals none of them.
+  static bool MeansTaken(const std::error_code& error) noexcept;
+  static bool MeansMissing(const std::error_code& error) noexcept;
+
  private:
   bool Fail(int systemError) noexcept;
 
   NativeFileName path_;
   std::error_code error_;
 #ifdef _WIN32
-  bool CloseAndMove(const NativeFileName& target, unsigned long flags);
+  bool Rename(const NativeFileName& target, bool replace);
   void* handle_ = nullptr;
 #else
   int descriptor_ = -1;

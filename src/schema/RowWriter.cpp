@@ -156,8 +156,8 @@ bool RowWriter::Fail(std::u16string_view reason) {
   return false;
 }
 
-bool RowWriter::Open() {
-  // What the file is encoded in decides how rows are added to it.
+// What the file is encoded in decides how rows are added to it.
+bool RowWriter::FindEncoding() {
   TextLineStream stream;
   if (!stream.Open(path_, TextLineStream::kPlainLines)) return Fail(u"the file cannot be read");
   switch (stream.encoding()) {
@@ -172,17 +172,24 @@ bool RowWriter::Open() {
       encoding_ = Encoding::kUtf8;
       break;
   }
-  file_.pubimbue(std::locale::classic());
-  file_.pubsetbuf(nullptr, 0);
-  const fs::path native(NativeFromFileName(path_));
-  if (file_.open(native.c_str(), std::ios::out | std::ios::app | std::ios::binary) == nullptr)
-    return Fail(u"the file cannot be written");
-  EndLastLine();
   return true;
 }
 
+bool RowWriter::Open() {
+  if (!FindEncoding()) return false;
+  file_.pubimbue(std::locale::classic());
+  file_.pubsetbuf(nullptr, 0);
+  EndLastLine();
+  return Append() || Fail(u"the file cannot be written");
+}
+
+bool RowWriter::Append() {
+  const fs::path native(NativeFromFileName(path_));
+  return file_.open(native.c_str(), std::ios::out | std::ios::app | std::ios::binary) != nullptr;
+}
+
 // Rows must not run into a last line that has no end, nor follow a byte 1A, behind which nothing is
-// read.
+// read. Nobody has the file open then: some systems cut no file that is.
 void RowWriter::EndLastLine() {
   const fs::path native(NativeFromFileName(path_));
   std::filebuf reader;
@@ -202,11 +209,12 @@ void RowWriter::EndLastLine() {
   constexpr int kTextEnd = 0x1A;
   const std::streamoff before = size;
   while (size > 0 && byteAt(size - 1) == kTextEnd) --size;
-  boost::system::error_code ignored;
-  if (size < before) fs::resize_file(native, static_cast<std::uintmax_t>(size), ignored);
   const bool onlyMark = size == 3 && byteAt(0) == 0xEF && byteAt(1) == 0xBB && byteAt(2) == 0xBF;
   if (size > 0 && !onlyMark && byteAt(size - 1) != static_cast<unsigned char>(lineEnd_.back()))
     buffer_ += lineEnd_;
+  reader.close();
+  boost::system::error_code ignored;
+  if (size < before) fs::resize_file(native, static_cast<std::uintmax_t>(size), ignored);
 }
 
 bool RowWriter::Write(std::span<const VARIANT> values) {
@@ -242,7 +250,9 @@ bool RowWriter::Flush() {
   buffer_.clear();
   if (written) return true;
   // Part of a row may have reached the file.
+  file_.close();
   if (!error) fs::resize_file(native, before, error);
+  Append();
   return Fail(u"the rows could not be written");
 }
 

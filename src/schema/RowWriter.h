@@ -60,6 +60,8 @@ class RowWriter {
 
   bool Fail(std::u16string_view reason);
   bool Flush();
+  bool FindEncoding();
+  bool Append();  // opens the file for writing behind its end
   void EndLastLine();
   void AppendValue(const Column& column, const VARIANT& value);
   bool FormatValue(const Column& column, const VARIANT& value);

@@ -71,7 +71,7 @@ bool HaveSameBytes(const std::u16string& path, const std::u16string& other) {
 void Move(const std::u16string& from, const std::u16string& to) {
   const std::error_code error =
       ExclusiveFile::Move(NativeFromFileName(from), NativeFromFileName(to));
-  if (error == std::errc::file_exists) FailBecauseTaken(to);
+  if (ExclusiveFile::MeansTaken(error)) FailBecauseTaken(to);
   if (error) FailTable(to, error);
 }
 
@@ -93,7 +93,7 @@ class FinishedCopy {
   // Fails when something has the name.
   void TakeName() {
     if (file_.TakeName(NativeFromFileName(to_))) return;
-    if (file_.error() == std::errc::file_exists) FailBecauseTaken(to_);
+    if (ExclusiveFile::MeansTaken(file_.error())) FailBecauseTaken(to_);
     FailTable(to_, file_.error());
   }
 

@@ -58,9 +58,12 @@ TEST_F(FileOperationsTest, ACopyOfBadArgumentsIsRefused) {
   EXPECT_EQ(
       operations->CopyDataset(BString(u"b.csv").Get(), MakeWorkspace(folder_.Path(u"none")).Get()),
       E_FAIL);
-  EXPECT_THAT(FirstError(), HasSubstr("none/b.csv: "));
+  EXPECT_THAT(FirstError(), ::testing::ContainsRegex("none.b\\.csv: "));
   EXPECT_EQ(folder_.Names(), (std::vector<std::u16string>{u"a.csv", u"a.csv.xml", u"schema.ini"}));
 }
+
+// Windows renames no file that is open.
+#ifndef _WIN32
 
 TEST_F(FileOperationsTest, ARenamedTableGoesOnUnderItsNewName) {
   const auto table = TableWithEverything();
@@ -80,6 +83,8 @@ TEST_F(FileOperationsTest, ARenamedTableGoesOnUnderItsNewName) {
   EXPECT_THAT(Rows(OpenTable(u"Neu.CSV")), ElementsAre("BSTR:1|BSTR:one"));
   EXPECT_EQ(OpenResult(u"a.csv"), static_cast<HRESULT>(0x80040351));
 }
+
+#endif
 
 TEST_F(FileOperationsTest, ARefusedNameLeavesTheTableItsOwn) {
   const auto table = TableWithEverything();

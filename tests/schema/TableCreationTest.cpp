@@ -49,7 +49,7 @@ class TableCreationTest : public testing::Test {
       return "";
     } catch (const TableFailure& failure) {
       std::string text = ToUtf8(failure.text);
-      const std::string path = ToUtf8(folder_.Path()) + "/";
+      const std::string path = ToUtf8(folder_.Path(u""));
       if (text.starts_with(path)) text.erase(0, path.size());
       return text;
     }

@@ -210,7 +210,7 @@ TEST_F(TableFilesTest, ASectionUnderTheNewNameSurvivesAFailure) {
   folder_.MakeFolder(u"to");
   folder_.Write(u"to/schema.ini", "[b.csv]\nCol1=Kept Text\n");
   // No file can be made under the temporary name.
-  folder_.MakeLink(u"to/~b.csv.tmp", u"nowhere");
+  if (!folder_.MakeLink(u"to/~b.csv.tmp", u"nowhere")) GTEST_SKIP() << "links cannot be made here";
   EXPECT_NE(Refusal([&] { CopyTableFiles(In(u"a.csv"), {folder_.Path(u"to"), u"b.csv"}); }), "");
   EXPECT_EQ(folder_.Read(u"to/schema.ini"), "[b.csv]\nCol1=Kept Text\n");
   EXPECT_FALSE(folder_.Exists(u"to/b.csv"));
@@ -218,14 +218,15 @@ TEST_F(TableFilesTest, ASectionUnderTheNewNameSurvivesAFailure) {
 }
 
 TEST_F(TableFilesTest, AMissingTargetFolderIsNamed) {
+  const std::string kSeparator(1, static_cast<char>(boost::filesystem::path::preferred_separator));
   EXPECT_THAT(Refusal([&] {
                 CopyTableFiles(In(u"a.csv"), {folder_.Path(u"no"), u"b.csv"});
               }),
-              testing::StartsWith(ToUtf8(folder_.Path(u"no/b.csv")) + ": "));
+              testing::StartsWith(ToUtf8(folder_.Path(u"no")) + kSeparator + "b.csv: "));
   EXPECT_THAT(Refusal([&] {
                 CopyTableFiles(In(u"a.csv"), {u"/proc/self", u"b.csv"});
               }),
-              testing::StartsWith("/proc/self/b.csv: "));
+              testing::StartsWith("/proc/self" + kSeparator + "b.csv: "));
   ExpectUntouched();
 }
 

@@ -115,3 +115,11 @@ std::error_code ExclusiveFile::Move(const NativeFileName& from, const NativeFile
   return RenameToFree(from, to) ? std::error_code()
                                 : std::error_code(errno, std::system_category());
 }
+
+bool ExclusiveFile::MeansTaken(const std::error_code& error) noexcept {
+  return error.value() == EEXIST;
+}
+
+bool ExclusiveFile::MeansMissing(const std::error_code& error) noexcept {
+  return error.value() == ENOENT;
+}

@@ -3,6 +3,11 @@
 #include <windows.h>
 
 #include <algorithm>
+#include <cstddef>
+#include <cstring>
+#include <new>
+#include <string>
+#include <vector>
 
 namespace {
 
@@ -12,29 +17,54 @@ constexpr int kRetries = 1000;  // ten seconds; no writer needs a fraction of it
 // A file that is being deleted refuses access for a moment. A folder that cannot be written does so
 // for ever, and shall not keep a reader waiting.
 constexpr int kRefusedRetries = 20;
+constexpr int kRenameRetries = 200;  // two seconds
 
 bool IsWorthATry(DWORD error, int tries) {
   return error == ERROR_SHARING_VIOLATION ||
          (error == ERROR_ACCESS_DENIED && tries < kRefusedRetries);
 }
 
+std::error_code ErrorOf(DWORD error) { return {static_cast<int>(error), std::system_category()}; }
+
+std::wstring FullPath(const std::wstring& path) {
+  std::wstring full(::GetFullPathNameW(path.c_str(), 0, nullptr, nullptr), L'\0');
+  full.resize(
+      ::GetFullPathNameW(path.c_str(), static_cast<DWORD>(full.size()), full.data(), nullptr));
+  return full;
+}
+
+// Gives an open file another name. Nobody else can open it before it has that name.
+bool RenameByHandle(HANDLE file, const std::wstring& target, bool replace) {
+  const std::wstring full = FullPath(target);
+  const std::size_t bytes = full.size() * sizeof(wchar_t);
+  std::vector<std::byte> memory(sizeof(FILE_RENAME_INFO) + bytes);
+  auto* const rename = ::new (memory.data()) FILE_RENAME_INFO{};
+  rename->ReplaceIfExists = replace ? TRUE : FALSE;
+  rename->FileNameLength = static_cast<DWORD>(bytes);
+  std::memcpy(rename->FileName, full.data(), bytes);
+  return ::SetFileInformationByHandle(file, FileRenameInfo, rename,
+                                      static_cast<DWORD>(memory.size())) != FALSE;
+}
+
 }  // namespace
 
 bool ExclusiveFile::Fail(int systemError) noexcept {
-  error_ = std::error_code(systemError, std::system_category());
+  error_ = ErrorOf(static_cast<DWORD>(systemError));
   return false;
 }
 
 ExclusiveFile::~ExclusiveFile() {
   if (handle_ == nullptr) return;
+  // By its handle: once that is closed another writer may have a file of the name.
+  FILE_DISPOSITION_INFO gone = {TRUE};
+  ::SetFileInformationByHandle(handle_, FileDispositionInfo, &gone, sizeof gone);
   ::CloseHandle(handle_);
-  ::DeleteFileW(path_.c_str());
 }
 
 bool ExclusiveFile::Open(const NativeFileName& path) {
   HANDLE handle = INVALID_HANDLE_VALUE;
   for (int tries = 0; tries < kRetries; ++tries) {
-    handle = ::CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS,
+    handle = ::CreateFileW(path.c_str(), GENERIC_WRITE | DELETE, 0, nullptr, CREATE_ALWAYS,
                            FILE_ATTRIBUTE_NORMAL, nullptr);
     if (handle != INVALID_HANDLE_VALUE || !IsWorthATry(::GetLastError(), tries)) break;
     ::Sleep(kRetryMilliseconds);
@@ -57,23 +87,38 @@ bool ExclusiveFile::Write(std::string_view bytes) {
   return true;
 }
 
-bool ExclusiveFile::CloseAndMove(const NativeFileName& target, unsigned long flags) {
+bool ExclusiveFile::Rename(const NativeFileName& target, bool replace) {
   ::FlushFileBuffers(handle_);
-  ::CloseHandle(handle_);
-  handle_ = nullptr;
-  if (::MoveFileExW(path_.c_str(), target.c_str(), flags)) return true;
-  const DWORD failure = ::GetLastError();
-  ::DeleteFileW(path_.c_str());
+  // A reader of the target is done with it in a moment.
+  DWORD failure = 0;
+  for (int tries = 0; tries < kRenameRetries; ++tries) {
+    if (RenameByHandle(handle_, target, replace)) {
+      ::CloseHandle(handle_);
+      handle_ = nullptr;
+      return true;
+    }
+    failure = ::GetLastError();
+    if (!IsWorthATry(failure, tries)) break;
+    ::Sleep(kRetryMilliseconds);
+  }
   return Fail(static_cast<int>(failure));
 }
 
-bool ExclusiveFile::Replace(const NativeFileName& target) {
-  return CloseAndMove(target, MOVEFILE_REPLACE_EXISTING);
-}
+bool ExclusiveFile::Replace(const NativeFileName& target) { return Rename(target, true); }
 
-bool ExclusiveFile::TakeName(const NativeFileName& target) { return CloseAndMove(target, 0); }
+bool ExclusiveFile::TakeName(const NativeFileName& target) { return Rename(target, false); }
 
 std::error_code ExclusiveFile::Move(const NativeFileName& from, const NativeFileName& to) {
   if (::MoveFileExW(from.c_str(), to.c_str(), 0)) return {};
-  return std::error_code(static_cast<int>(::GetLastError()), std::system_category());
+  return ErrorOf(::GetLastError());
+}
+
+bool ExclusiveFile::MeansTaken(const std::error_code& error) noexcept {
+  const auto value = static_cast<DWORD>(error.value());
+  return value == ERROR_ALREADY_EXISTS || value == ERROR_FILE_EXISTS;
+}
+
+bool ExclusiveFile::MeansMissing(const std::error_code& error) noexcept {
+  const auto value = static_cast<DWORD>(error.value());
+  return value == ERROR_FILE_NOT_FOUND || value == ERROR_PATH_NOT_FOUND;
 }
