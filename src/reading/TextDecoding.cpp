@@ -1,8 +1,8 @@
 #include "reading/TextDecoding.h"
 
 #include <algorithm>
+#include <bit>
 #include <cstdint>
-#include <cstring>
 
 #include "host/CoreSupport/QUENRALocale.h"
 #include "platform/CodePages.h"
@@ -21,30 +21,31 @@ constexpr std::size_t kPieceBytes = std::size_t{1} << 30;
 
 constexpr bool IsContinuation(unsigned char byte) noexcept { return (byte & 0xC0) == 0x80; }
 
+// How many bytes are widened at once.
 #if defined(__SSE2__)
-constexpr std::size_t kAsciiStep = 16;
+constexpr std::size_t kStep = 16;
+#else
+constexpr std::size_t kStep = 8;
+#endif
 
-// Widens kAsciiStep bytes; false, and nothing is said about `text`, when one is above 127.
-bool WidenAsciiStep(const char* bytes, char16_t* text) noexcept {
+// Widens kStep bytes and answers how many of them stand in front of the first one above 127; the
+// units behind those are of no particular value.
+std::size_t WidenStep(const char* bytes, char16_t* text) noexcept {
+#if defined(__SSE2__)
   const __m128i narrow = _mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes));
-  if (_mm_movemask_epi8(narrow) != 0) return false;
   const __m128i zeros = _mm_setzero_si128();
   auto* const wide = reinterpret_cast<__m128i*>(text);
   _mm_storeu_si128(wide, _mm_unpacklo_epi8(narrow, zeros));
   _mm_storeu_si128(wide + 1, _mm_unpackhi_epi8(narrow, zeros));
-  return true;
-}
+  const auto above = static_cast<std::uint32_t>(_mm_movemask_epi8(narrow)) | 0x10000;
+  return static_cast<std::size_t>(std::countr_zero(above));
 #else
-constexpr std::size_t kAsciiStep = 8;
-
-bool WidenAsciiStep(const char* bytes, char16_t* text) noexcept {
-  std::uint64_t word = 0;
-  std::memcpy(&word, bytes, kAsciiStep);
-  if ((word & 0x8080808080808080u) != 0) return false;
-  for (std::size_t i = 0; i < kAsciiStep; ++i) text[i] = static_cast<unsigned char>(bytes[i]);
-  return true;
-}
+  std::size_t i = 0;
+  for (; i < kStep && static_cast<unsigned char>(bytes[i]) < 0x80; ++i)
+    text[i] = static_cast<unsigned char>(bytes[i]);
+  return i;
 #endif
+}
 
 // Widens `bytes` up to the first byte above 127 and answers how many there are. `text` has room
 // for all of them.
@@ -52,7 +53,11 @@ std::size_t WidenAscii(std::string_view bytes, char16_t* text) noexcept {
   const char* const source = bytes.data();
   const std::size_t size = bytes.size();
   std::size_t i = 0;
-  while (i + kAsciiStep <= size && WidenAsciiStep(source + i, text + i)) i += kAsciiStep;
+  while (i + kStep <= size) {
+    const std::size_t step = WidenStep(source + i, text + i);
+    i += step;
+    if (step < kStep) return i;
+  }
   for (; i < size && static_cast<unsigned char>(source[i]) < 0x80; ++i)
     text[i] = static_cast<unsigned char>(source[i]);
   return i;
