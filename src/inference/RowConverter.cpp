@@ -9,7 +9,6 @@
 #include "host/interfaces/HostClasses.h"
 #include "host/interfaces/HostTimestampOffset.h"
 #include "inference/NumberParsing.h"
-#include "inference/PlainNumber.h"
 #include "platform/OleText.h"
 
 namespace TextFile {
@@ -127,7 +126,7 @@ bool RowConverter::ConvertPlainNumber(FieldType type, std::u16string_view text,
   if (type != FieldType::kDouble && type != FieldType::kInteger && type != FieldType::kBigInteger)
     return false;
   PlainNumber number;
-  if (!ReadPlainNumber(table_->options.number.decimalSymbol, text, number)) return false;
+  if (!readPlainNumber_(table_->options.number.decimalSymbol, text, number)) return false;
   if (type == FieldType::kDouble) {
     if (!PlainDouble(number, value.dblVal)) return false;
     value.vt = VT_R8;
@@ -168,7 +167,7 @@ void RowConverter::ConvertNumber(const Cell& cell, VARIANT& value) {
   const NumberFormat::Settings& settings = table_->options.number;
   const FieldType type = plan_[cell.field].type;
   NumberValue number;
-  if (NumberFormat::Convert(settings, cell.text, type, number)) {
+  if (NumberFormat::ConvertOther(settings, cell.text, type, number)) {
     SetNumber(value, type, number);
   } else if (NumberFormat::Convert(settings, cell.text, FieldType::kDouble, number)) {
     SetDouble(value, number.real);
@@ -182,7 +181,7 @@ void RowConverter::ConvertNumber(const Cell& cell, VARIANT& value) {
 void RowConverter::ConvertDouble(const Cell& cell, VARIANT& value) {
   NumberValue number;
   double amount = 0;
-  if (NumberFormat::Convert(table_->options.number, cell.text, FieldType::kDouble, number)) {
+  if (NumberFormat::ConvertOther(table_->options.number, cell.text, FieldType::kDouble, number)) {
     SetDouble(value, number.real);
   } else if (ParseCurrency(table_->options.currency, cell.text, amount)) {
     SetDouble(value, amount);

@@ -19,6 +19,7 @@
 #include "host/DataCore/LatLongFormat.h"
 #include "inference/DateParsing.h"
 #include "inference/MismatchReport.h"
+#include "inference/PlainNumberVector.h"
 #include "platform/OleAutomation.h"
 #include "reading/Record.h"
 #include "reading/TextDatasetDescription.h"
@@ -84,6 +85,7 @@ class RowConverter {
   const std::shared_ptr<const TextDatasetDescription> table_;
   const MessageLoader loadMessage_;
   const Reported reported_;
+  const PlainNumberReader readPlainNumber_ = QuickestPlainNumberReader();
   quenra::LatLongFormat latLong_;
   std::vector<FieldPlan> plan_;  // one entry a field
   VARIANT unwanted_;             // takes the values of fields without a slot; owns nothing
