@@ -60,6 +60,24 @@ void SetNumber(VARIANT& value, FieldType type, const NumberValue& number) noexce
   }
 }
 
+// False, and `value` stays empty, when the type cannot hold the number or not by this way.
+bool SetPlainNumber(FieldType type, const PlainNumber& number, VARIANT& value) noexcept {
+  switch (type) {
+    case FieldType::kDouble:
+      if (!PlainDouble(number, value.dblVal)) return false;
+      value.vt = VT_R8;
+      return true;
+    case FieldType::kInteger:
+      if (!PlainInteger(number, value.lVal)) return false;
+      value.vt = VT_I4;
+      return true;
+    default:
+      if (!PlainInteger(number, value.llVal)) return false;
+      value.vt = VT_I8;
+      return true;
+  }
+}
+
 // The host's object for a date with an offset; null when the host cannot make one.
 IUnknown* MakeTimestamp(DATE date, SHORT offsetMinutes) noexcept {
   quenra::HostTimestampOffset* timestamp = nullptr;
@@ -91,7 +109,10 @@ void RowConverter::MakePlan() {
     else if (fields[i].type == FieldType::kString && isVirtual(i + 2, true) &&
              !fields[i + 1].isCoordinate)
       companions = Companions::kTwoTexts;
-    plan_.push_back({&unwanted_, fields[i].type, companions});
+    const FieldType type = fields[i].type;
+    const bool mayBePlainNumber =
+        type == FieldType::kDouble || type == FieldType::kInteger || type == FieldType::kBigInteger;
+    plan_.push_back({&unwanted_, type, companions, mayBePlainNumber});
   }
 }
 
@@ -99,6 +120,7 @@ std::size_t RowConverter::Convert(const Record& record) {
   if (!messages_.empty()) messages_.clear();
   const std::size_t columns = record.size();
   const std::size_t fields = plan_.size();
+  const char16_t symbol = table_->options.number.decimalSymbol;
   std::size_t field = 0;
   for (std::size_t column = 0; column < columns && field < fields; ++column) {
     const FieldPlan& plan = plan_[field];
@@ -106,7 +128,10 @@ std::size_t RowConverter::Convert(const Record& record) {
     VARIANT& value = *plan.slot;
     quenra::ClearVariant(value);
     if (plan.type != FieldType::kString) {
-      if (!ConvertPlainNumber(plan.type, text, value)) ConvertCell({field, column, text}, value);
+      PlainNumber number;
+      const bool done = plan.mayBePlainNumber && readPlainNumber_(symbol, text, number) &&
+                        SetPlainNumber(plan.type, number, value);
+      if (!done) ConvertCell({field, column, text}, value);
     } else if (plan.companions != Companions::kNone) {
       field = ConvertCoordinateText(field, record, column);
       continue;
@@ -118,26 +143,6 @@ std::size_t RowConverter::Convert(const Record& record) {
     ++field;
   }
   return field;
-}
-
-// The short way of plain numbers. False leaves `value` empty and says nothing about the text.
-bool RowConverter::ConvertPlainNumber(FieldType type, std::u16string_view text,
-                                      VARIANT& value) const noexcept {
-  if (type != FieldType::kDouble && type != FieldType::kInteger && type != FieldType::kBigInteger)
-    return false;
-  PlainNumber number;
-  if (!readPlainNumber_(table_->options.number.decimalSymbol, text, number)) return false;
-  if (type == FieldType::kDouble) {
-    if (!PlainDouble(number, value.dblVal)) return false;
-    value.vt = VT_R8;
-  } else if (type == FieldType::kInteger) {
-    if (!PlainInteger(number, value.lVal)) return false;
-    value.vt = VT_I4;
-  } else {
-    if (!PlainInteger(number, value.llVal)) return false;
-    value.vt = VT_I8;
-  }
-  return true;
 }
 
 // Any text, for any type but kString; `value` is empty.

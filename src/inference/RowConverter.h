@@ -62,6 +62,7 @@ class RowConverter {
     VARIANT* slot;  // or unwanted_
     FieldType type;
     Companions companions = Companions::kNone;
+    bool mayBePlainNumber = false;
     bool reported = false;
   };
   // A text of a record, and where it stands.
@@ -73,7 +74,6 @@ class RowConverter {
 
   void MakePlan();
   bool IsWanted(std::size_t field) const noexcept { return plan_[field].slot != &unwanted_; }
-  bool ConvertPlainNumber(FieldType type, std::u16string_view text, VARIANT& value) const noexcept;
   void ConvertCell(const Cell& cell, VARIANT& value);
   void ConvertNumber(const Cell& cell, VARIANT& value);
   void ConvertDouble(const Cell& cell, VARIANT& value);
