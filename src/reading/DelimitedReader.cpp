@@ -44,19 +44,20 @@ DelimitedReader::Step DelimitedReader::TakeFields() {
   return step == Step::kUndecided ? TakeFieldExactly() : step;
 }
 
-// Takes the fields of the line, sixteen characters at a time: a delimiter in front of the first
+// Takes the fields of the line, a block of characters at a time: a delimiter in front of the first
 // text delimiter ends a field as it stands. Undecided in front of a field that only the exact way
 // can put together.
 DelimitedReader::Step DelimitedReader::TakePlainFields() {
+  const SpecialUnitFinder finder(delimiter_, textDelimiter_);
   const char16_t* const text = line();
   std::size_t begin = cursor();
   std::size_t block = begin;
   for (;;) {
-    const SpecialUnits units = LookAtSixteen(text + block, delimiter_, textDelimiter_);
+    const SpecialUnits units = finder.Look(text + block);
     const std::uint32_t firstStop = units.stops & (0 - units.stops);
     begin = record_.AddFromLine(text, begin, block, units.delimiters & (firstStop - 1));
     if (firstStop == 0) {
-      block += 16;
+      block += SpecialUnitFinder::kBlockUnits;
       continue;
     }
     SetCursor(begin);
