@@ -5,10 +5,12 @@
 #include "host/CoreSupport/CharacterClasses.h"
 #include "host/CoreSupport/Components.h"
 #include "host/CoreSupport/DatetimeHelper.h"
+#include "host/CoreSupport/OleDays.h"
 #include "host/CoreSupport/Variant.h"
 #include "host/interfaces/HostClasses.h"
 #include "host/interfaces/HostTimestampOffset.h"
 #include "inference/NumberParsing.h"
+#include "inference/PlainDate.h"
 #include "platform/OleText.h"
 
 namespace TextFile {
@@ -92,7 +94,10 @@ IUnknown* MakeTimestamp(DATE date, SHORT offsetMinutes) noexcept {
 
 RowConverter::RowConverter(std::shared_ptr<const TextDatasetDescription> table,
                            MessageLoader loadMessage, Reported reported)
-    : table_(std::move(table)), loadMessage_(loadMessage), reported_(reported) {
+    : table_(std::move(table)),
+      loadMessage_(loadMessage),
+      reported_(reported),
+      decimalSymbol_(table_->options.number.decimalSymbol) {
   ::VariantInit(&unwanted_);
   MakePlan();
 }
@@ -112,7 +117,9 @@ void RowConverter::MakePlan() {
     const FieldType type = fields[i].type;
     const bool mayBePlainNumber =
         type == FieldType::kDouble || type == FieldType::kInteger || type == FieldType::kBigInteger;
-    plan_.push_back({&unwanted_, type, companions, mayBePlainNumber});
+    const DateFieldFormat* const plainDate =
+        HasPlainDates(fields[i].dateFormat) ? &fields[i].dateFormat : nullptr;
+    plan_.push_back({&unwanted_, type, companions, mayBePlainNumber, plainDate});
   }
 }
 
@@ -120,7 +127,6 @@ std::size_t RowConverter::Convert(const Record& record) {
   if (!messages_.empty()) messages_.clear();
   const std::size_t columns = record.size();
   const std::size_t fields = plan_.size();
-  const char16_t symbol = table_->options.number.decimalSymbol;
   std::size_t field = 0;
   for (std::size_t column = 0; column < columns && field < fields; ++column) {
     const FieldPlan& plan = plan_[field];
@@ -128,10 +134,7 @@ std::size_t RowConverter::Convert(const Record& record) {
     VARIANT& value = *plan.slot;
     quenra::ClearVariant(value);
     if (plan.type != FieldType::kString) {
-      PlainNumber number;
-      const bool done = plan.mayBePlainNumber && readPlainNumber_(symbol, text, number) &&
-                        SetPlainNumber(plan.type, number, value);
-      if (!done) ConvertCell({field, column, text}, value);
+      if (!ConvertPlainly(plan, text, value)) ConvertCell({field, column, text}, value);
     } else if (plan.companions != Companions::kNone) {
       field = ConvertCoordinateText(field, record, column);
       continue;
@@ -143,6 +146,24 @@ std::size_t RowConverter::Convert(const Record& record) {
     ++field;
   }
   return field;
+}
+
+// The short ways of plain numbers and dates. False leaves `value` empty and says nothing about the
+// text.
+inline bool RowConverter::ConvertPlainly(const FieldPlan& plan, std::u16string_view text,
+                                         VARIANT& value) const noexcept {
+  if (plan.mayBePlainNumber) {
+    PlainNumber number;
+    return readPlainNumber_(decimalSymbol_, text, number) &&
+           SetPlainNumber(plan.type, number, value);
+  }
+  if (plan.plainDate == nullptr) return false;
+  PlainDate date;
+  if (!ReadPlainDate(*plan.plainDate, text, date) ||
+      !quenra::OleDateOf(date.day, date.seconds * 1000, value.date))
+    return false;
+  value.vt = VT_DATE;
+  return true;
 }
 
 // Any text, for any type but kString; `value` is empty.

@@ -63,6 +63,7 @@ class RowConverter {
     FieldType type;
     Companions companions = Companions::kNone;
     bool mayBePlainNumber = false;
+    const DateFieldFormat* plainDate = nullptr;  // of fields whose dates may be plain
     bool reported = false;
   };
   // A text of a record, and where it stands.
@@ -74,6 +75,8 @@ class RowConverter {
 
   void MakePlan();
   bool IsWanted(std::size_t field) const noexcept { return plan_[field].slot != &unwanted_; }
+  bool ConvertPlainly(const FieldPlan& plan, std::u16string_view text,
+                      VARIANT& value) const noexcept;
   void ConvertCell(const Cell& cell, VARIANT& value);
   void ConvertNumber(const Cell& cell, VARIANT& value);
   void ConvertDouble(const Cell& cell, VARIANT& value);
@@ -85,6 +88,7 @@ class RowConverter {
   const std::shared_ptr<const TextDatasetDescription> table_;
   const MessageLoader loadMessage_;
   const Reported reported_;
+  const char16_t decimalSymbol_;
   const PlainNumberReader readPlainNumber_ = QuickestPlainNumberReader();
   quenra::LatLongFormat latLong_;
   std::vector<FieldPlan> plan_;  // one entry a field

@@ -85,14 +85,14 @@ DelimitedReader::Step DelimitedReader::TakeQuotedField() {
     const char16_t behind = text[close + 1];
     if (behind == textDelimiter_) {
       // Doubled, it is one of the text, which then has to be put together.
-      record_.Append({text + begin, close + 1 - begin});
+      record_.AppendFromLine(text, begin, close + 1);
       begin = close + 2;
     } else if (behind != delimiter_ && behind != 0) {
       break;
     } else if (record_.OpenField().empty()) {
       return AddField(begin, close, close + 1);
     } else {
-      record_.Append({text + begin, close - begin});
+      record_.AppendFromLine(text, begin, close);
       record_.EndField();
       return GoBehind(close + 1);
     }

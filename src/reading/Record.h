@@ -17,6 +17,7 @@
 #include <vector>
 
 #include "host/CoreSupport/CharacterClasses.h"
+#include "reading/UnitBuffer.h"
 
 namespace TextFile {
 
@@ -34,18 +35,19 @@ class Record {
   }
 
   void Clear() noexcept {
-    text_.clear();
+    text_.Shorten(0);
     count_ = 0;
     open_ = 0;
   }
 
   // The field that is being put together.
-  std::u16string_view OpenField() const noexcept {
-    return {text_.data() + open_, text_.size() - open_};
+  std::u16string_view OpenField() const noexcept { return text_.View().substr(open_); }
+  void Append(char16_t unit) { text_.Append(unit); }
+  // Adds to it [begin, end) of `line`, behind whose end kSearchPadding units can be read.
+  void AppendFromLine(const char16_t* line, std::size_t begin, std::size_t end) {
+    text_.AppendInSteps(line + begin, end - begin);
   }
-  void Append(char16_t unit) { text_.push_back(unit); }
-  void Append(std::u16string_view units) { text_.append(units); }
-  void DropOpenField() noexcept { text_.resize(open_); }
+  void DropOpenField() noexcept { text_.Shorten(open_); }
 
   // The open field becomes the last field, and an empty one is opened.
   void EndField() { EndFieldAs(OpenField()); }
@@ -107,7 +109,7 @@ class Record {
 
   std::vector<Field> fields_;  // the first count_ are the record's
   std::size_t count_ = 0;
-  std::u16string text_;             // the fields that are no parts of the line, and the open field
+  UnitBuffer text_;                 // the fields that are no parts of the line, and the open field
   std::size_t open_ = 0;            // where the open field begins in text_
   const char16_t* line_ = nullptr;  // what the other fields are parts of
   std::u16string kept_;             // a copy of that line, for records that go on behind it
