@@ -202,14 +202,6 @@ void MakeFolders(const std::string& file) {
     ::mkdir(file.substr(0, slash).c_str(), 0700);
 }
 
-// The list of classes is always there on Windows, so nobody deletes it. Here it goes with its last
-// class.
-void DropEmptyClassList(RegistryKey& root) {
-  const auto list = root.subkeys.find(u"CLSID");
-  if (list != root.subkeys.end() && list->second.subkeys.empty() && list->second.values.empty())
-    root.subkeys.erase(list);
-}
-
 LSTATUS ReadFile(const std::string& path, RegistryKey& root) {
   errno = 0;
   std::ifstream stream(path, std::ios::binary);
@@ -275,7 +267,6 @@ LSTATUS UpdateRegistry(const std::function<LSTATUS(RegistryKey& root)>& change) 
   LSTATUS result = ReadFile(path, root);
   if (result == static_cast<LSTATUS>(ERROR_SUCCESS)) result = change(root);
   if (result != static_cast<LSTATUS>(ERROR_SUCCESS)) return result;
-  DropEmptyClassList(root);
   std::string bytes = kHeader;
   AppendKey(bytes, root, {});
   if (!file.Write(bytes) || !file.Replace(path)) return ErrorOf(file.error().value());
