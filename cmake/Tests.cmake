@@ -21,7 +21,8 @@ target_include_directories(test_settings INTERFACE
   "${PROJECT_SOURCE_DIR}/src" "${PROJECT_SOURCE_DIR}/tests" "${PROJECT_SOURCE_DIR}")
 target_compile_definitions(test_settings INTERFACE
   TEST_DATA_DIR="${PROJECT_SOURCE_DIR}/tests/data"
-  EXAMPLES_DIR="${PROJECT_SOURCE_DIR}/examples")
+  EXAMPLES_DIR="${PROJECT_SOURCE_DIR}/examples"
+  PROJECT_VERSION_TEXT="${PROJECT_VERSION}")
 target_link_libraries(test_settings INTERFACE
   project_warnings Boost::filesystem Threads::Threads ${CMAKE_DL_LIBS})
 link_existing(test_settings INTERFACE quenraHost quenraCom)
