@@ -26,10 +26,6 @@ target_compile_definitions(test_settings INTERFACE
 target_link_libraries(test_settings INTERFACE
   project_warnings Boost::filesystem Threads::Threads ${CMAKE_DL_LIBS})
 link_existing(test_settings INTERFACE quenraHost quenraCom)
-if(WIN32 AND CMAKE_CROSSCOMPILING)
-  # Building the tests is most of the work of a check on another system.
-  target_compile_options(test_settings INTERFACE -O1)
-endif()
 if(TARGET quenraDataSourcesFile)
   target_compile_definitions(test_settings INTERFACE
     MODULE_FILE="$<TARGET_FILE:quenraDataSourcesFile>")
@@ -38,9 +34,18 @@ if(TARGET texttables)
   target_compile_definitions(test_settings INTERFACE PROGRAM_FILE="$<TARGET_FILE:texttables>")
 endif()
 
+# Compiling the tests is most of the work of a check, and what they test is compiled as it is
+# installed. The last -O counts.
+if(SANITIZE)
+  set(test_optimization -O0)
+elseif(CMAKE_BUILD_TYPE STREQUAL "Release")
+  set(test_optimization -O1)
+endif()
+
 if(support_sources)
   add_library(test_support OBJECT ${support_sources})
   target_link_libraries(test_support PUBLIC test_settings GTest::gtest GTest::gmock)
+  target_compile_options(test_support PRIVATE ${test_optimization})
 endif()
 
 # Under Wine a few tests are left out, each with its reason in this list.
@@ -58,6 +63,7 @@ function(add_test_program name)
   add_executable(${name} ${ARGN})
   target_link_libraries(${name} PRIVATE
     test_settings GTest::gtest GTest::gmock GTest::gtest_main)
+  target_compile_options(${name} PRIVATE ${test_optimization})
   # The tests of modules look up a string table that the program itself exports.
   set_target_properties(${name} PROPERTIES ENABLE_EXPORTS ON)
   link_existing(${name} PRIVATE test_support)
