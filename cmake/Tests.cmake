@@ -70,7 +70,8 @@ function(add_test_program name)
   # The path is relative, since a Windows program takes no other path of this system.
   add_test(NAME ${name} COMMAND ${name} "--gtest_output=json:test-results/${name}.json"
     ${test_filter} WORKING_DIRECTORY "${CMAKE_BINARY_DIR}")
-  set_tests_properties(${name} PROPERTIES TIMEOUT 900)
+  # Only a program that hangs takes so long, however slow the machine.
+  set_tests_properties(${name} PROPERTIES TIMEOUT 1800)
   if(WIN32 AND NOT name STREQUAL "unit_tests")
     # There is one registry, and a registration changes what the program loads.
     set_tests_properties(${name} PROPERTIES RESOURCE_LOCK registry)
@@ -121,7 +122,7 @@ if(WIN32 AND CMAKE_CROSSCOMPILING AND TARGET texttables AND TARGET quenraDataSou
     COMMAND "${PROJECT_SOURCE_DIR}/scripts/compare-with-native" "$<TARGET_FILE:texttables>")
   add_test(NAME registration
     COMMAND "${PROJECT_SOURCE_DIR}/scripts/test-registration" "$<TARGET_FILE:texttables>")
-  set_tests_properties(same_as_native registration PROPERTIES RESOURCE_LOCK registry TIMEOUT 900)
+  set_tests_properties(same_as_native registration PROPERTIES RESOURCE_LOCK registry TIMEOUT 1800)
 endif()
 
 if(NOT WIN32)
