@@ -9,7 +9,6 @@
 #include "host/interfaces/HostClasses.h"
 #include "host/interfaces/HostTimestampOffset.h"
 #include "inference/NumberParsing.h"
-#include "inference/PlainNumber.h"
 #include "platform/OleText.h"
 
 namespace TextFile {
@@ -28,6 +27,13 @@ void SetNull(VARIANT& value) noexcept { value.vt = VT_NULL; }
 void SetDouble(VARIANT& value, double number) noexcept {
   value.dblVal = number;
   value.vt = VT_R8;
+}
+
+// `value` is empty.
+void SetText(VARIANT& value, std::u16string_view text) {
+  value.bstrVal = ::SysAllocStringLen(AsOle(text.data()), static_cast<UINT>(text.size()));
+  if (value.bstrVal == nullptr) throw std::bad_alloc();
+  value.vt = VT_BSTR;
 }
 
 void SetNumber(VARIANT& value, FieldType type, const NumberValue& number) noexcept {
@@ -51,6 +57,24 @@ void SetNumber(VARIANT& value, FieldType type, const NumberValue& number) noexce
     default:
       SetDouble(value, number.real);
       break;
+  }
+}
+
+// False, and `value` stays empty, when the type cannot hold the number or not by this way.
+bool SetPlainNumber(FieldType type, const PlainNumber& number, VARIANT& value) noexcept {
+  switch (type) {
+    case FieldType::kDouble:
+      if (!PlainDouble(number, value.dblVal)) return false;
+      value.vt = VT_R8;
+      return true;
+    case FieldType::kInteger:
+      if (!PlainInteger(number, value.lVal)) return false;
+      value.vt = VT_I4;
+      return true;
+    default:
+      if (!PlainInteger(number, value.llVal)) return false;
+      value.vt = VT_I8;
+      return true;
   }
 }
 
@@ -78,74 +102,52 @@ void RowConverter::MakePlan() {
   const auto isVirtual = [&](std::size_t field, bool pair) {
     return field < fields.size() && fields[field].isCoordinate && fields[field].isPair == pair;
   };
-  plan_.resize(fields.size());
   for (std::size_t i = 0; i < fields.size(); ++i) {
-    plan_[i].type = fields[i].type;
-    if (fields[i].type != FieldType::kString) continue;
-    if (isVirtual(i + 1, false))
-      plan_[i].companions = Companions::kOneText;
-    else if (isVirtual(i + 2, true) && !fields[i + 1].isCoordinate)
-      plan_[i].companions = Companions::kTwoTexts;
+    Companions companions = Companions::kNone;
+    if (fields[i].type == FieldType::kString && isVirtual(i + 1, false))
+      companions = Companions::kOneText;
+    else if (fields[i].type == FieldType::kString && isVirtual(i + 2, true) &&
+             !fields[i + 1].isCoordinate)
+      companions = Companions::kTwoTexts;
+    const FieldType type = fields[i].type;
+    const bool mayBePlainNumber =
+        type == FieldType::kDouble || type == FieldType::kInteger || type == FieldType::kBigInteger;
+    plan_.push_back({&unwanted_, type, companions, mayBePlainNumber});
   }
 }
 
 std::size_t RowConverter::Convert(const Record& record) {
   if (!messages_.empty()) messages_.clear();
   const std::size_t columns = record.size();
+  const std::size_t fields = plan_.size();
+  const char16_t symbol = table_->options.number.decimalSymbol;
   std::size_t field = 0;
-  for (std::size_t column = 0; column < columns && field < plan_.size(); ++column) {
-    const Companions companions = plan_[field].companions;
-    if (companions == Companions::kNone) {
-      ConvertCell({field, column, record[column]});
-      ++field;
-    } else {
-      const bool twoTexts = companions == Companions::kTwoTexts;
-      ConvertCoordinateText(field, record, column);
-      field += twoTexts ? 4 : 3;
-      if (twoTexts) ++column;
+  for (std::size_t column = 0; column < columns && field < fields; ++column) {
+    const FieldPlan& plan = plan_[field];
+    const std::u16string_view text = record[column];
+    VARIANT& value = *plan.slot;
+    quenra::ClearVariant(value);
+    if (plan.type != FieldType::kString) {
+      PlainNumber number;
+      const bool done = plan.mayBePlainNumber && readPlainNumber_(symbol, text, number) &&
+                        SetPlainNumber(plan.type, number, value);
+      if (!done) ConvertCell({field, column, text}, value);
+    } else if (plan.companions != Companions::kNone) {
+      field = ConvertCoordinateText(field, record, column);
+      continue;
+    } else if (quenra::IsBlank(text)) {
+      SetNull(value);
+    } else if (&value != &unwanted_) {
+      SetText(value, text);
     }
+    ++field;
   }
   return field;
 }
 
-void RowConverter::ConvertCell(const Cell& cell) {
-  const FieldPlan& plan = plan_[cell.field];
-  if (plan.type == FieldType::kString) {
-    if (quenra::IsBlank(cell.text))
-      DeliverNull(cell.field);
-    else
-      DeliverText(cell.field, cell.text);
-    return;
-  }
-  VARIANT& value = ClearedSlot(cell.field);
-  if (ConvertPlainly(plan.type, cell.text, value)) return;
-  if (quenra::IsBlank(cell.text))
-    SetNull(value);
-  else
-    ConvertExactly(cell, value);
-}
-
-// The short way of plain numbers. False leaves `value` empty and says nothing about the text.
-bool RowConverter::ConvertPlainly(FieldType type, std::u16string_view text,
-                                  VARIANT& value) const noexcept {
-  if (type != FieldType::kDouble && type != FieldType::kInteger && type != FieldType::kBigInteger)
-    return false;
-  PlainNumber number;
-  if (!ReadPlainNumber(table_->options.number.decimalSymbol, text, number)) return false;
-  if (type == FieldType::kDouble) {
-    if (!PlainDouble(number, value.dblVal)) return false;
-    value.vt = VT_R8;
-  } else if (type == FieldType::kInteger) {
-    if (!PlainInteger(number, value.lVal)) return false;
-    value.vt = VT_I4;
-  } else {
-    if (!PlainInteger(number, value.llVal)) return false;
-    value.vt = VT_I8;
-  }
-  return true;
-}
-
-void RowConverter::ConvertExactly(const Cell& cell, VARIANT& value) {
+// Any text, for any type but kString; `value` is empty.
+void RowConverter::ConvertCell(const Cell& cell, VARIANT& value) {
+  if (quenra::IsBlank(cell.text)) return SetNull(value);
   switch (plan_[cell.field].type) {
     case FieldType::kSmallInteger:
     case FieldType::kInteger:
@@ -170,7 +172,7 @@ void RowConverter::ConvertNumber(const Cell& cell, VARIANT& value) {
   const NumberFormat::Settings& settings = table_->options.number;
   const FieldType type = plan_[cell.field].type;
   NumberValue number;
-  if (NumberFormat::Convert(settings, cell.text, type, number)) {
+  if (NumberFormat::ConvertOther(settings, cell.text, type, number)) {
     SetNumber(value, type, number);
   } else if (NumberFormat::Convert(settings, cell.text, FieldType::kDouble, number)) {
     SetDouble(value, number.real);
@@ -184,7 +186,7 @@ void RowConverter::ConvertNumber(const Cell& cell, VARIANT& value) {
 void RowConverter::ConvertDouble(const Cell& cell, VARIANT& value) {
   NumberValue number;
   double amount = 0;
-  if (NumberFormat::Convert(table_->options.number, cell.text, FieldType::kDouble, number)) {
+  if (NumberFormat::ConvertOther(table_->options.number, cell.text, FieldType::kDouble, number)) {
     SetDouble(value, number.real);
   } else if (ParseCurrency(table_->options.currency, cell.text, amount)) {
     SetDouble(value, amount);
@@ -197,27 +199,27 @@ void RowConverter::ConvertDouble(const Cell& cell, VARIANT& value) {
 void RowConverter::ConvertDate(const Cell& cell, VARIANT& value) {
   ParsedDateTime parsed;
   if (ParseDateTime(table_->fields[cell.field].dateFormat, cell.text, parsed) &&
-      SetDate(cell, parsed, value))
+      SetDate(cell.field, parsed, value))
     return;
   SetNull(value);
   Report(cell, FieldType::kString, value);
 }
 
 // False for a day that does not exist.
-bool RowConverter::SetDate(const Cell& cell, const ParsedDateTime& parsed, VARIANT& value) {
-  const FieldPlan& plan = plan_[cell.field];
+bool RowConverter::SetDate(std::size_t field, const ParsedDateTime& parsed, VARIANT& value) {
+  const FieldType type = plan_[field].type;
   DATE date = 0;
-  if (plan.type == FieldType::kTimeOnly)
+  if (type == FieldType::kTimeOnly)
     date = FractionOfDay(parsed.time);
   else if (!quenra::DatetimeHelper::ToOADate(parsed.time, date))
     return false;
 
-  if (plan.type != FieldType::kTimestampOffset) {
+  if (type != FieldType::kTimestampOffset) {
     value.date = date;
     value.vt = VT_DATE;
     return true;
   }
-  if (plan.slot == nullptr) return true;
+  if (!IsWanted(field)) return true;
   IUnknown* timestamp = MakeTimestamp(date, parsed.offsetMinutes);
   if (timestamp == nullptr) return false;
   value.punkVal = timestamp;
@@ -225,66 +227,50 @@ bool RowConverter::SetDate(const Cell& cell, const ParsedDateTime& parsed, VARIA
   return true;
 }
 
-// Where the value of a field goes, VT_EMPTY.
-VARIANT& RowConverter::ClearedSlot(std::size_t field) noexcept {
-  VARIANT* const slot = plan_[field].slot;
-  VARIANT& value = slot != nullptr ? *slot : unwanted_;
-  quenra::ClearVariant(value);
-  return value;
-}
-
-void RowConverter::DeliverText(std::size_t field, std::u16string_view text) {
-  if (plan_[field].slot == nullptr) return;
-  VARIANT& value = ClearedSlot(field);
-  value.bstrVal = ::SysAllocStringLen(AsOle(text.data()), static_cast<UINT>(text.size()));
-  if (value.bstrVal == nullptr) throw std::bad_alloc();
-  value.vt = VT_BSTR;
-}
-
-void RowConverter::DeliverNull(std::size_t field) noexcept { SetNull(ClearedSlot(field)); }
-
 // A text column whose values hold coordinates, with its virtual fields, and in the form with two
-// texts its neighbour with them.
-void RowConverter::ConvertCoordinateText(std::size_t field, const Record& record,
-                                         std::size_t column) {
+// texts its neighbour with them. Answers the field behind them, and moves `column` to the last
+// one used. The slot of `field` is empty.
+std::size_t RowConverter::ConvertCoordinateText(std::size_t field, const Record& record,
+                                                std::size_t& column) {
+  const auto deliver = [this](std::size_t to, std::u16string_view text) {
+    if (IsWanted(to)) SetText(*plan_[to].slot, text);
+  };
   const std::u16string_view text = record[column];
   const bool blank = quenra::IsBlank(text);
   if (blank)
-    DeliverNull(field);
+    SetNull(*plan_[field].slot);
   else
-    DeliverText(field, text);
+    deliver(field, text);
+
+  const bool twoTexts = plan_[field].companions == Companions::kTwoTexts;
+  const std::size_t virtualField = field + (twoTexts ? 2 : 1);
+  for (std::size_t i = field + 1; i < virtualField + 2; ++i) quenra::ClearVariant(*plan_[i].slot);
+  VARIANT& firstValue = *plan_[virtualField].slot;
+  VARIANT& secondValue = *plan_[virtualField + 1].slot;
+  const bool parse = !blank && (IsWanted(virtualField) || IsWanted(virtualField + 1));
 
   double first = 0;
   double second = 0;
   bool parsed = false;
-  std::size_t virtualField = field + 1;
-  if (plan_[field].companions == Companions::kOneText) {
-    parsed = !blank && WantsCoordinates(virtualField) &&
-             latLong_.ParseLatLong(text, table_->fields[field].coordinateFormat, first, second);
-  } else {
-    ++virtualField;
-    if (column + 1 < record.size()) {
-      // Even a blank text of the second column is delivered as it stands.
-      const std::u16string_view neighbour = record[column + 1];
-      DeliverText(field + 1, neighbour);
-      parsed = !blank && WantsCoordinates(virtualField) &&
-               latLong_.ParseLatLong(text, neighbour, table_->fields[field + 1].coordinateFormat,
-                                     first, second);
-    } else {
-      ClearedSlot(field + 1);
-    }
+  if (!twoTexts) {
+    parsed =
+        parse && latLong_.ParseLatLong(text, table_->fields[field].coordinateFormat, first, second);
+  } else if (++column < record.size()) {
+    // Even a blank text of the second column is delivered as it stands.
+    const std::u16string_view neighbour = record[column];
+    deliver(field + 1, neighbour);
+    parsed =
+        parse && latLong_.ParseLatLong(text, neighbour, table_->fields[field + 1].coordinateFormat,
+                                       first, second);
   }
   if (parsed) {
-    SetDouble(ClearedSlot(virtualField), first);
-    SetDouble(ClearedSlot(virtualField + 1), second);
+    SetDouble(firstValue, first);
+    SetDouble(secondValue, second);
   } else {
-    DeliverNull(virtualField);
-    DeliverNull(virtualField + 1);
+    SetNull(firstValue);
+    SetNull(secondValue);
   }
-}
-
-bool RowConverter::WantsCoordinates(std::size_t virtualField) const noexcept {
-  return plan_[virtualField].slot != nullptr || plan_[virtualField + 1].slot != nullptr;
+  return virtualField + 2;
 }
 
 void RowConverter::Report(const Cell& cell, FieldType found, VARIANT& value) {

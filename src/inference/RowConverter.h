@@ -19,6 +19,7 @@
 #include "host/DataCore/LatLongFormat.h"
 #include "inference/DateParsing.h"
 #include "inference/MismatchReport.h"
+#include "inference/PlainNumberVector.h"
 #include "platform/OleAutomation.h"
 #include "reading/Record.h"
 #include "reading/TextDatasetDescription.h"
@@ -41,7 +42,9 @@ class RowConverter {
   // Where the values of a field go: a variant of the caller's, valid during every Convert, which
   // clears what it holds. Null for a field that nobody asks for: its texts are not made into BSTRs
   // and its coordinates not parsed, but its values are still checked, and mismatches reported.
-  void SetSlot(std::size_t field, VARIANT* slot) noexcept { plan_[field].slot = slot; }
+  void SetSlot(std::size_t field, VARIANT* slot) noexcept {
+    plan_[field].slot = slot != nullptr ? slot : &unwanted_;
+  }
   std::size_t fieldCount() const noexcept { return plan_.size(); }
 
   // Converts a record and answers how many fields, from the first on, it had texts for; the slots
@@ -56,9 +59,10 @@ class RowConverter {
   // The virtual fields that follow a text field.
   enum class Companions : std::uint8_t { kNone, kOneText, kTwoTexts };
   struct FieldPlan {
-    VARIANT* slot = nullptr;
+    VARIANT* slot;  // or unwanted_
     FieldType type;
     Companions companions = Companions::kNone;
+    bool mayBePlainNumber = false;
     bool reported = false;
   };
   // A text of a record, and where it stands.
@@ -69,23 +73,19 @@ class RowConverter {
   };
 
   void MakePlan();
-  void ConvertCell(const Cell& cell);
-  bool ConvertPlainly(FieldType type, std::u16string_view text, VARIANT& value) const noexcept;
-  void ConvertExactly(const Cell& cell, VARIANT& value);
+  bool IsWanted(std::size_t field) const noexcept { return plan_[field].slot != &unwanted_; }
+  void ConvertCell(const Cell& cell, VARIANT& value);
   void ConvertNumber(const Cell& cell, VARIANT& value);
   void ConvertDouble(const Cell& cell, VARIANT& value);
   void ConvertDate(const Cell& cell, VARIANT& value);
-  bool SetDate(const Cell& cell, const ParsedDateTime& parsed, VARIANT& value);
-  VARIANT& ClearedSlot(std::size_t field) noexcept;
-  void DeliverText(std::size_t field, std::u16string_view text);
-  void DeliverNull(std::size_t field) noexcept;
-  void ConvertCoordinateText(std::size_t field, const Record& record, std::size_t column);
-  bool WantsCoordinates(std::size_t virtualField) const noexcept;
+  bool SetDate(std::size_t field, const ParsedDateTime& parsed, VARIANT& value);
+  std::size_t ConvertCoordinateText(std::size_t field, const Record& record, std::size_t& column);
   void Report(const Cell& cell, FieldType found, VARIANT& value);
 
   const std::shared_ptr<const TextDatasetDescription> table_;
   const MessageLoader loadMessage_;
   const Reported reported_;
+  const PlainNumberReader readPlainNumber_ = QuickestPlainNumberReader();
   quenra::LatLongFormat latLong_;
   std::vector<FieldPlan> plan_;  // one entry a field
   VARIANT unwanted_;             // takes the values of fields without a slot; owns nothing

@@ -54,11 +54,7 @@ DelimitedReader::Step DelimitedReader::TakePlainFields() {
   for (;;) {
     const SpecialUnits units = LookAtSixteen(text + block, delimiter_, textDelimiter_);
     const std::uint32_t firstStop = units.stops & (0 - units.stops);
-    for (std::uint32_t ends = units.delimiters & (firstStop - 1); ends != 0; ends &= ends - 1) {
-      const std::size_t end = block + static_cast<std::size_t>(std::countr_zero(ends));
-      record_.AddFromLine(text, begin, end - begin);
-      begin = end + 1;
-    }
+    begin = record_.AddFromLine(text, begin, block, units.delimiters & (firstStop - 1));
     if (firstStop == 0) {
       block += 16;
       continue;

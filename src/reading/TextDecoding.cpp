@@ -1,8 +1,8 @@
 #include "reading/TextDecoding.h"
 
 #include <algorithm>
+#include <bit>
 #include <cstdint>
-#include <cstring>
 
 #include "host/CoreSupport/QUENRALocale.h"
 #include "platform/CodePages.h"
@@ -19,32 +19,35 @@ namespace {
 // The system counts in int; longer lines are converted in pieces of this many bytes.
 constexpr std::size_t kPieceBytes = std::size_t{1} << 30;
 
-constexpr bool IsContinuation(unsigned char byte) noexcept { return (byte & 0xC0) == 0x80; }
+// How many bytes are widened at once.
+constexpr std::size_t kStep = 16;
 
 #if defined(__SSE2__)
-constexpr std::size_t kAsciiStep = 16;
-
-// Widens kAsciiStep bytes; false, and nothing is said about `text`, when one is above 127.
-bool WidenAsciiStep(const char* bytes, char16_t* text) noexcept {
-  const __m128i narrow = _mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes));
-  if (_mm_movemask_epi8(narrow) != 0) return false;
+void StoreWidened(__m128i narrow, char16_t* text) noexcept {
   const __m128i zeros = _mm_setzero_si128();
   auto* const wide = reinterpret_cast<__m128i*>(text);
   _mm_storeu_si128(wide, _mm_unpacklo_epi8(narrow, zeros));
   _mm_storeu_si128(wide + 1, _mm_unpackhi_epi8(narrow, zeros));
-  return true;
-}
-#else
-constexpr std::size_t kAsciiStep = 8;
-
-bool WidenAsciiStep(const char* bytes, char16_t* text) noexcept {
-  std::uint64_t word = 0;
-  std::memcpy(&word, bytes, kAsciiStep);
-  if ((word & 0x8080808080808080u) != 0) return false;
-  for (std::size_t i = 0; i < kAsciiStep; ++i) text[i] = static_cast<unsigned char>(bytes[i]);
-  return true;
 }
 #endif
+
+constexpr bool IsContinuation(unsigned char byte) noexcept { return (byte & 0xC0) == 0x80; }
+
+// Widens kStep bytes and answers how many of them stand in front of the first one above 127; the
+// units behind those are of no particular value.
+std::size_t WidenStep(const char* bytes, char16_t* text) noexcept {
+#if defined(__SSE2__)
+  const __m128i narrow = _mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes));
+  StoreWidened(narrow, text);
+  const auto above = static_cast<std::uint32_t>(_mm_movemask_epi8(narrow)) | 0x10000;
+  return static_cast<std::size_t>(std::countr_zero(above));
+#else
+  std::size_t i = 0;
+  for (; i < kStep && static_cast<unsigned char>(bytes[i]) < 0x80; ++i)
+    text[i] = static_cast<unsigned char>(bytes[i]);
+  return i;
+#endif
+}
 
 // Widens `bytes` up to the first byte above 127 and answers how many there are. `text` has room
 // for all of them.
@@ -52,7 +55,15 @@ std::size_t WidenAscii(std::string_view bytes, char16_t* text) noexcept {
   const char* const source = bytes.data();
   const std::size_t size = bytes.size();
   std::size_t i = 0;
-  while (i + kAsciiStep <= size && WidenAsciiStep(source + i, text + i)) i += kAsciiStep;
+  while (i + kStep <= size) {
+    const std::size_t step = WidenStep(source + i, text + i);
+    i += step;
+    if (step < kStep) return i;
+  }
+  if (i < size && size >= kStep) {
+    // Once more over bytes that are known to be ASCII, rather than the last ones one by one.
+    return size - kStep + WidenStep(source + size - kStep, text + size - kStep);
+  }
   for (; i < size && static_cast<unsigned char>(source[i]) < 0x80; ++i)
     text[i] = static_cast<unsigned char>(source[i]);
   return i;
@@ -82,6 +93,17 @@ Sequence ReadSequence(std::string_view bytes) noexcept {
   return {length, character};
 }
 
+// Writes a character as UTF-16 and answers how many units that takes.
+std::size_t WriteCharacter(char32_t character, char16_t* text) noexcept {
+  if (character < 0x10000) {
+    text[0] = static_cast<char16_t>(character);
+    return 1;
+  }
+  text[0] = static_cast<char16_t>(0xD7C0 + (character >> 10));
+  text[1] = static_cast<char16_t>(0xDC00 + (character & 0x3FF));
+  return 2;
+}
+
 // Converts well-formed UTF-8 and answers how many units it makes; kIllFormed for other bytes.
 // `text` has a unit of room for each byte.
 constexpr std::size_t kIllFormed = static_cast<std::size_t>(-1);
@@ -95,12 +117,7 @@ std::size_t WidenUtf8(std::string_view bytes, char16_t* text) noexcept {
     const Sequence sequence = ReadSequence(bytes);
     if (sequence.length == 0) return kIllFormed;
     bytes.remove_prefix(sequence.length);
-    if (sequence.character < 0x10000) {
-      text[units++] = static_cast<char16_t>(sequence.character);
-    } else {
-      text[units++] = static_cast<char16_t>(0xD7C0 + (sequence.character >> 10));
-      text[units++] = static_cast<char16_t>(0xDC00 + (sequence.character & 0x3FF));
-    }
+    units += WriteCharacter(sequence.character, text + units);
   }
 }
 
@@ -133,6 +150,38 @@ bool ConvertBySystem(UINT codePage, DWORD flags, std::string_view bytes, std::si
 }
 
 }  // namespace
+
+std::size_t WidenLine(std::string_view bytes, bool asUtf8, UnitBuffer& line) {
+#if defined(__SSE2__)
+  char16_t* const text = line.Overwrite(line.capacity());
+  // There are never more units than bytes.
+  const std::size_t limit = std::min(bytes.size(), line.capacity());
+  const __m128i lineFeeds = _mm_set1_epi8('\n');
+  const __m128i zeros = _mm_setzero_si128();
+  std::size_t units = 0;
+  for (std::size_t i = 0; i + kStep <= limit;) {
+    const __m128i narrow = _mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes.data() + i));
+    StoreWidened(narrow, text + units);
+    const __m128i ends =
+        _mm_or_si128(_mm_cmpeq_epi8(narrow, lineFeeds), _mm_cmpeq_epi8(narrow, zeros));
+    // Bytes above 127 have the bit that is gathered set themselves.
+    const auto special = static_cast<std::uint32_t>(_mm_movemask_epi8(_mm_or_si128(ends, narrow)));
+    const auto plain = static_cast<std::size_t>(std::countr_zero(special | 0x10000));
+    i += plain;
+    units += plain;
+    if (special == 0) continue;
+    if (bytes[i] == '\n') {
+      line.Shorten(units);
+      return i;
+    }
+    const Sequence sequence = asUtf8 ? ReadSequence(bytes.substr(i, limit - i)) : Sequence{0};
+    if (sequence.length == 0) break;
+    i += sequence.length;
+    units += WriteCharacter(sequence.character, text + units);
+  }
+#endif
+  return kNoPlainLine;
+}
 
 void DecodeUtf8(std::string_view bytes, UnitBuffer& line) {
   if (DecodeStrictUtf8(bytes, line)) return;

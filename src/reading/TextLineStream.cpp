@@ -146,7 +146,20 @@ bool TextLineStream::ReadLine(UnitBuffer& line) {
     if (encoding_ == TextEncoding::kUndetermined) encoding_ = TextEncoding::kUtf8;
     return false;
   }
-  Decode(TakeLineBytes(), line);
+  if (!TakePlainLine(line)) Decode(TakeLineBytes(), line);
+  if (terminateLines_) line.Append(u'\0');
+  return true;
+}
+
+// Most lines: their end is found, their encoding judged and their text decoded in one pass. False
+// for a line that needs the general way; nothing is then taken.
+bool TextLineStream::TakePlainLine(UnitBuffer& line) {
+  if (!Is8Bit() || lineDelimiter_ != '\n') return false;
+  const bool asUtf8 = encoding_ != TextEncoding::kAnsi;
+  const std::size_t length = WidenLine({block_.get() + next_, end_ - next_}, asUtf8, line);
+  if (length == kNoPlainLine) return false;
+  next_ += length + 1;
+  if (EndsIn(line, u'\r')) line.DropLast();
   return true;
 }
 
@@ -233,7 +246,6 @@ void TextLineStream::Decode(std::string_view bytes, UnitBuffer& line) {
   } else {
     Decode8Bit(bytes, line);
   }
-  if (terminateLines_) line.Append(u'\0');
 }
 
 void TextLineStream::Decode8Bit(std::string_view bytes, UnitBuffer& line) {

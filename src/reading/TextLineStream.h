@@ -91,6 +91,7 @@ class TextLineStream {
   bool ReadMore();
   void CutAtTextEnd(std::size_t from) noexcept;
   bool Available();
+  bool TakePlainLine(UnitBuffer& line);
   std::string_view TakeRaw(bool& delimiterFound);
   std::string_view TakeLineBytes();
   std::string_view TakeCarriageReturnLine();

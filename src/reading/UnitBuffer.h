@@ -41,14 +41,17 @@ class UnitBuffer {
   }
 
   std::size_t size() const noexcept { return size_; }
+  // What Overwrite has without allocating.
+  std::size_t capacity() const noexcept { return capacity_; }
   // Valid until the next change.
   std::u16string_view View() const noexcept { return {units_.get(), size_}; }
   const char16_t* data() const noexcept { return units_.get(); }
 
  private:
+  static constexpr std::size_t kLeastCapacity = 512;
   // Doubling keeps the cost of lines that grow linear.
   void Grow(std::size_t least, std::size_t kept) {
-    const std::size_t capacity = std::max(least, 2 * capacity_);
+    const std::size_t capacity = std::max({least, 2 * capacity_, kLeastCapacity});
     auto larger = std::make_unique_for_overwrite<char16_t[]>(capacity);
     std::copy_n(units_.get(), kept, larger.get());
     units_ = std::move(larger);

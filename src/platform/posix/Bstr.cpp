@@ -12,6 +12,13 @@ constexpr UINT kMaxBytes = 0x7FFFFFF0;
 
 char* BlockOf(BSTR text) { return reinterpret_cast<char*>(text) - kPrefix; }
 
+// In bytes.
+UINT LengthOf(BSTR text) {
+  UINT bytes;
+  std::memcpy(&bytes, BlockOf(text), kPrefix);
+  return bytes;
+}
+
 std::size_t BlockSize(UINT bytes) { return kPrefix + bytes + sizeof(OLECHAR); }
 
 // A text of `bytes` bytes with its length and terminating zero set, null when memory is exhausted.
@@ -74,14 +81,9 @@ INT SysReAllocStringLen(BSTR* text, const OLECHAR* newText, UINT length) {
 }
 
 void SysFreeString(BSTR text) {
-  if (text != nullptr) GiveBstrBlock(BlockOf(text), BlockSize(SysStringByteLen(text)));
+  if (text != nullptr) GiveBstrBlock(BlockOf(text), BlockSize(LengthOf(text)));
 }
 
-UINT SysStringByteLen(BSTR text) {
-  if (text == nullptr) return 0;
-  UINT bytes;
-  std::memcpy(&bytes, BlockOf(text), kPrefix);
-  return bytes;
-}
+UINT SysStringByteLen(BSTR text) { return text != nullptr ? LengthOf(text) : 0; }
 
 UINT SysStringLen(BSTR text) { return SysStringByteLen(text) / static_cast<UINT>(sizeof(OLECHAR)); }
