@@ -48,6 +48,17 @@ inline char* WriteLastDigits(std::uint32_t value, int count, char* to) noexcept 
   return to + count;
 }
 
+// A number below 100; one digit when it has no more and is not padded. `to` has two bytes.
+inline char* WriteUpToTwoDigits(unsigned value, bool padded, char* to) noexcept {
+  const unsigned tens = value * 103 >> 10;
+  const auto first = static_cast<char>('0' + tens);
+  const auto last = static_cast<char>('0' + (value - 10 * tens));
+  const bool two = padded || tens != 0;
+  to[0] = two ? first : last;
+  to[1] = last;
+  return to + (two ? 2 : 1);
+}
+
 // A number below 10^8 without leading zeros.
 inline char* WriteShort(std::uint32_t value, char* to) noexcept {
   const std::uint64_t digits = EightDigits(value);
