@@ -274,10 +274,13 @@ void RowWriter::EndLastLine() {
 inline bool RowWriter::AppendStraight(const Column& column, const VARIANT& value) {
   if (column.way == Way::kGeneral) return false;
   const bool isNull = IsNull(value);
-  if (!isNull && value.vt != column.wanted) return false;
+  // A host that spares itself the copy lends its text.
+  const bool isLent =
+      column.way == Way::kText && value.vt == (VT_BSTR | VT_BYREF) && value.pbstrVal != nullptr;
+  if (!isNull && !isLent && value.vt != column.wanted) return false;
   std::u16string_view text;
   if (column.way == Way::kText && !isNull) {
-    text = ViewOf(value.bstrVal);
+    text = ViewOf(isLent ? *value.pbstrVal : value.bstrVal);
     if (text.size() > column.width) text = CutText(text, column.width);
   }
   char* const place = buffer_.Room(column.room + QuotedText::Room(text.size()));
