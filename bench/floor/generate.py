@@ -158,7 +158,7 @@ def wide(bits, rows, columns):
 
 
 def section(file_name):
-    lines = ["[%s]" % file_name, "Format=FixedLength", "ColNameHeader=False", "CharacterSet=65001"]
+    lines = ["[%s]" % file_name, "Format=FixedLength", "ColNameHeader=False"]
     for i in range(FIXED_COLUMNS):
         lines.append("Col%d=v%02d Double Width %d" % (i + 1, i, FIXED_WIDTH))
     return "\n".join(lines) + "\n"
