@@ -398,23 +398,23 @@ bool ReadTrailingHemisphere(const char*& position, Coordinate& half) noexcept {
 bool FoldedText::Fold(std::u16string_view text) noexcept {
   if (text.size() > kMaxTextLength) return false;
   char* out = bytes_.data();
-  char previous = ' ';    // swallows leading blanks
-  bool pairable = false;  // the previous byte is a single minute mark
+  *out++ = ' ';  // swallows leading blanks
   for (const char16_t c : text) {
     const char folded = FoldCharacter(c);
-    if (folded == kRefused) return false;
-    if (folded == ' ' && previous == ' ') continue;
-    if (folded == '\'' && pairable) {
-      out[-1] = previous = '"';
-      pairable = false;
-      continue;
+    // Most characters are neither refused nor a blank nor a minute mark, all of which are small.
+    if (folded <= '\'') {
+      if (folded == kRefused) return false;
+      if (folded == ' ' && out[-1] == ' ') continue;
+      if (folded == '\'' && out[-1] == '\'') {
+        out[-1] = '"';
+        continue;
+      }
     }
-    pairable = folded == '\'';
-    *out++ = previous = folded;
+    *out++ = folded;
   }
-  if (out != bytes_.data() && previous == ' ') --out;
+  if (out[-1] == ' ') --out;  // the one in front of all, when there is nothing else
   *out = '\0';
-  return out != bytes_.data();
+  return out > Begin();
 }
 
 bool MayStartCoordinate(std::u16string_view text) noexcept {
@@ -427,10 +427,10 @@ bool MayStartCoordinate(std::u16string_view text) noexcept {
 
 bool ReadWord(const char*& position, std::string_view word) noexcept {
   const char* p = position;
-  for (const char expected : word) {
-    if (ToUpper(*p) != ToUpper(expected)) return false;
-    ++p;
-  }
+  // Lower case is one bit away, and the other characters of the words have it set. What would take
+  // a character without it for one of these are control characters, which no folded text has.
+  for (const char expected : word)
+    if ((*p++ | 0x20) != expected) return false;
   position = p;
   return true;
 }

@@ -30,10 +30,11 @@ class FoldedText {
  public:
   // False when `text` is too long, blank, or bears a character that no notation has.
   bool Fold(std::u16string_view text) noexcept;
-  const char* Begin() const noexcept { return bytes_.data(); }
+  const char* Begin() const noexcept { return bytes_.data() + 1; }
 
  private:
-  std::array<char, kMaxTextLength + 1> bytes_{};
+  // A blank stands in front of the text, so that every character has one before it.
+  std::array<char, kMaxTextLength + 2> bytes_{};
 };
 
 // True when a text that starts like this can be a coordinate: a look at the first character that is
