@@ -91,6 +91,21 @@ struct Coordinate {
 // coordinate, or one that is out of its range; `position` and `coordinate` are then unspecified.
 bool ReadCoordinate(const char*& position, CommaUse commaUse, Coordinate& coordinate) noexcept;
 
+// Two coordinates, and how one text joins them.
+struct Pair {
+  Coordinate first;
+  Coordinate second;
+  bool twoTexts = false;
+  char separator = '\0';  // ',' ';' '/', or '\0' when there is none but a blank
+  bool blank = false;
+};
+
+// Reads the commonest notation, `40°26'46"N 79°58'56.5"W`, without folding the text: whole degrees
+// and minutes, each part with its mark, a hemisphere letter behind the seconds, at most one blank
+// or one separator and a blank between two parts. What it reads is what ReadCoordinate reads of the
+// folded halves. False, with `pair` unspecified, for any other text, which says nothing about it.
+bool ReadMarkedPair(std::u16string_view text, Pair& pair) noexcept;
+
 // Splits the digits of DDMM, DDMMSS and the like; an odd count has three digits of degrees. Fails
 // on other counts, and on minutes or seconds of 60 and more.
 bool SplitCompact(const Number& number, Coordinate& coordinate) noexcept;
