@@ -82,7 +82,7 @@ class SpecialUnitFinder {
       : delimiters_(_mm_set1_epi16(static_cast<short>(delimiter))),
         textDelimiters_(_mm_set1_epi16(static_cast<short>(textDelimiter))) {}
 
-  // Looks at the units at `text`, which can be read. Behind the first stop nothing is said about
+  // Looks at the units at `text`, which can be read. Behind the first zero nothing is said about
   // them.
   SpecialUnits Look(const char16_t* text) const noexcept {
     const SpecialUnits low = LookAtSixteen(text);
@@ -116,11 +116,12 @@ class SpecialUnitFinder {
 
   SpecialUnits Look(const char16_t* text) const noexcept {
     SpecialUnits found{};
-    for (std::uint32_t bit = 1; bit != 0 && found.stops == 0; bit <<= 1, ++text) {
+    for (std::uint32_t bit = 1; bit != 0; bit <<= 1, ++text) {
       if (*text == delimiter_)
         found.delimiters |= bit;
       else if (*text == textDelimiter_ || *text == 0)
         found.stops |= bit;
+      if (*text == 0) break;
     }
     return found;
   }
