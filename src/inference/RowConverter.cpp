@@ -12,6 +12,7 @@
 #include "inference/NumberParsing.h"
 #include "inference/PlainDate.h"
 #include "platform/OleText.h"
+#include "platform/ProcessorClones.h"
 
 namespace TextFile {
 
@@ -134,6 +135,7 @@ void RowConverter::MakePlan() {
   }
 }
 
+CLONED_FOR_PROCESSORS
 std::size_t RowConverter::Convert(const Record& record) {
   if (!messages_.empty()) messages_.clear();
   const std::size_t columns = record.size();
