@@ -7,6 +7,7 @@
 #include <locale>
 
 #include "platform/FileNames.h"
+#include "reading/RecordScan.h"
 #include "reading/TextDecoding.h"
 
 namespace TextFile {
@@ -42,6 +43,7 @@ bool TextLineStream::Open(const std::u16string& path, LineEnding ending) {
 void TextLineStream::Open(std::unique_ptr<std::streambuf> bytes, LineEnding ending,
                           std::size_t blockSize) {
   bytes_ = std::move(bytes);
+  guessedUtf8_ = false;
   terminateLines_ = ending == kTerminateLines;
   lineDelimiter_ = '\n';
   blockSize_ = blockSize;
@@ -228,6 +230,9 @@ void TextLineStream::Decode(std::string_view bytes, std::u16string& line) {
     } else if (!DecodeStrictUtf8(bytes, line)) {
       encoding_ = TextEncoding::kAnsi;
       DecodeAnsi(bytes, line);
+    } else {
+      // Characters beyond ASCII have more bytes than units.
+      guessedUtf8_ |= line.size() != bytes.size();
     }
     line.push_back(u'\0');
   }
@@ -256,6 +261,18 @@ bool TextLineStream::SkipTo(char byte) {
   }
   atEnd_ = true;
   return false;
+}
+
+void TextLineStream::SkipRecords(RecordScan& scan) {
+  if (!IsOpen() || !Is8Bit() || atEnd_) return;
+  scan.Begin();
+  for (bool more = true;;) {
+    next_ += scan.Take({block_.get() + next_, end_ - next_}, !more);
+    if (!more || scan.undecided()) return;
+    const std::size_t kept = end_ - next_;
+    more = ReadMore();
+    if (more) CutAtTextEnd(kept);
+  }
 }
 
 void TextLineStream::Rewind() {
