@@ -9,10 +9,10 @@
 #include <vector>
 
 #include "FuzzInput.h"
-#include "inference/RowConverter.h"
 #include "platform/OleText.h"
 #include "reading/ReaderFactory.h"
 #include "reading/RecordCount.h"
+#include "tests/support/ConverterWithSlots.h"
 
 namespace Fuzz {
 
@@ -27,7 +27,7 @@ inline std::u16string MessageTemplate(std::uint32_t id) {
 // Owns one value.
 class Value {
  public:
-  Value(TextFile::RowConverter& converter, std::size_t field) {
+  Value(TextFile::ConverterWithSlots& converter, std::size_t field) {
     ::VariantInit(&value_);
     converter.MoveValue(field, value_);
   }
@@ -86,8 +86,8 @@ inline bool IsSecondOfPair(const TextFile::TextDatasetDescription& table, std::s
 
 // `quick` converts the same row without the texts, which nobody asked of it.
 inline void CheckRow(const TextFile::TextDatasetDescription& table, const TextFile::Record& record,
-                     bool plainColumns, TextFile::RowConverter& converter,
-                     TextFile::RowConverter& quick) {
+                     bool plainColumns, TextFile::ConverterWithSlots& converter,
+                     TextFile::ConverterWithSlots& quick) {
   using TextFile::FieldType;
   const std::size_t count = converter.Convert(record);
   Check(count <= table.fields.size() && quick.Convert(record) == count);
@@ -101,8 +101,8 @@ inline void CheckRow(const TextFile::TextDatasetDescription& table, const TextFi
       continue;
     }
     Check(MayHold(type, value->vt) || (value->vt == VT_EMPTY && IsSecondOfPair(table, i)));
-    if (value->vt == VT_BSTR) {
-      if (plainColumns) Check(value.Text() == record[i]);
+    if (value->vt == VT_BSTR && plainColumns) Check(value.Text() == record[i]);
+    if (type == FieldType::kString) {
       Check(other->vt == VT_EMPTY);
       continue;
     }
@@ -117,8 +117,8 @@ inline void CheckRow(const TextFile::TextDatasetDescription& table, const TextFi
 template <class NextPlainRecord>
 void CheckRows(const TextFile::TextDatasetDescription& table, NextPlainRecord next) {
   const auto shared = std::make_shared<const TextFile::TextDatasetDescription>(table);
-  TextFile::RowConverter converter(shared, &MessageTemplate);
-  TextFile::RowConverter quick(shared, &MessageTemplate);
+  TextFile::ConverterWithSlots converter(shared, &MessageTemplate);
+  TextFile::ConverterWithSlots quick(shared, &MessageTemplate);
   Check(converter.fieldCount() == table.fields.size());
   for (std::size_t i = 0; i < table.fields.size(); ++i)
     if (table.fields[i].type == TextFile::FieldType::kString) quick.SetWanted(i, false);

@@ -1,10 +1,12 @@
 #include "inference/NumberParsing.h"
 
 #include <charconv>
-#include <limits>
+#include <cstring>
 #include <string>
 
 #include "host/CoreSupport/CharacterClasses.h"
+#include "inference/NarrowUnits.h"
+#include "inference/PlainNumber.h"
 
 namespace TextFile {
 
@@ -80,87 +82,84 @@ bool Narrow(const NumberFormat::Settings& settings, std::u16string_view text, Na
   return true;
 }
 
-// A number of digits and at most one decimal symbol, with nothing else but a minus in front: what
-// most numbers are. Its value is digits / 10^decimals.
-struct PlainNumber {
-  std::uint64_t digits = 0;
-  unsigned decimals = 0;
-  bool hasDecimalSymbol = false;
-  bool negative = false;
-};
-
-// False for every other text, which says nothing about whether it is a number.
-bool ReadPlainNumber(char16_t decimalSymbol, std::u16string_view text,
-                     PlainNumber& number) noexcept {
-  constexpr std::size_t kMostUnits = 20;  // 18 digits fit 64 bits, whatever they are
-  if (decimalSymbol != u'.' && decimalSymbol != u',') return false;
-  if (text.empty() || text.size() > kMostUnits) return false;
-  const char16_t* unit = text.data();
-  const char16_t* const end = unit + text.size();
-  number.negative = *unit == u'-';
-  if (number.negative) ++unit;
-  const char16_t* const first = unit;
-  const char16_t* behindSymbol = nullptr;
-  for (; unit != end; ++unit) {
-    const unsigned digit = static_cast<unsigned>(*unit) - u'0';
-    if (digit <= 9) {
-      number.digits = number.digits * 10 + digit;
-    } else if (*unit == decimalSymbol && behindSymbol == nullptr) {
-      behindSymbol = unit + 1;
-    } else {
-      return false;
-    }
-  }
-  number.hasDecimalSymbol = behindSymbol != nullptr;
-  if (number.hasDecimalSymbol) number.decimals = static_cast<unsigned>(end - behindSymbol);
-  const auto count = static_cast<std::size_t>(end - first) - (number.hasDecimalSymbol ? 1 : 0);
-  return count >= 1 && count <= 18;
-}
-
 template <class Integer>
-bool FromPlainInteger(const PlainNumber& number, NumberValue& value) noexcept {
-  if (number.hasDecimalSymbol) return false;
-  const auto magnitude = static_cast<std::int64_t>(number.digits);
-  const std::int64_t integer = number.negative ? -magnitude : magnitude;
-  if (integer < std::numeric_limits<Integer>::min() ||
-      integer > std::numeric_limits<Integer>::max())
-    return false;
+bool FromPlainInteger(const PlainNumber& plain, NumberValue& value) noexcept {
+  Integer integer = 0;
+  if (!PlainInteger(plain, integer)) return false;
   value.integer = integer;
   return true;
 }
 
-// Both the digits and the power of ten are exact in `Real`, so the one division rounds correctly.
-template <class Real, std::size_t Powers>
-bool FromPlainReal(const PlainNumber& number, const Real (&powers)[Powers],
-                   std::uint64_t largestExact, Real& value) noexcept {
-  if (number.digits > largestExact || number.decimals >= Powers) return false;
-  const Real magnitude = static_cast<Real>(number.digits) / powers[number.decimals];
-  value = number.negative ? -magnitude : magnitude;
-  return true;
-}
-
-constexpr double kPowersOfTen[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
-                                   1e8,  1e9,  1e10, 1e11, 1e12, 1e13, 1e14, 1e15,
-                                   1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
-constexpr float kSinglePowersOfTen[] = {1e0F, 1e1F, 1e2F, 1e3F, 1e4F, 1e5F,
-                                        1e6F, 1e7F, 1e8F, 1e9F, 1e10F};
-
 // False when the type cannot hold the number, or not by this way.
-bool FromPlainNumber(const PlainNumber& number, FieldType type, NumberValue& value) noexcept {
+bool FromPlainNumber(const PlainNumber& plain, FieldType type, NumberValue& value) noexcept {
   switch (type) {
     case FieldType::kSmallInteger:
-      return FromPlainInteger<std::int16_t>(number, value);
+      return FromPlainInteger<std::int16_t>(plain, value);
     case FieldType::kInteger:
-      return FromPlainInteger<std::int32_t>(number, value);
+      return FromPlainInteger<std::int32_t>(plain, value);
     case FieldType::kBigInteger:
-      return FromPlainInteger<std::int64_t>(number, value);
+      return FromPlainInteger<std::int64_t>(plain, value);
     case FieldType::kSingle:
-      return FromPlainReal(number, kSinglePowersOfTen, std::uint64_t{1} << 24, value.single);
+      return PlainSingle(plain, value.single);
     case FieldType::kDouble:
-      return FromPlainReal(number, kPowersOfTen, std::uint64_t{1} << 53, value.real);
+      return PlainDouble(plain, value.real);
     default:
       return false;
   }
+}
+
+// The characters of a number as they stand, narrow, with "." as decimal symbol: what the exact way
+// comes to for every text of at least four characters without white space around it, grouping
+// symbols and "+" in front. Those and characters that are not ASCII come out as bytes that no
+// number has, so that reading them fails.
+class NarrowNumber {
+ public:
+  static constexpr std::size_t kLeast = 4;
+  static constexpr std::size_t kMost = 64;
+
+  // `text` has kLeast to kMost units.
+  NarrowNumber(char16_t decimalSymbol, std::u16string_view text) noexcept : size_(text.size()) {
+    if (size_ >= 8) {
+      for (std::size_t i = 0; i + 8 < size_; i += 8) Put<8>(text, i);
+      Put<8>(text, size_ - 8);
+    } else {
+      Put<4>(text, 0);
+      Put<4>(text, size_ - 4);
+    }
+    if (decimalSymbol != u'.') SwapDecimalSymbol(decimalSymbol);
+  }
+
+  const char* begin() const noexcept { return bytes_; }
+  const char* end() const noexcept { return bytes_ + size_; }
+
+ private:
+  template <std::size_t Count>
+  void Put(std::u16string_view text, std::size_t at) noexcept {
+    const std::uint64_t bytes = NarrowUnits<Count>(text.data() + at);
+    std::memcpy(bytes_ + at, &bytes, Count);
+  }
+
+  // A "." that is no decimal symbol is a grouping symbol, and must not be taken for one.
+  void SwapDecimalSymbol(char16_t decimalSymbol) noexcept {
+    for (char* byte = bytes_; byte != bytes_ + size_; ++byte) {
+      if (*byte == '.')
+        *byte = ',';
+      else if (static_cast<unsigned char>(*byte) == decimalSymbol)
+        *byte = '.';
+    }
+  }
+
+  char bytes_[kMost];
+  std::size_t size_;
+};
+
+// False for every text that needs the exact way, or that is no number.
+bool ReadNarrowNumber(char16_t decimalSymbol, std::u16string_view text, FieldType type,
+                      NumberValue& value) noexcept {
+  if (text.size() < NarrowNumber::kLeast || text.size() > NarrowNumber::kMost) return false;
+  if (decimalSymbol != u'.' && decimalSymbol != u',') return false;
+  const NarrowNumber narrow(decimalSymbol, text);
+  return ReadAs(type, narrow.begin(), narrow.end(), value);
 }
 
 bool HasOnlyNumberCharacters(std::u16string_view text) noexcept {
@@ -201,7 +200,8 @@ bool NumberFormat::Convert(const Settings& settings, std::u16string_view text, F
   PlainNumber plain;
   if (ReadPlainNumber(settings.decimalSymbol, text, plain) && FromPlainNumber(plain, type, value))
     return true;
-  return ConvertExactly(settings, text, type, value);
+  return ReadNarrowNumber(settings.decimalSymbol, text, type, value) ||
+         ConvertExactly(settings, text, type, value);
 }
 
 bool NumberFormat::ConvertExactly(const Settings& settings, std::u16string_view text,

@@ -9,6 +9,7 @@
 #include "host/interfaces/HostClasses.h"
 #include "host/interfaces/HostTimestampOffset.h"
 #include "inference/NumberParsing.h"
+#include "inference/PlainNumber.h"
 #include "platform/OleText.h"
 
 namespace TextFile {
@@ -25,8 +26,15 @@ DATE FractionOfDay(const SYSTEMTIME& time) noexcept {
 void SetNull(VARIANT& value) noexcept { value.vt = VT_NULL; }
 
 void SetDouble(VARIANT& value, double number) noexcept {
-  value.vt = VT_R8;
   value.dblVal = number;
+  value.vt = VT_R8;
+}
+
+// `value` is empty.
+void SetText(VARIANT& value, std::u16string_view text) {
+  value.bstrVal = ::SysAllocStringLen(AsOle(text.data()), static_cast<UINT>(text.size()));
+  if (value.bstrVal == nullptr) throw std::bad_alloc();
+  value.vt = VT_BSTR;
 }
 
 void SetNumber(VARIANT& value, FieldType type, const NumberValue& number) noexcept {
@@ -66,13 +74,10 @@ IUnknown* MakeTimestamp(DATE date, SHORT offsetMinutes) noexcept {
 }  // namespace
 
 RowConverter::RowConverter(std::shared_ptr<const TextDatasetDescription> table,
-                           MessageLoader loadMessage)
-    : table_(std::move(table)), loadMessage_(loadMessage) {
+                           MessageLoader loadMessage, Reported reported)
+    : table_(std::move(table)), loadMessage_(loadMessage), reported_(reported) {
+  ::VariantInit(&unwanted_);
   MakePlan();
-}
-
-RowConverter::~RowConverter() {
-  for (VARIANT& value : row_) ::VariantClear(&value);
 }
 
 void RowConverter::MakePlan() {
@@ -80,59 +85,78 @@ void RowConverter::MakePlan() {
   const auto isVirtual = [&](std::size_t field, bool pair) {
     return field < fields.size() && fields[field].isCoordinate && fields[field].isPair == pair;
   };
-  plan_.reserve(fields.size());
   for (std::size_t i = 0; i < fields.size(); ++i) {
-    FieldPlan entry{fields[i].type};
-    if (entry.type == FieldType::kString && isVirtual(i + 1, false))
-      entry.companions = Companions::kOneText;
-    else if (entry.type == FieldType::kString && isVirtual(i + 2, true) &&
+    Companions companions = Companions::kNone;
+    if (fields[i].type == FieldType::kString && isVirtual(i + 1, false))
+      companions = Companions::kOneText;
+    else if (fields[i].type == FieldType::kString && isVirtual(i + 2, true) &&
              !fields[i + 1].isCoordinate)
-      entry.companions = Companions::kTwoTexts;
-    plan_.push_back(entry);
+      companions = Companions::kTwoTexts;
+    plan_.push_back({&unwanted_, fields[i].type, companions});
   }
-  row_.resize(fields.size());
-  for (VARIANT& value : row_) ::VariantInit(&value);
 }
 
 std::size_t RowConverter::Convert(const Record& record) {
   if (!messages_.empty()) messages_.clear();
-  for (VARIANT& value : row_) quenra::ClearVariant(value);
-
+  const std::size_t columns = record.size();
+  const std::size_t fields = plan_.size();
   std::size_t field = 0;
-  for (std::size_t column = 0; column < record.size() && field < plan_.size(); ++column) {
+  for (std::size_t column = 0; column < columns && field < fields; ++column) {
+    const FieldPlan& plan = plan_[field];
     const std::u16string_view text = record[column];
-    if (plan_[field].companions != Companions::kNone) {
-      const bool twoTexts = plan_[field].companions == Companions::kTwoTexts;
-      ConvertCoordinateText(field, record, column);
-      field += twoTexts ? 4 : 3;
-      if (twoTexts) ++column;
+    VARIANT& value = *plan.slot;
+    quenra::ClearVariant(value);
+    if (plan.type != FieldType::kString) {
+      if (!ConvertPlainNumber(plan.type, text, value)) ConvertCell({field, column, text}, value);
+    } else if (plan.companions != Companions::kNone) {
+      field = ConvertCoordinateText(field, record, column);
       continue;
+    } else if (quenra::IsBlank(text)) {
+      SetNull(value);
+    } else if (&value != &unwanted_) {
+      SetText(value, text);
     }
-    if (quenra::IsBlank(text))
-      SetNull(row_[field]);
-    else
-      ConvertField(field, column, text);
     ++field;
   }
   return field;
 }
 
-void RowConverter::ConvertField(std::size_t field, std::size_t column, std::u16string_view text) {
-  switch (plan_[field].type) {
+// The short way of plain numbers. False leaves `value` empty and says nothing about the text.
+bool RowConverter::ConvertPlainNumber(FieldType type, std::u16string_view text,
+                                      VARIANT& value) const noexcept {
+  if (type != FieldType::kDouble && type != FieldType::kInteger && type != FieldType::kBigInteger)
+    return false;
+  PlainNumber number;
+  if (!ReadPlainNumber(table_->options.number.decimalSymbol, text, number)) return false;
+  if (type == FieldType::kDouble) {
+    if (!PlainDouble(number, value.dblVal)) return false;
+    value.vt = VT_R8;
+  } else if (type == FieldType::kInteger) {
+    if (!PlainInteger(number, value.lVal)) return false;
+    value.vt = VT_I4;
+  } else {
+    if (!PlainInteger(number, value.llVal)) return false;
+    value.vt = VT_I8;
+  }
+  return true;
+}
+
+// Any text, for any type but kString; `value` is empty.
+void RowConverter::ConvertCell(const Cell& cell, VARIANT& value) {
+  if (quenra::IsBlank(cell.text)) return SetNull(value);
+  switch (plan_[cell.field].type) {
     case FieldType::kSmallInteger:
     case FieldType::kInteger:
     case FieldType::kSingle:
     case FieldType::kBigInteger:
-      return ConvertNumber(field, column, text);
+      return ConvertNumber(cell, value);
     case FieldType::kDouble:
-      return ConvertDouble(field, column, text);
-    case FieldType::kString:
-      return SetText(field, text);
+      return ConvertDouble(cell, value);
     case FieldType::kDate:
     case FieldType::kDateOnly:
     case FieldType::kTimeOnly:
     case FieldType::kTimestampOffset:
-      return ConvertDate(field, column, text);
+      return ConvertDate(cell, value);
     default:
       // Types that no text table has: the value stays empty.
       return;
@@ -140,44 +164,46 @@ void RowConverter::ConvertField(std::size_t field, std::size_t column, std::u16s
 }
 
 // A number that the type cannot hold is delivered as the Double that it is, and reported.
-void RowConverter::ConvertNumber(std::size_t field, std::size_t column, std::u16string_view text) {
+void RowConverter::ConvertNumber(const Cell& cell, VARIANT& value) {
   const NumberFormat::Settings& settings = table_->options.number;
+  const FieldType type = plan_[cell.field].type;
   NumberValue number;
-  if (NumberFormat::Convert(settings, text, plan_[field].type, number)) {
-    SetNumber(row_[field], plan_[field].type, number);
-  } else if (NumberFormat::Convert(settings, text, FieldType::kDouble, number)) {
-    SetDouble(row_[field], number.real);
-    Report(field, column, text, FieldType::kDouble);
+  if (NumberFormat::Convert(settings, cell.text, type, number)) {
+    SetNumber(value, type, number);
+  } else if (NumberFormat::Convert(settings, cell.text, FieldType::kDouble, number)) {
+    SetDouble(value, number.real);
+    Report(cell, FieldType::kDouble, value);
   } else {
-    SetNull(row_[field]);
-    Report(field, column, text, FieldType::kString);
+    SetNull(value);
+    Report(cell, FieldType::kString, value);
   }
 }
 
-void RowConverter::ConvertDouble(std::size_t field, std::size_t column, std::u16string_view text) {
+void RowConverter::ConvertDouble(const Cell& cell, VARIANT& value) {
   NumberValue number;
   double amount = 0;
-  if (NumberFormat::Convert(table_->options.number, text, FieldType::kDouble, number)) {
-    SetDouble(row_[field], number.real);
-  } else if (ParseCurrency(table_->options.currency, text, amount)) {
-    SetDouble(row_[field], amount);
+  if (NumberFormat::Convert(table_->options.number, cell.text, FieldType::kDouble, number)) {
+    SetDouble(value, number.real);
+  } else if (ParseCurrency(table_->options.currency, cell.text, amount)) {
+    SetDouble(value, amount);
   } else {
-    SetNull(row_[field]);
-    Report(field, column, text, FieldType::kString);
+    SetNull(value);
+    Report(cell, FieldType::kString, value);
   }
 }
 
-void RowConverter::ConvertDate(std::size_t field, std::size_t column, std::u16string_view text) {
+void RowConverter::ConvertDate(const Cell& cell, VARIANT& value) {
   ParsedDateTime parsed;
-  if (ParseDateTime(table_->fields[field].dateFormat, text, parsed) &&
-      SetDate(row_[field], plan_[field].type, parsed))
+  if (ParseDateTime(table_->fields[cell.field].dateFormat, cell.text, parsed) &&
+      SetDate(cell.field, parsed, value))
     return;
-  SetNull(row_[field]);
-  Report(field, column, text, FieldType::kString);
+  SetNull(value);
+  Report(cell, FieldType::kString, value);
 }
 
 // False for a day that does not exist.
-bool RowConverter::SetDate(VARIANT& value, FieldType type, const ParsedDateTime& parsed) {
+bool RowConverter::SetDate(std::size_t field, const ParsedDateTime& parsed, VARIANT& value) {
+  const FieldType type = plan_[field].type;
   DATE date = 0;
   if (type == FieldType::kTimeOnly)
     date = FractionOfDay(parsed.time);
@@ -185,88 +211,74 @@ bool RowConverter::SetDate(VARIANT& value, FieldType type, const ParsedDateTime&
     return false;
 
   if (type != FieldType::kTimestampOffset) {
-    value.vt = VT_DATE;
     value.date = date;
+    value.vt = VT_DATE;
     return true;
   }
+  if (!IsWanted(field)) return true;
   IUnknown* timestamp = MakeTimestamp(date, parsed.offsetMinutes);
   if (timestamp == nullptr) return false;
-  value.vt = VT_UNKNOWN;
   value.punkVal = timestamp;
+  value.vt = VT_UNKNOWN;
   return true;
 }
 
-void RowConverter::SetText(std::size_t field, std::u16string_view text) {
-  if (!plan_[field].wanted) return;
-  VARIANT& value = row_[field];
-  value.bstrVal = ::SysAllocStringLen(AsOle(text.data()), static_cast<UINT>(text.size()));
-  if (value.bstrVal == nullptr) throw std::bad_alloc();
-  value.vt = VT_BSTR;
-}
-
 // A text column whose values hold coordinates, with its virtual fields, and in the form with two
-// texts its neighbour with them.
-void RowConverter::ConvertCoordinateText(std::size_t field, const Record& record,
-                                         std::size_t column) {
+// texts its neighbour with them. Answers the field behind them, and moves `column` to the last
+// one used. The slot of `field` is empty.
+std::size_t RowConverter::ConvertCoordinateText(std::size_t field, const Record& record,
+                                                std::size_t& column) {
+  const auto deliver = [this](std::size_t to, std::u16string_view text) {
+    if (IsWanted(to)) SetText(*plan_[to].slot, text);
+  };
   const std::u16string_view text = record[column];
   const bool blank = quenra::IsBlank(text);
   if (blank)
-    SetNull(row_[field]);
+    SetNull(*plan_[field].slot);
   else
-    SetText(field, text);
+    deliver(field, text);
+
+  const bool twoTexts = plan_[field].companions == Companions::kTwoTexts;
+  const std::size_t virtualField = field + (twoTexts ? 2 : 1);
+  for (std::size_t i = field + 1; i < virtualField + 2; ++i) quenra::ClearVariant(*plan_[i].slot);
+  VARIANT& firstValue = *plan_[virtualField].slot;
+  VARIANT& secondValue = *plan_[virtualField + 1].slot;
+  const bool parse = !blank && (IsWanted(virtualField) || IsWanted(virtualField + 1));
 
   double first = 0;
   double second = 0;
   bool parsed = false;
-  std::size_t virtualField = field + 1;
-  if (plan_[field].companions == Companions::kOneText) {
-    parsed = !blank && WantsCoordinates(virtualField) &&
-             latLong_.ParseLatLong(text, table_->fields[field].coordinateFormat, first, second);
-  } else {
-    ++virtualField;
-    if (column + 1 < record.size()) {
-      // Even a blank text of the second column is delivered as it stands.
-      const std::u16string_view neighbour = record[column + 1];
-      SetText(field + 1, neighbour);
-      parsed = !blank && WantsCoordinates(virtualField) &&
-               latLong_.ParseLatLong(text, neighbour, table_->fields[field + 1].coordinateFormat,
-                                     first, second);
-    }
+  if (!twoTexts) {
+    parsed =
+        parse && latLong_.ParseLatLong(text, table_->fields[field].coordinateFormat, first, second);
+  } else if (++column < record.size()) {
+    // Even a blank text of the second column is delivered as it stands.
+    const std::u16string_view neighbour = record[column];
+    deliver(field + 1, neighbour);
+    parsed =
+        parse && latLong_.ParseLatLong(text, neighbour, table_->fields[field + 1].coordinateFormat,
+                                       first, second);
   }
   if (parsed) {
-    SetDouble(row_[virtualField], first);
-    SetDouble(row_[virtualField + 1], second);
+    SetDouble(firstValue, first);
+    SetDouble(secondValue, second);
   } else {
-    SetNull(row_[virtualField]);
-    SetNull(row_[virtualField + 1]);
+    SetNull(firstValue);
+    SetNull(secondValue);
   }
+  return virtualField + 2;
 }
 
-bool RowConverter::WantsCoordinates(std::size_t virtualField) const noexcept {
-  return plan_[virtualField].wanted || plan_[virtualField + 1].wanted;
-}
-
-void RowConverter::Report(std::size_t field, std::size_t column, std::u16string_view text,
-                          FieldType found) {
-  if (plan_[field].reported) return;
+void RowConverter::Report(const Cell& cell, FieldType found, VARIANT& value) {
+  if (plan_[cell.field].reported) return;
   Mismatch mismatch;
-  mismatch.fileColumn = column;
-  mismatch.fieldName = table_->fields[field].name;
-  mismatch.text = text;
+  mismatch.fileColumn = cell.column;
+  mismatch.fieldName = table_->fields[cell.field].name;
+  mismatch.text = cell.text;
   mismatch.found = found;
-  plan_[field].reported = true;
-  messages_[field] = ReportMismatch(*table_, mismatch, loadMessage_);
-}
-
-void RowConverter::MoveValue(std::size_t field, VARIANT& slot) noexcept {
-  slot = row_[field];
-  row_[field].vt = VT_EMPTY;
-}
-
-const std::u16string* RowConverter::MessageOf(std::size_t field) const noexcept {
-  if (messages_.empty()) return nullptr;
-  const auto found = messages_.find(field);
-  return found == messages_.end() ? nullptr : &found->second;
+  plan_[cell.field].reported = true;
+  if (reported_ == Reported::kNull) SetNull(value);
+  messages_[cell.field] = ReportMismatch(*table_, mismatch, loadMessage_);
 }
 
 }  // namespace TextFile

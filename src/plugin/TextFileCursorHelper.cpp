@@ -1,9 +1,7 @@
 #include "plugin/TextFileCursorHelper.h"
 
-#include <algorithm>
 #include <utility>
 
-#include "host/CoreSupport/Variant.h"
 #include "host/com/ComCatch.h"
 #include "plugin/TextFileErrors.h"
 #include "resources/ResourceStrings.h"
@@ -23,10 +21,7 @@ TextFileCursorHelper::TextFileCursorHelper(
     : map_(std::move(map)),
       finished_(HasNoRecord(*reader)),
       reader_(std::move(reader)),
-      converter_(std::move(table), &LoadResourceString) {
-  for (std::size_t field = 0; field < converter_.fieldCount(); ++field)
-    converter_.SetWanted(field, field < map_.size() && map_[static_cast<ULONG>(field)] >= 0);
-}
+      converter_(std::move(table), &LoadResourceString, TextFile::RowConverter::Reported::kNull) {}
 
 HRESULT STDMETHODCALLTYPE TextFileCursorHelper::AdvanceRecord() try {
   if (!finished_) finished_ = !reader_->ReadRecord();
@@ -52,28 +47,29 @@ HRESULT STDMETHODCALLTYPE TextFileCursorHelper::ReadRecordShape(IUnknown* geomet
 
 HRESULT STDMETHODCALLTYPE TextFileCursorHelper::ReadRecordValuesFast(HostFieldValue* values) try {
   if (values == nullptr) return E_POINTER;
-  const std::size_t converted = converter_.Convert(reader_->record());
-  const std::size_t count = std::min<std::size_t>(converted, map_.size());
-  for (std::size_t field = 0; field < count; ++field) {
-    // Only -1 is agreed upon, but no other negative entry can name a slot either.
-    const LONG slot = map_[static_cast<ULONG>(field)];
-    if (slot >= 0) StoreValue(field, values[slot].value);
-  }
+  if (values != values_) AimAt(values);
+  converter_.Convert(reader_->record());
+  // A value that does not fit never stops the cursor: the host finds the text in the error chain.
+  for (const auto& [field, message] : converter_.messages())
+    if (SlotOf(field) >= 0) ChainTextFileError(kFieldValueError, message);
   return S_OK;
 } catch (...) {
   return HResultFromCurrentException();
 }
 
-void TextFileCursorHelper::StoreValue(std::size_t field, VARIANT& slot) {
-  ClearVariant(slot);
-  const std::u16string* const message = converter_.MessageOf(field);
-  if (message == nullptr) {
-    converter_.MoveValue(field, slot);
-    return;
+// Only -1 is agreed upon for fields that are not wanted, but no other negative entry can name a
+// slot either.
+LONG TextFileCursorHelper::SlotOf(std::size_t field) const noexcept {
+  return field < map_.size() ? map_[static_cast<ULONG>(field)] : -1;
+}
+
+// Hosts keep their slots for all rows, so that this happens once.
+void TextFileCursorHelper::AimAt(HostFieldValue* values) noexcept {
+  for (std::size_t field = 0; field < converter_.fieldCount(); ++field) {
+    const LONG slot = SlotOf(field);
+    converter_.SetSlot(field, slot >= 0 ? &values[slot].value : nullptr);
   }
-  slot.vt = VT_NULL;
-  // A value that does not fit never stops the cursor: the host finds the text in the error chain.
-  ChainTextFileError(kFieldValueError, *message);
+  values_ = values;
 }
 
 }  // namespace quenra

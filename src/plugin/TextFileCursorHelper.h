@@ -35,12 +35,14 @@ class TextFileCursorHelper final : public Implements<IPlugInCursorHelper, IPlugI
   HRESULT STDMETHODCALLTYPE ReadRecordValuesFast(HostFieldValue* values) override;
 
  private:
-  void StoreValue(std::size_t field, VARIANT& slot);
+  LONG SlotOf(std::size_t field) const noexcept;
+  void AimAt(HostFieldValue* values) noexcept;
 
   const FieldMap map_;
   bool finished_;
   const TextFile::ReaderPtr reader_;
   TextFile::RowConverter converter_;
+  HostFieldValue* values_ = nullptr;  // whose slots the converter fills
 };
 
 }  // namespace quenra

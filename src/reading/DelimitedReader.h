@@ -30,18 +30,13 @@ class DelimitedReader final : public Reader {
   // What a step of splitting has come to.
   enum class Step { kField, kRecord, kUndecided };
 
-  // A field that is the part [begin, begin + length) of its line; the next one begins at `next`.
-  struct PlainField {
-    Step step;
-    std::size_t begin = 0;
-    std::size_t length = 0;
-    std::size_t next = 0;
-  };
-
   Step TakeFields();
   Step TakePlainFields();
-  PlainField FindPlainField(const char16_t* text, std::size_t begin) const noexcept;
-  PlainField FindQuotedField(const char16_t* text, std::size_t quote) const noexcept;
+  Step TakeStoppedField(std::size_t stop);
+  Step TakeQuotedField();
+  Step TakeFieldWithQuotes(std::size_t quote);
+  Step AddField(std::size_t begin, std::size_t end, std::size_t delimiter);
+  Step GoBehind(std::size_t delimiter) noexcept;
   Step TakeFieldExactly();
   bool TakeQuote(bool quoting, bool& hasText);
   void EndRecord();

@@ -39,11 +39,11 @@ void Reader::ReadHeader(TypeInference& inference, SchemaOptions& options) {
 
 bool Reader::ReadNextLine() {
   if (!record_.empty() || !record_.OpenField().empty()) {
-    record_.KeepLine(line_);
+    record_.KeepLine(line_.View());
     recordIsInOneLine_ = false;
   }
   if (!stream_.ReadLine(line_)) return false;
-  line_.append(kSearchPadding, u'\0');
+  line_.Pad(kSearchPadding);
   cursor_ = 0;
   lineUsedUp_ = false;
   return true;

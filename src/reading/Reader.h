@@ -75,7 +75,7 @@ class Reader {
   // line is left.
   bool TakeCharacter(char16_t& unit) {
     if (!EnsureLine()) return false;
-    unit = line_[cursor_];
+    unit = line_.data()[cursor_];
     if (unit != u'\0') {
       ++cursor_;
       return true;
@@ -87,7 +87,7 @@ class Reader {
 
   // The character that TakeCharacter would take from the current line.
   char16_t PeekCharacter() const noexcept {
-    const char16_t unit = lineUsedUp_ ? u'\0' : line_[cursor_];
+    const char16_t unit = lineUsedUp_ ? u'\0' : line_.data()[cursor_];
     return unit != u'\0' ? unit : TerminatorUnit();
   }
 
@@ -116,7 +116,7 @@ class Reader {
   bool ReadNextLine();
 
   TextLineStream stream_;
-  std::u16string line_;            // ends in a zero unit, with kSearchPadding zeros behind it
+  UnitBuffer line_;                // ends in a zero unit, with kSearchPadding zeros behind it
   std::size_t cursor_ = 0;         // in line_
   bool lineUsedUp_ = true;         // the next character comes from the next line
   bool recordIsInOneLine_ = true;  // so far

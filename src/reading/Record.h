@@ -41,6 +41,7 @@ class Record {
     return {text_.data() + open_, text_.size() - open_};
   }
   void Append(char16_t unit) { text_.push_back(unit); }
+  void Append(std::u16string_view units) { text_.append(units); }
   void DropOpenField() noexcept { text_.resize(open_); }
 
   // The open field becomes the last field, and an empty one is opened.

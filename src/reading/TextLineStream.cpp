@@ -25,6 +25,10 @@ std::string_view DropCarriageReturn(std::string_view bytes) noexcept {
   return bytes;
 }
 
+bool EndsIn(const UnitBuffer& line, char16_t unit) noexcept {
+  return line.size() > 0 && line.View().back() == unit;
+}
+
 }  // namespace
 
 bool TextLineStream::Open(const std::u16string& path, LineEnding ending) {
@@ -43,7 +47,7 @@ bool TextLineStream::Open(const std::u16string& path, LineEnding ending) {
 void TextLineStream::Open(std::unique_ptr<std::streambuf> bytes, LineEnding ending,
                           std::size_t blockSize) {
   bytes_ = std::move(bytes);
-  guessedUtf8_ = false;
+  tookNonAscii_ = false;
   terminateLines_ = ending == kTerminateLines;
   lineDelimiter_ = '\n';
   blockSize_ = blockSize;
@@ -132,12 +136,33 @@ bool TextLineStream::Available() {
 }
 
 bool TextLineStream::ReadLine(std::u16string& line) {
+  UnitBuffer units;
+  if (!ReadLine(units)) return false;
+  line = units.View();
+  return true;
+}
+
+bool TextLineStream::ReadLine(UnitBuffer& line) {
   if (!IsOpen() || !IsReadable() || atEnd_ || !Available()) {
     atEnd_ = true;
     if (encoding_ == TextEncoding::kUndetermined) encoding_ = TextEncoding::kUtf8;
     return false;
   }
-  Decode(TakeLineBytes(), line);
+  if (!TakePlainLine(line)) Decode(TakeLineBytes(), line);
+  if (terminateLines_) line.Append(u'\0');
+  return true;
+}
+
+// Most lines: their end is found, their encoding judged and their text decoded in one pass. False
+// for a line that needs the general way; nothing is then taken.
+bool TextLineStream::TakePlainLine(UnitBuffer& line) {
+  if (!Is8Bit() || lineDelimiter_ != '\n') return false;
+  const bool asUtf8 = encoding_ != TextEncoding::kAnsi;
+  const std::size_t length = WidenLine({block_.get() + next_, end_ - next_}, asUtf8, line);
+  if (length == kNoPlainLine) return false;
+  next_ += length + 1;
+  tookNonAscii_ |= line.size() != length;
+  if (EndsIn(line, u'\r')) line.DropLast();
   return true;
 }
 
@@ -216,31 +241,26 @@ std::string_view TextLineStream::TakeUtf16Line() {
   return lineBytes_;
 }
 
-void TextLineStream::Decode(std::string_view bytes, std::u16string& line) {
+void TextLineStream::Decode(std::string_view bytes, UnitBuffer& line) {
   if (encoding_ == TextEncoding::kUtf16LE) {
     DecodeUtf16LE(bytes, line);
+    if (EndsIn(line, u'\r')) line.DropLast();
+    if (EndsIn(line, u'\0')) line.DropLast();
   } else {
-    // Text ends at a zero byte; what follows up to the line's end is dropped.
-    const std::size_t zero = bytes.find('\0');
-    if (zero != std::string_view::npos) bytes = bytes.substr(0, zero);
-    if (encoding_ == TextEncoding::kUtf8) {
-      DecodeUtf8(bytes, line);
-    } else if (encoding_ == TextEncoding::kAnsi) {
-      DecodeAnsi(bytes, line);
-    } else if (!DecodeStrictUtf8(bytes, line)) {
-      encoding_ = TextEncoding::kAnsi;
-      DecodeAnsi(bytes, line);
-    } else {
-      // Characters beyond ASCII have more bytes than units.
-      guessedUtf8_ |= line.size() != bytes.size();
-    }
-    line.push_back(u'\0');
+    Decode8Bit(bytes, line);
   }
-  // The conversion of 8-bit text keeps its terminating zero, so this strips UTF-16 alone.
-  if (!line.empty() && line.back() == u'\r') line.pop_back();
-  const bool terminated = !line.empty() && line.back() == u'\0';
-  if (terminateLines_ && !terminated) line.push_back(u'\0');
-  if (!terminateLines_ && terminated) line.pop_back();
+}
+
+void TextLineStream::Decode8Bit(std::string_view bytes, UnitBuffer& line) {
+  // Text ends at a zero byte; what follows up to the line's end is dropped.
+  bytes = bytes.substr(0, bytes.find('\0'));
+  if (encoding_ == TextEncoding::kUtf8) return DecodeUtf8(bytes, line);
+  if (encoding_ == TextEncoding::kUndetermined && DecodeStrictUtf8(bytes, line)) {
+    tookNonAscii_ |= line.size() != bytes.size();
+    return;
+  }
+  encoding_ = TextEncoding::kAnsi;
+  DecodeAnsi(bytes, line);
 }
 
 bool TextLineStream::SkipTo(char byte) {

@@ -2,7 +2,7 @@
 //
 //   TextLineStream stream;
 //   stream.Open(u"/data/cities.csv", TextLineStream::kTerminateLines);
-//   std::u16string line;
+//   UnitBuffer line;
 //   while (stream.ReadLine(line)) ...  // "id;name\0", "1;Zürich\0", ...
 //
 // The stream recognises a byte-order mark, decides the encoding of a file without one line by
@@ -17,6 +17,8 @@
 #include <streambuf>
 #include <string>
 #include <string_view>
+
+#include "reading/UnitBuffer.h"
 
 namespace TextFile {
 
@@ -57,6 +59,7 @@ class TextLineStream {
   // Replaces `line` by the next line, without its line delimiter. False at the end, and for
   // encodings that read as empty; `line` is then unspecified.
   // A file without a mark that was UTF-8 to its end becomes kUtf8 there.
+  bool ReadLine(UnitBuffer& line);
   bool ReadLine(std::u16string& line);
 
   // Goes on before the next `byte` of the data (in UTF-16 files: before the next such unit). False
@@ -68,7 +71,7 @@ class TextLineStream {
   void SkipRecords(RecordScan& scan);
 
   // Whether a line that is not all ASCII has been taken for UTF-8 because it could be.
-  bool HasGuessedUtf8() const noexcept { return guessedUtf8_; }
+  bool HasGuessedUtf8() const noexcept { return tookNonAscii_ && dataStart_ == 0; }
 
   // Back to the first byte behind the mark; the encoding decided so far stays.
   void Rewind();
@@ -97,16 +100,18 @@ class TextLineStream {
   bool ReadMore();
   void CutAtTextEnd(std::size_t from) noexcept;
   bool Available();
+  bool TakePlainLine(UnitBuffer& line);
   std::string_view TakeRaw(bool& delimiterFound);
   std::string_view TakeLineBytes();
   std::string_view TakeCarriageReturnLine();
   std::string_view TakeUtf16Line();
-  void Decode(std::string_view bytes, std::u16string& line);
+  void Decode(std::string_view bytes, UnitBuffer& line);
+  void Decode8Bit(std::string_view bytes, UnitBuffer& line);
 
   std::unique_ptr<std::streambuf> bytes_;  // null while not open
   TextEncoding encoding_ = TextEncoding::kUndetermined;
   std::uint64_t dataStart_ = 0;  // offset in the source of the first byte behind the mark
-  bool guessedUtf8_ = false;
+  bool tookNonAscii_ = false;  // a line of UTF-8, or of what may be, that is not all ASCII
   bool terminateLines_ = false;
   char lineDelimiter_ = '\n';
   bool atEnd_ = true;

@@ -237,9 +237,9 @@ bool RowWriter::Flush() {
   const std::uintmax_t before = fs::file_size(native, error);
   std::string encoded;
   if (encoding_ == Encoding::kUtf16LE) {
-    std::u16string text;
+    UnitBuffer text;
     DecodeUtf8(buffer_, text);
-    for (const char16_t unit : text) {
+    for (const char16_t unit : text.View()) {
       encoded += static_cast<char>(unit & 0xFF);
       encoded += static_cast<char>(unit >> 8);
     }

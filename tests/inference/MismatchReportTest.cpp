@@ -8,8 +8,8 @@
 
 #include "host/AppEventLog/EventLog.h"
 #include "inference/MismatchReport.h"
-#include "inference/RowConverter.h"
 #include "reading/ReaderFactory.h"
+#include "support/ConverterWithSlots.h"
 #include "support/OpenedTable.h"
 #include "support/OrdinaryUser.h"
 #include "support/TemporaryFolder.h"
@@ -253,7 +253,7 @@ class MismatchLifeTest : public MismatchReportTest {
   // Reads all rows; the messages met, one a line.
   std::vector<std::u16string> ReadAll(OpenedTable& table) {
     const ReaderPtr reader = MakeDataReader(table.table());
-    RowConverter converter(table.shared(), &LoadMessage);
+    ConverterWithSlots converter(table.shared(), &LoadMessage);
     std::vector<std::u16string> messages;
     do {
       converter.Convert(reader->record());

@@ -1,6 +1,7 @@
 // The short way of reading plain numbers gives what the exact way gives, on every text.
 #include <gtest/gtest.h>
 
+#include <charconv>
 #include <cstring>
 #include <random>
 #include <string>
@@ -65,6 +66,35 @@ TEST(PlainNumberTest, RandomDecimalsReadTheSameBothWays) {
     if (random() % 2 == 0) digits.insert(random() % (digits.size() + 1), ".");
     if (random() % 3 == 0) digits.insert(0, "-");
     ExpectBothWaysAgree(settings, std::u16string(digits.begin(), digits.end()));
+  }
+}
+
+TEST(PlainNumberTest, NumbersOfEveryLengthAndSymbolPositionReadTheSameBothWays) {
+  const NumberFormat::Settings settings = WithDecimalSymbol(u',');
+  for (std::size_t length = 0; length <= 24; ++length) {
+    const std::u16string digits = std::u16string(u"123456789012345678901234", length);
+    for (std::size_t at = 0; at <= length; ++at) {
+      for (const char16_t other : {u',', u'.', u'-', u'+', u'e', u' ', u'\u0031', u'\u0131',
+                                   u'\u0660', u'\u8031', u'\uFF11', u'\0'}) {
+        std::u16string text = digits;
+        text.insert(at, 1, other);
+        ExpectBothWaysAgree(settings, text);
+        ExpectBothWaysAgree(settings, u"-" + text);
+      }
+    }
+  }
+}
+
+TEST(PlainNumberTest, RandomDoublesReadTheSameBothWays) {
+  std::mt19937_64 random(11);
+  const NumberFormat::Settings settings = WithDecimalSymbol(u'.');
+  for (int i = 0; i < 100000; ++i) {
+    const std::uint64_t bits = random();
+    double number = 0;
+    std::memcpy(&number, &bits, sizeof(number));
+    char text[64];
+    const auto end = std::to_chars(text, text + sizeof(text), number).ptr;
+    ExpectBothWaysAgree(settings, std::u16string(text, end));
   }
 }
 

@@ -9,9 +9,9 @@
 #include <vector>
 
 #include "host/interfaces/HostTimestampOffset.h"
-#include "inference/RowConverter.h"
 #include "platform/OleText.h"
 #include "reading/ReaderFactory.h"
+#include "support/ConverterWithSlots.h"
 #include "support/OpenedTable.h"
 #include "support/ShowText.h"
 #include "support/TemporaryFolder.h"
@@ -108,7 +108,7 @@ class RowConverterTest : public ::testing::Test {
   }
 
   // All values of the row converted last, in one line. They are gone from the converter then.
-  static std::string Values(RowConverter& converter) {
+  static std::string Values(ConverterWithSlots& converter) {
     std::string shown;
     for (std::size_t i = 0; i < converter.fieldCount(); ++i) {
       VARIANT slot;
@@ -120,7 +120,7 @@ class RowConverterTest : public ::testing::Test {
     return shown;
   }
 
-  static std::string Convert(RowConverter& converter,
+  static std::string Convert(ConverterWithSlots& converter,
                              std::initializer_list<std::u16string_view> texts) {
     converter.Convert(MakeRecord(texts));
     return Values(converter);
@@ -131,7 +131,7 @@ class RowConverterTest : public ::testing::Test {
     const TemporaryFolder folder;
     auto table = Table({field});
     table->path = folder.Path(u"t.csv");
-    RowConverter converter(table, &LoadTestMessage);
+    ConverterWithSlots converter(table, &LoadTestMessage);
     converter.Convert(MakeRecord({text}));
     const bool reported = converter.MessageOf(0) != nullptr;
     std::string shown = Values(converter);
@@ -261,7 +261,7 @@ TEST_F(RowConverterTest, NumbersFollowTheTablesDecimalSymbols) {
   table->options.number.decimalSymbol = u',';
   table->options.currency.decimalSymbol = u',';
   table->options.currency.thousandSymbol = u'.';
-  RowConverter converter(table, &LoadTestMessage);
+  ConverterWithSlots converter(table, &LoadTestMessage);
   EXPECT_EQ(Convert(converter, {u"1.234,5"}), "R8 1234.5");
   EXPECT_EQ(Convert(converter, {u"$ 1.234,5"}), "R8 1234.5");
   EXPECT_EQ(Convert(converter, {u"1.5"}), "NULL");
@@ -269,7 +269,7 @@ TEST_F(RowConverterTest, NumbersFollowTheTablesDecimalSymbols) {
 
 TEST_F(RowConverterTest, AColumnIsReportedOnceForAConverter) {
   const auto table = Table({Field(u"a", kWhole), Field(u"b", kWhole)});
-  RowConverter converter(table, &LoadTestMessage);
+  ConverterWithSlots converter(table, &LoadTestMessage);
   converter.Convert(MakeRecord({u"2.5", u"1"}));
   ASSERT_NE(converter.MessageOf(0), nullptr);
   EXPECT_EQ(*converter.MessageOf(0), u"115 t.csv 2.5 a");
@@ -288,15 +288,15 @@ TEST_F(RowConverterTest, AColumnIsReportedOnceForAConverter) {
   EXPECT_EQ(Values(converter), "NULL, NULL");
   EXPECT_EQ(folder_.Read("schema.ini"), "[t.csv]\nCol1=a Double\nCol2=b Text\n");
 
-  RowConverter second(table, &LoadTestMessage);
+  ConverterWithSlots second(table, &LoadTestMessage);
   second.Convert(MakeRecord({u"2.5", u"1"}));
   ASSERT_NE(second.MessageOf(0), nullptr) << "another cursor reports for itself";
   EXPECT_EQ(*second.MessageOf(0), u"116 t.csv 2.5 a");
 }
 
 TEST_F(RowConverterTest, ShortRecordsLeaveTheOtherFieldsEmpty) {
-  RowConverter converter(Table({Field(u"a", kWhole), Field(u"b", kText), Field(u"c", kDouble)}),
-                         &LoadTestMessage);
+  ConverterWithSlots converter(
+      Table({Field(u"a", kWhole), Field(u"b", kText), Field(u"c", kDouble)}), &LoadTestMessage);
   EXPECT_EQ(converter.fieldCount(), 3u);
   EXPECT_EQ(converter.Convert(MakeRecord({u"1", u"x", u"2.5"})), 3u);
   EXPECT_EQ(converter.Convert(MakeRecord({u"1"})), 1u) << "values of the row before are gone";
@@ -306,14 +306,14 @@ TEST_F(RowConverterTest, ShortRecordsLeaveTheOtherFieldsEmpty) {
 }
 
 TEST_F(RowConverterTest, ExtraTextsAreIgnored) {
-  RowConverter converter(Table({Field(u"a", kWhole)}), &LoadTestMessage);
+  ConverterWithSlots converter(Table({Field(u"a", kWhole)}), &LoadTestMessage);
   EXPECT_EQ(converter.Convert(MakeRecord({u"1", u"x", u"y"})), 1u);
   EXPECT_EQ(Values(converter), "I4 1");
 }
 
 TEST_F(RowConverterTest, UnwantedTextsAreNotMade) {
-  RowConverter converter(Table({Field(u"a", kText), Field(u"b", kText), Field(u"n", kWhole)}),
-                         &LoadTestMessage);
+  ConverterWithSlots converter(Table({Field(u"a", kText), Field(u"b", kText), Field(u"n", kWhole)}),
+                               &LoadTestMessage);
   converter.SetWanted(0, false);
   converter.SetWanted(2, false);
   converter.Convert(MakeRecord({u"x", u"y", u"abc"}));
@@ -328,7 +328,7 @@ TEST_F(RowConverterTest, UnwantedTextsAreNotMade) {
 }
 
 TEST_F(RowConverterTest, AMovedValueBelongsToTheSlotAlone) {
-  RowConverter converter(Table({Field(u"a", FieldType::kTimestampOffset)}), &LoadTestMessage);
+  ConverterWithSlots converter(Table({Field(u"a", FieldType::kTimestampOffset)}), &LoadTestMessage);
   converter.Convert(MakeRecord({u"2020-01-05T10:30:00+02:00"}));
   VARIANT slot;
   ::VariantInit(&slot);
@@ -367,7 +367,7 @@ class CoordinateConversionTest : public RowConverterTest {
 };
 
 TEST_F(CoordinateConversionTest, OneTextFillsTheTwoFieldsBehindIt) {
-  RowConverter converter(OneText(), &LoadTestMessage);
+  ConverterWithSlots converter(OneText(), &LoadTestMessage);
   EXPECT_EQ(converter.Convert(MakeRecord({kBoth, u"7"})), 4u);
   EXPECT_EQ(Values(converter), Text(kBoth) + ", R8 -79.75, R8 40.5, I4 7");
   EXPECT_EQ(Convert(converter, {u"nowhere", u"7"}), "BSTR \"nowhere\", NULL, NULL, I4 7");
@@ -379,7 +379,7 @@ TEST_F(CoordinateConversionTest, OneTextFillsTheTwoFieldsBehindIt) {
 }
 
 TEST_F(CoordinateConversionTest, TwoTextsFillTheTwoFieldsBehindThem) {
-  RowConverter converter(TwoTexts(), &LoadTestMessage);
+  ConverterWithSlots converter(TwoTexts(), &LoadTestMessage);
   EXPECT_EQ(converter.Convert(MakeRecord({kNorth, kWest, u"7"})), 5u);
   EXPECT_EQ(Values(converter), Text(kNorth) + ", " + Text(kWest) + ", R8 40.5, R8 -79.75, I4 7");
   EXPECT_EQ(Convert(converter, {u"nowhere", kWest, u"7"}),
@@ -398,38 +398,38 @@ TEST_F(CoordinateConversionTest, TextsAreReadInTheNotationOfTheirColumn) {
   // Whole degrees say too little alone, but are read among decimal degrees.
   FieldDefinition one = Field(u"p", kText);
   ASSERT_TRUE(quenra::LatLongFormat().IsLatLong(u"40.123N 74.123W", one.coordinateFormat));
-  RowConverter single(Table({one, Virtual(u"p_X", false), Virtual(u"p_Y", false)}),
-                      &LoadTestMessage);
+  ConverterWithSlots single(Table({one, Virtual(u"p_X", false), Virtual(u"p_Y", false)}),
+                            &LoadTestMessage);
   EXPECT_EQ(Convert(single, {u"40N 74W"}), "BSTR \"40N 74W\", R8 -74, R8 40");
   one.coordinateFormat = 0;
-  RowConverter unknown(Table({one, Virtual(u"p_X", false), Virtual(u"p_Y", false)}),
-                       &LoadTestMessage);
+  ConverterWithSlots unknown(Table({one, Virtual(u"p_X", false), Virtual(u"p_Y", false)}),
+                             &LoadTestMessage);
   EXPECT_EQ(Convert(unknown, {u"40N 74W"}), "BSTR \"40N 74W\", NULL, NULL");
 
   // Of two texts the second field carries the notation.
   FieldDefinition second = Field(u"lon", kText);
   ASSERT_TRUE(quenra::LatLongFormat().IsLatLong(u"40.123N", u"74.123W", second.coordinateFormat));
-  RowConverter pair(
+  ConverterWithSlots pair(
       Table({Field(u"lat", kText), second, Virtual(u"lat_D", true), Virtual(u"lon_D", true)}),
       &LoadTestMessage);
   EXPECT_EQ(Convert(pair, {u"40N", u"74W"}), "BSTR \"40N\", BSTR \"74W\", R8 40, R8 -74");
 }
 
 TEST_F(CoordinateConversionTest, AShortRecordHasNoCoordinatesOfTwoTexts) {
-  RowConverter converter(TwoTexts(), &LoadTestMessage);
+  ConverterWithSlots converter(TwoTexts(), &LoadTestMessage);
   converter.Convert(MakeRecord({kNorth}));
   EXPECT_EQ(Values(converter), Text(kNorth) + ", EMPTY, NULL, NULL, EMPTY");
 }
 
 TEST_F(CoordinateConversionTest, MismatchesBehindVirtualFieldsNameTheColumnOfTheFile) {
-  RowConverter converter(OneText(), &LoadTestMessage);
+  ConverterWithSlots converter(OneText(), &LoadTestMessage);
   converter.Convert(MakeRecord({kBoth, u"2.5"}));
   ASSERT_NE(converter.MessageOf(3), nullptr) << "messages count fields";
   EXPECT_EQ(folder_.Read("schema.ini"), "[t.csv]\nCol2=n Double\n") << "schema.ini counts columns";
 }
 
 TEST_F(CoordinateConversionTest, VirtualFieldsAreFilledWithoutTheTextBeingWanted) {
-  RowConverter converter(OneText(), &LoadTestMessage);
+  ConverterWithSlots converter(OneText(), &LoadTestMessage);
   converter.SetWanted(0, false);
   converter.Convert(MakeRecord({kBoth, u"7"}));
   VARIANT slot;
@@ -453,7 +453,7 @@ TEST_F(RowConverterTest, AWholeFileIsConverted) {
   OpenedTable table(folder_, u"w.csv");
   ASSERT_EQ(table.Fields(), "id:int name:text seen:date/ymd share:double");
   const ReaderPtr reader = MakeDataReader(table.table());
-  RowConverter converter(table.shared(), &LoadTestMessage);
+  ConverterWithSlots converter(table.shared(), &LoadTestMessage);
   std::vector<std::string> rows;
   do {
     converter.Convert(reader->record());

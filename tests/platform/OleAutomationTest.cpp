@@ -4,6 +4,7 @@
 #include <cstring>
 #include <string>
 #include <thread>
+#include <vector>
 
 #include "platform/OleAutomation.h"
 #include "platform/OleText.h"
@@ -114,6 +115,37 @@ TEST(BstrTest, ReallocationTakesAPartOfTheOldText) {
   EXPECT_EQ(::SysReAllocString(&text, nullptr), TRUE);
   EXPECT_EQ(text, nullptr);
   EXPECT_EQ(::SysReAllocString(nullptr, AsOle(u"a")), FALSE);
+}
+
+// Memory that is used again, in whatever thread, holds the new text alone.
+TEST(BstrTest, TextsOfEveryLengthComeAndGoInSeveralThreads) {
+  constexpr UINT kLengths = 600;
+  const auto fill = [](std::vector<BSTR>& texts) {
+    for (UINT length = 0; length < kLengths; ++length) {
+      const std::u16string text(length, static_cast<char16_t>(u'a' + length % 26));
+      texts.push_back(::SysAllocStringLen(AsOle(text.data()), length));
+    }
+  };
+  const auto checkAndFree = [](const std::vector<BSTR>& texts) {
+    for (UINT length = 0; length < kLengths; ++length) {
+      ASSERT_EQ(::SysStringLen(texts[length]), length);
+      ASSERT_EQ(ViewOf(texts[length]),
+                std::u16string(length, static_cast<char16_t>(u'a' + length % 26)));
+      ASSERT_EQ(texts[length][length], 0);
+      ::SysFreeString(texts[length]);
+    }
+  };
+  for (int round = 0; round < 3; ++round) {
+    std::vector<BSTR> mine;
+    std::vector<BSTR> others;
+    fill(mine);
+    std::thread other([&] {
+      fill(others);
+      checkAndFree(mine);
+    });
+    other.join();
+    checkAndFree(others);
+  }
 }
 
 TEST(BstrTest, ImpossibleLengthsAnswerNull) {

@@ -13,12 +13,14 @@
 
 namespace quenra {
 
-// VariantClear, without the call for values that own nothing. The variant is a valid one.
+// VariantClear, without its judging of the type for what rows are made of. The variant is a valid
+// one.
 inline void ClearVariant(VARIANT& value) noexcept {
-  if (value.vt < VT_BSTR || value.vt == VT_I8)
-    value.vt = VT_EMPTY;
-  else
+  if (value.vt == VT_BSTR)
+    ::SysFreeString(value.bstrVal);
+  else if (value.vt > VT_BSTR && value.vt != VT_I8)
     ::VariantClear(&value);
+  value.vt = VT_EMPTY;
 }
 
 class Variant {

@@ -1,21 +1,30 @@
-#include <cstdlib>
 #include <cstring>
 #include <string>
 
 #include "platform/OleAutomation.h"
+#include "platform/posix/BstrBlocks.h"
 
 namespace {
 
-// The block is malloc's own, from the length on, so that memory checkers see every misuse.
+// A block holds the length, the text and its terminating zero.
 constexpr std::size_t kPrefix = sizeof(UINT);
 constexpr UINT kMaxBytes = 0x7FFFFFF0;
 
 char* BlockOf(BSTR text) { return reinterpret_cast<char*>(text) - kPrefix; }
 
+// In bytes.
+UINT LengthOf(BSTR text) {
+  UINT bytes;
+  std::memcpy(&bytes, BlockOf(text), kPrefix);
+  return bytes;
+}
+
+std::size_t BlockSize(UINT bytes) { return kPrefix + bytes + sizeof(OLECHAR); }
+
 // A text of `bytes` bytes with its length and terminating zero set, null when memory is exhausted.
 BSTR Allocate(UINT bytes) {
   if (bytes > kMaxBytes) return nullptr;
-  auto* const block = static_cast<char*>(std::malloc(kPrefix + bytes + sizeof(OLECHAR)));
+  char* const block = TakeBstrBlock(BlockSize(bytes));
   if (block == nullptr) return nullptr;
   std::memcpy(block, &bytes, kPrefix);
   // Byte by byte: a text of an odd number of bytes ends between characters.
@@ -72,14 +81,9 @@ INT SysReAllocStringLen(BSTR* text, const OLECHAR* newText, UINT length) {
 }
 
 void SysFreeString(BSTR text) {
-  if (text != nullptr) std::free(BlockOf(text));
+  if (text != nullptr) GiveBstrBlock(BlockOf(text), BlockSize(LengthOf(text)));
 }
 
-UINT SysStringByteLen(BSTR text) {
-  if (text == nullptr) return 0;
-  UINT bytes;
-  std::memcpy(&bytes, BlockOf(text), kPrefix);
-  return bytes;
-}
+UINT SysStringByteLen(BSTR text) { return text != nullptr ? LengthOf(text) : 0; }
 
 UINT SysStringLen(BSTR text) { return SysStringByteLen(text) / static_cast<UINT>(sizeof(OLECHAR)); }

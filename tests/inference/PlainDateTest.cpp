@@ -1,0 +1,85 @@
+// The short way of reading plain dates gives what the exact way gives, on every text.
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <random>
+#include <string>
+
+#include "inference/DateParsing.h"
+#include "inference/PlainDate.h"
+#include "support/ShowText.h"
+
+namespace TextFile {
+namespace {
+
+constexpr FieldType kTypes[] = {FieldType::kDate, FieldType::kDateOnly, FieldType::kTimeOnly,
+                                FieldType::kTimestampOffset};
+constexpr DateOrder kOrders[] = {DateOrder::kAny, DateOrder::kMonthDayYear,
+                                 DateOrder::kDayMonthYear, DateOrder::kYearMonthDay};
+
+// Whether any of the formats takes the short way.
+bool ExpectBothWaysAgree(const std::u16string& text) {
+  bool plain = false;
+  for (const FieldType type : kTypes) {
+    for (const DateOrder order : kOrders) {
+      for (const std::uint32_t version : {310u, 340u}) {
+        DateFieldFormat format;
+        format.type = type;
+        format.order = order;
+        format.version = version;
+        ParsedDateTime shortWay;
+        ParsedDateTime exactWay;
+        const bool isDate = ParseDateTimeExactly(format, text, exactWay);
+        EXPECT_EQ(ParseDateTime(format, text, shortWay), isDate) << Show(text);
+        ParsedDateTime fresh;
+        plain = ReadPlainDateTime(format, text, fresh) || plain;
+        if (!isDate) continue;
+        EXPECT_EQ(std::memcmp(&shortWay.time, &exactWay.time, sizeof(SYSTEMTIME)), 0) << Show(text);
+        EXPECT_EQ(shortWay.fractionalSeconds, exactWay.fractionalSeconds) << Show(text);
+        EXPECT_EQ(shortWay.offsetMinutes, exactWay.offsetMinutes) << Show(text);
+      }
+    }
+  }
+  return plain;
+}
+
+TEST(PlainDateTest, OrdinaryDatesTakeTheShortWay) {
+  for (const char16_t* text : {u"2024-02-29", u"29.02.2024", u"02/29/2024", u"2024-02-29 10:30",
+                               u"2024.02.29T23:59:59", u"29-02-0024 00:00:00"})
+    EXPECT_TRUE(ExpectBothWaysAgree(text)) << Show(text);
+}
+
+TEST(PlainDateTest, DatesWithOneCharacterChangedAreReadTheSameBothWays) {
+  constexpr std::u16string_view kOthers = u"0123459 -./:TZ+\u0660\u0130";
+  for (const std::u16string whole :
+       {u"2024-02-29 10:30:00", u"31.12.1899T23:59", u"10/11/2012", u"2024-10-05"}) {
+    for (std::size_t i = 0; i < whole.size(); ++i) {
+      for (const char16_t other : kOthers) {
+        std::u16string text = whole;
+        text[i] = other;
+        ExpectBothWaysAgree(text);
+        text = whole;
+        text.insert(i, 1, other);
+        ExpectBothWaysAgree(text);
+      }
+      ExpectBothWaysAgree(whole.substr(0, i));
+      ExpectBothWaysAgree(whole.substr(i));
+    }
+  }
+}
+
+TEST(PlainDateTest, RandomDigitsAreReadTheSameBothWays) {
+  std::mt19937 random(3);
+  int plain = 0;
+  for (int i = 0; i < 20000; ++i) {
+    std::u16string text = i % 2 == 0 ? u"dddd-dd-dd dd:dd:dd" : u"dd.dd.ddddTdd:dd";
+    for (char16_t& unit : text)
+      if (unit == u'd')
+        unit = static_cast<char16_t>(u'0' + random() % (random() % 4 == 0 ? 10 : 3));
+    if (ExpectBothWaysAgree(text)) ++plain;
+  }
+  EXPECT_GT(plain, 100);
+}
+
+}  // namespace
+}  // namespace TextFile
