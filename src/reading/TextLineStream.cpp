@@ -17,6 +17,10 @@ namespace {
 // Ends the input of a text file, as in the days when files had no exact length.
 constexpr char kTextEnd = 0x1A;
 
+// Opening a table looks at a hundred rows, which often are no more than this. The reads behind it
+// double.
+constexpr std::size_t kFirstReadSize = 32 * 1024;
+
 // The mark's probe looks at no more than this, though a UTF-32 mark has four bytes.
 constexpr std::size_t kProbeBytes = 3;
 
@@ -51,6 +55,7 @@ void TextLineStream::Open(std::unique_ptr<std::streambuf> bytes, LineEnding endi
   terminateLines_ = ending == kTerminateLines;
   lineDelimiter_ = '\n';
   blockSize_ = blockSize;
+  readSize_ = std::min(blockSize, kFirstReadSize);
   next_ = end_ = 0;
   blockStart_ = 0;
   exhausted_ = false;
@@ -94,9 +99,9 @@ bool TextLineStream::ReadMore() {
     end_ -= next_;
     next_ = 0;
   }
-  if (capacity_ - end_ < blockSize_) {
+  if (capacity_ - end_ < readSize_) {
     // Doubling keeps the cost of a record of any length linear in its length.
-    const std::size_t capacity = std::max(end_ + blockSize_, 2 * capacity_);
+    const std::size_t capacity = std::max(end_ + readSize_, 2 * capacity_);
     auto larger = std::make_unique_for_overwrite<char[]>(capacity);
     if (end_ != 0) std::memcpy(larger.get(), block_.get(), end_);
     block_ = std::move(larger);
@@ -104,7 +109,7 @@ bool TextLineStream::ReadMore() {
   }
   std::streamsize count = 0;
   try {
-    count = bytes_->sgetn(block_.get() + end_, static_cast<std::streamsize>(blockSize_));
+    count = bytes_->sgetn(block_.get() + end_, static_cast<std::streamsize>(readSize_));
   } catch (const std::ios_base::failure&) {
     // The device failed in the middle of the file: what came before it is still delivered.
     count = 0;
@@ -114,6 +119,8 @@ bool TextLineStream::ReadMore() {
     return false;
   }
   end_ += static_cast<std::size_t>(count);
+  // Whoever reads on this far reads on further.
+  readSize_ = std::min(2 * readSize_, blockSize_);
   return true;
 }
 

@@ -111,7 +111,7 @@ class TextLineStream {
   std::unique_ptr<std::streambuf> bytes_;  // null while not open
   TextEncoding encoding_ = TextEncoding::kUndetermined;
   std::uint64_t dataStart_ = 0;  // offset in the source of the first byte behind the mark
-  bool tookNonAscii_ = false;  // a line of UTF-8, or of what may be, that is not all ASCII
+  bool tookNonAscii_ = false;    // a line of UTF-8, or of what may be, that is not all ASCII
   bool terminateLines_ = false;
   char lineDelimiter_ = '\n';
   bool atEnd_ = true;
@@ -120,6 +120,7 @@ class TextLineStream {
   std::unique_ptr<char[]> block_;
   std::size_t capacity_ = 0;
   std::size_t blockSize_ = kDefaultBlockSize;
+  std::size_t readSize_ = kDefaultBlockSize;  // of the next read
   std::size_t next_ = 0;
   std::size_t end_ = 0;
   std::uint64_t blockStart_ = 0;  // offset in the source of block_[0]
