@@ -21,7 +21,8 @@ target_include_directories(test_settings INTERFACE
   "${PROJECT_SOURCE_DIR}/src" "${PROJECT_SOURCE_DIR}/tests" "${PROJECT_SOURCE_DIR}")
 target_compile_definitions(test_settings INTERFACE
   TEST_DATA_DIR="${PROJECT_SOURCE_DIR}/tests/data"
-  EXAMPLES_DIR="${PROJECT_SOURCE_DIR}/examples")
+  EXAMPLES_DIR="${PROJECT_SOURCE_DIR}/examples"
+  PROJECT_VERSION_TEXT="${PROJECT_VERSION}")
 target_link_libraries(test_settings INTERFACE
   project_warnings Boost::filesystem Threads::Threads ${CMAKE_DL_LIBS})
 link_existing(test_settings INTERFACE quenraHost quenraCom)
@@ -33,9 +34,18 @@ if(TARGET texttables)
   target_compile_definitions(test_settings INTERFACE PROGRAM_FILE="$<TARGET_FILE:texttables>")
 endif()
 
+# Compiling the tests is most of the work of a check, and what they test is compiled as it is
+# installed. The last -O counts.
+if(SANITIZE)
+  set(test_optimization -O0)
+elseif(CMAKE_BUILD_TYPE STREQUAL "Release")
+  set(test_optimization -O1)
+endif()
+
 if(support_sources)
   add_library(test_support OBJECT ${support_sources})
   target_link_libraries(test_support PUBLIC test_settings GTest::gtest GTest::gmock)
+  target_compile_options(test_support PRIVATE ${test_optimization})
 endif()
 
 # Under Wine a few tests are left out, each with its reason in this list.
@@ -53,13 +63,15 @@ function(add_test_program name)
   add_executable(${name} ${ARGN})
   target_link_libraries(${name} PRIVATE
     test_settings GTest::gtest GTest::gmock GTest::gtest_main)
+  target_compile_options(${name} PRIVATE ${test_optimization})
   # The tests of modules look up a string table that the program itself exports.
   set_target_properties(${name} PROPERTIES ENABLE_EXPORTS ON)
   link_existing(${name} PRIVATE test_support)
   # The path is relative, since a Windows program takes no other path of this system.
   add_test(NAME ${name} COMMAND ${name} "--gtest_output=json:test-results/${name}.json"
     ${test_filter} WORKING_DIRECTORY "${CMAKE_BINARY_DIR}")
-  set_tests_properties(${name} PROPERTIES TIMEOUT 900)
+  # Only a program that hangs takes so long, however slow the machine.
+  set_tests_properties(${name} PROPERTIES TIMEOUT 1800)
   if(WIN32 AND NOT name STREQUAL "unit_tests")
     # There is one registry, and a registration changes what the program loads.
     set_tests_properties(${name} PROPERTIES RESOURCE_LOCK registry)
@@ -110,7 +122,7 @@ if(WIN32 AND CMAKE_CROSSCOMPILING AND TARGET texttables AND TARGET quenraDataSou
     COMMAND "${PROJECT_SOURCE_DIR}/scripts/compare-with-native" "$<TARGET_FILE:texttables>")
   add_test(NAME registration
     COMMAND "${PROJECT_SOURCE_DIR}/scripts/test-registration" "$<TARGET_FILE:texttables>")
-  set_tests_properties(same_as_native registration PROPERTIES RESOURCE_LOCK registry TIMEOUT 900)
+  set_tests_properties(same_as_native registration PROPERTIES RESOURCE_LOCK registry TIMEOUT 1800)
 endif()
 
 if(NOT WIN32)

@@ -4,7 +4,6 @@
 #include <limits>
 
 #include "host/CoreSupport/CharacterClasses.h"
-#include "inference/PlainDate.h"
 
 namespace TextFile {
 
@@ -259,12 +258,6 @@ bool ClassifyDate(std::u16string_view text, std::uint32_t version, bool allowTim
 
 bool ParseDateTime(const DateFieldFormat& format, std::u16string_view text,
                    ParsedDateTime& value) noexcept {
-  value = {};
-  return ReadPlainDateTime(format, text, value) || ParseDateTimeExactly(format, text, value);
-}
-
-bool ParseDateTimeExactly(const DateFieldFormat& format, std::u16string_view text,
-                          ParsedDateTime& value) noexcept {
   value = {};
   Scanner scanner(text, 0);
   if (format.type != FieldType::kTimeOnly) {

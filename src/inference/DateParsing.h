@@ -62,10 +62,6 @@ bool ClassifyDate(std::u16string_view text, std::uint32_t version, bool allowTim
 bool ParseDateTime(const DateFieldFormat& format, std::u16string_view text,
                    ParsedDateTime& value) noexcept;
 
-// The same without the shorter way for plain dates, which gives the same values.
-bool ParseDateTimeExactly(const DateFieldFormat& format, std::u16string_view text,
-                          ParsedDateTime& value) noexcept;
-
 // The parts, for tests and for each other. Each starts at `position` (a UTF-16 index) and moves it
 // behind what it has read; after a failure it is unspecified.
 bool ParseDatePart(std::u16string_view text, std::size_t& position, DateOrder order,

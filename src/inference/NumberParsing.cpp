@@ -200,6 +200,11 @@ bool NumberFormat::Convert(const Settings& settings, std::u16string_view text, F
   PlainNumber plain;
   if (ReadPlainNumber(settings.decimalSymbol, text, plain) && FromPlainNumber(plain, type, value))
     return true;
+  return ConvertOther(settings, text, type, value);
+}
+
+bool NumberFormat::ConvertOther(const Settings& settings, std::u16string_view text, FieldType type,
+                                NumberValue& value) {
   return ReadNarrowNumber(settings.decimalSymbol, text, type, value) ||
          ConvertExactly(settings, text, type, value);
 }

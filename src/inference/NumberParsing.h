@@ -36,7 +36,12 @@ FieldType Classify(const Settings& settings, std::u16string_view text, std::uint
 bool Convert(const Settings& settings, std::u16string_view text, FieldType type,
              NumberValue& value);
 
-// The same without the shorter way for plain numbers, which gives the same values.
+// The same for texts that are hardly plain numbers (inference/PlainNumber.h), since that has been
+// tried before.
+bool ConvertOther(const Settings& settings, std::u16string_view text, FieldType type,
+                  NumberValue& value);
+
+// The same without any of the shorter ways, which give the same values.
 bool ConvertExactly(const Settings& settings, std::u16string_view text, FieldType type,
                     NumberValue& value);
 

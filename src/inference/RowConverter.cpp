@@ -5,11 +5,12 @@
 #include "host/CoreSupport/CharacterClasses.h"
 #include "host/CoreSupport/Components.h"
 #include "host/CoreSupport/DatetimeHelper.h"
+#include "host/CoreSupport/OleDays.h"
 #include "host/CoreSupport/Variant.h"
 #include "host/interfaces/HostClasses.h"
 #include "host/interfaces/HostTimestampOffset.h"
 #include "inference/NumberParsing.h"
-#include "inference/PlainNumber.h"
+#include "inference/PlainDate.h"
 #include "platform/OleText.h"
 
 namespace TextFile {
@@ -61,6 +62,24 @@ void SetNumber(VARIANT& value, FieldType type, const NumberValue& number) noexce
   }
 }
 
+// False, and `value` stays empty, when the type cannot hold the number or not by this way.
+bool SetPlainNumber(FieldType type, const PlainNumber& number, VARIANT& value) noexcept {
+  switch (type) {
+    case FieldType::kDouble:
+      if (!PlainDouble(number, value.dblVal)) return false;
+      value.vt = VT_R8;
+      return true;
+    case FieldType::kInteger:
+      if (!PlainInteger(number, value.lVal)) return false;
+      value.vt = VT_I4;
+      return true;
+    default:
+      if (!PlainInteger(number, value.llVal)) return false;
+      value.vt = VT_I8;
+      return true;
+  }
+}
+
 // The host's object for a date with an offset; null when the host cannot make one.
 IUnknown* MakeTimestamp(DATE date, SHORT offsetMinutes) noexcept {
   quenra::HostTimestampOffset* timestamp = nullptr;
@@ -75,7 +94,10 @@ IUnknown* MakeTimestamp(DATE date, SHORT offsetMinutes) noexcept {
 
 RowConverter::RowConverter(std::shared_ptr<const TextDatasetDescription> table,
                            MessageLoader loadMessage, Reported reported)
-    : table_(std::move(table)), loadMessage_(loadMessage), reported_(reported) {
+    : table_(std::move(table)),
+      loadMessage_(loadMessage),
+      reported_(reported),
+      decimalSymbol_(table_->options.number.decimalSymbol) {
   ::VariantInit(&unwanted_);
   MakePlan();
 }
@@ -92,7 +114,12 @@ void RowConverter::MakePlan() {
     else if (fields[i].type == FieldType::kString && isVirtual(i + 2, true) &&
              !fields[i + 1].isCoordinate)
       companions = Companions::kTwoTexts;
-    plan_.push_back({&unwanted_, fields[i].type, companions});
+    const FieldType type = fields[i].type;
+    const bool mayBePlainNumber =
+        type == FieldType::kDouble || type == FieldType::kInteger || type == FieldType::kBigInteger;
+    const DateFieldFormat* const plainDate =
+        HasPlainDates(fields[i].dateFormat) ? &fields[i].dateFormat : nullptr;
+    plan_.push_back({&unwanted_, type, companions, mayBePlainNumber, plainDate});
   }
 }
 
@@ -107,7 +134,7 @@ std::size_t RowConverter::Convert(const Record& record) {
     VARIANT& value = *plan.slot;
     quenra::ClearVariant(value);
     if (plan.type != FieldType::kString) {
-      if (!ConvertPlainNumber(plan.type, text, value)) ConvertCell({field, column, text}, value);
+      if (!ConvertPlainly(plan, text, value)) ConvertCell({field, column, text}, value);
     } else if (plan.companions != Companions::kNone) {
       field = ConvertCoordinateText(field, record, column);
       continue;
@@ -121,23 +148,21 @@ std::size_t RowConverter::Convert(const Record& record) {
   return field;
 }
 
-// The short way of plain numbers. False leaves `value` empty and says nothing about the text.
-bool RowConverter::ConvertPlainNumber(FieldType type, std::u16string_view text,
-                                      VARIANT& value) const noexcept {
-  if (type != FieldType::kDouble && type != FieldType::kInteger && type != FieldType::kBigInteger)
-    return false;
-  PlainNumber number;
-  if (!ReadPlainNumber(table_->options.number.decimalSymbol, text, number)) return false;
-  if (type == FieldType::kDouble) {
-    if (!PlainDouble(number, value.dblVal)) return false;
-    value.vt = VT_R8;
-  } else if (type == FieldType::kInteger) {
-    if (!PlainInteger(number, value.lVal)) return false;
-    value.vt = VT_I4;
-  } else {
-    if (!PlainInteger(number, value.llVal)) return false;
-    value.vt = VT_I8;
+// The short ways of plain numbers and dates. False leaves `value` empty and says nothing about the
+// text.
+inline bool RowConverter::ConvertPlainly(const FieldPlan& plan, std::u16string_view text,
+                                         VARIANT& value) const noexcept {
+  if (plan.mayBePlainNumber) {
+    PlainNumber number;
+    return readPlainNumber_(decimalSymbol_, text, number) &&
+           SetPlainNumber(plan.type, number, value);
   }
+  if (plan.plainDate == nullptr) return false;
+  PlainDate date;
+  if (!ReadPlainDate(*plan.plainDate, text, date) ||
+      !quenra::OleDateOf(date.day, date.seconds * 1000, value.date))
+    return false;
+  value.vt = VT_DATE;
   return true;
 }
 
@@ -168,7 +193,7 @@ void RowConverter::ConvertNumber(const Cell& cell, VARIANT& value) {
   const NumberFormat::Settings& settings = table_->options.number;
   const FieldType type = plan_[cell.field].type;
   NumberValue number;
-  if (NumberFormat::Convert(settings, cell.text, type, number)) {
+  if (NumberFormat::ConvertOther(settings, cell.text, type, number)) {
     SetNumber(value, type, number);
   } else if (NumberFormat::Convert(settings, cell.text, FieldType::kDouble, number)) {
     SetDouble(value, number.real);
@@ -182,7 +207,7 @@ void RowConverter::ConvertNumber(const Cell& cell, VARIANT& value) {
 void RowConverter::ConvertDouble(const Cell& cell, VARIANT& value) {
   NumberValue number;
   double amount = 0;
-  if (NumberFormat::Convert(table_->options.number, cell.text, FieldType::kDouble, number)) {
+  if (NumberFormat::ConvertOther(table_->options.number, cell.text, FieldType::kDouble, number)) {
     SetDouble(value, number.real);
   } else if (ParseCurrency(table_->options.currency, cell.text, amount)) {
     SetDouble(value, amount);

@@ -19,6 +19,7 @@
 #include "host/DataCore/LatLongFormat.h"
 #include "inference/DateParsing.h"
 #include "inference/MismatchReport.h"
+#include "inference/PlainNumberVector.h"
 #include "platform/OleAutomation.h"
 #include "reading/Record.h"
 #include "reading/TextDatasetDescription.h"
@@ -61,6 +62,8 @@ class RowConverter {
     VARIANT* slot;  // or unwanted_
     FieldType type;
     Companions companions = Companions::kNone;
+    bool mayBePlainNumber = false;
+    const DateFieldFormat* plainDate = nullptr;  // of fields whose dates may be plain
     bool reported = false;
   };
   // A text of a record, and where it stands.
@@ -72,7 +75,8 @@ class RowConverter {
 
   void MakePlan();
   bool IsWanted(std::size_t field) const noexcept { return plan_[field].slot != &unwanted_; }
-  bool ConvertPlainNumber(FieldType type, std::u16string_view text, VARIANT& value) const noexcept;
+  bool ConvertPlainly(const FieldPlan& plan, std::u16string_view text,
+                      VARIANT& value) const noexcept;
   void ConvertCell(const Cell& cell, VARIANT& value);
   void ConvertNumber(const Cell& cell, VARIANT& value);
   void ConvertDouble(const Cell& cell, VARIANT& value);
@@ -84,6 +88,8 @@ class RowConverter {
   const std::shared_ptr<const TextDatasetDescription> table_;
   const MessageLoader loadMessage_;
   const Reported reported_;
+  const char16_t decimalSymbol_;
+  const PlainNumberReader readPlainNumber_ = QuickestPlainNumberReader();
   quenra::LatLongFormat latLong_;
   std::vector<FieldPlan> plan_;  // one entry a field
   VARIANT unwanted_;             // takes the values of fields without a slot; owns nothing

@@ -44,23 +44,20 @@ DelimitedReader::Step DelimitedReader::TakeFields() {
   return step == Step::kUndecided ? TakeFieldExactly() : step;
 }
 
-// Takes the fields of the line, sixteen characters at a time: a delimiter in front of the first
+// Takes the fields of the line, a block of characters at a time: a delimiter in front of the first
 // text delimiter ends a field as it stands. Undecided in front of a field that only the exact way
 // can put together.
 DelimitedReader::Step DelimitedReader::TakePlainFields() {
+  const SpecialUnitFinder finder(delimiter_, textDelimiter_);
   const char16_t* const text = line();
   std::size_t begin = cursor();
   std::size_t block = begin;
   for (;;) {
-    const SpecialUnits units = LookAtSixteen(text + block, delimiter_, textDelimiter_);
+    const SpecialUnits units = finder.Look(text + block);
     const std::uint32_t firstStop = units.stops & (0 - units.stops);
-    for (std::uint32_t ends = units.delimiters & (firstStop - 1); ends != 0; ends &= ends - 1) {
-      const std::size_t end = block + static_cast<std::size_t>(std::countr_zero(ends));
-      record_.AddFromLine(text, begin, end - begin);
-      begin = end + 1;
-    }
+    begin = record_.AddFromLine(text, begin, block, units.delimiters & (firstStop - 1));
     if (firstStop == 0) {
-      block += 16;
+      block += SpecialUnitFinder::kBlockUnits;
       continue;
     }
     SetCursor(begin);
@@ -88,14 +85,14 @@ DelimitedReader::Step DelimitedReader::TakeQuotedField() {
     const char16_t behind = text[close + 1];
     if (behind == textDelimiter_) {
       // Doubled, it is one of the text, which then has to be put together.
-      record_.Append({text + begin, close + 1 - begin});
+      record_.AppendFromLine(text, begin, close + 1);
       begin = close + 2;
     } else if (behind != delimiter_ && behind != 0) {
       break;
     } else if (record_.OpenField().empty()) {
       return AddField(begin, close, close + 1);
     } else {
-      record_.Append({text + begin, close - begin});
+      record_.AppendFromLine(text, begin, close);
       record_.EndField();
       return GoBehind(close + 1);
     }

@@ -80,6 +80,9 @@ struct Sequence {
 Sequence ReadSequence(std::string_view bytes) noexcept {
   const auto at = [bytes](std::size_t i) { return static_cast<unsigned char>(bytes[i]); };
   const unsigned char lead = at(0);
+  // Most characters beyond ASCII, in most of Europe.
+  if (lead >= 0xC2 && lead < 0xE0 && bytes.size() >= 2 && IsContinuation(at(1)))
+    return {2, (lead & 0x1Fu) << 6 | (at(1) & 0x3Fu)};
   const std::size_t length = lead < 0xC2 ? 0 : lead < 0xE0 ? 2 : lead < 0xF0 ? 3 : 4;
   if (length == 0 || lead > 0xF4 || bytes.size() < length) return {0};
   char32_t character = lead & (0x7Fu >> length);

@@ -10,6 +10,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <cstring>
 #include <memory>
 #include <string_view>
 
@@ -33,6 +34,16 @@ class UnitBuffer {
     units_[size_++] = unit;
   }
   void DropLast() noexcept { --size_; }
+
+  // Appends `count` units, in steps of kStep: that many can be read behind them.
+  static constexpr std::size_t kStep = 8;
+  void AppendInSteps(const char16_t* units, std::size_t count) {
+    if (capacity_ - size_ < count + kStep) Grow(size_ + count + kStep, size_);
+    char16_t* const target = units_.get() + size_;
+    for (std::size_t i = 0; i < count; i += kStep)
+      std::memcpy(target + i, units + i, kStep * sizeof(char16_t));
+    size_ += count;
+  }
 
   // Puts `count` zeros behind the contents, without making them part of it.
   void Pad(std::size_t count) {

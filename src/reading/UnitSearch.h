@@ -12,7 +12,7 @@
 namespace TextFile {
 
 // How many zero units must follow the zero that ends a text, so that it can be searched in steps.
-inline constexpr std::size_t kSearchPadding = 16;
+inline constexpr std::size_t kSearchPadding = 32;
 
 // The first unit at or behind `text` that is `first`, `second` or zero. A zero must come, with
 // kSearchPadding more units that can be read behind it.
@@ -36,39 +36,69 @@ inline const char16_t* FindEither(const char16_t* text, char16_t first, char16_t
 #endif
 }
 
-// Where the special units among sixteen stand, a bit each, the first unit lowest.
+// Where the special units among kBlockUnits stand, a bit each, the first unit lowest.
 struct SpecialUnits {
   std::uint32_t delimiters;
   std::uint32_t stops;  // text delimiters and zeros
 };
 
-// Looks at the sixteen units at `text`, which can be read. Behind the first stop nothing is said
-// about them.
-inline SpecialUnits LookAtSixteen(const char16_t* text, char16_t delimiter,
-                                  char16_t textDelimiter) noexcept {
+// Looks for the special units of a line, a block at a time.
+class SpecialUnitFinder {
+ public:
+  static constexpr std::size_t kBlockUnits = 32;
+
 #if defined(__SSE2__)
-  const auto* const source = reinterpret_cast<const __m128i*>(text);
-  const __m128i low = _mm_loadu_si128(source);
-  const __m128i high = _mm_loadu_si128(source + 1);
-  const auto bits = [](__m128i lowHits, __m128i highHits) {
-    return static_cast<std::uint32_t>(_mm_movemask_epi8(_mm_packs_epi16(lowHits, highHits)));
-  };
-  const __m128i delimiters = _mm_set1_epi16(static_cast<short>(delimiter));
-  const __m128i quotes = _mm_set1_epi16(static_cast<short>(textDelimiter));
-  const __m128i zeros = _mm_setzero_si128();
-  return {bits(_mm_cmpeq_epi16(low, delimiters), _mm_cmpeq_epi16(high, delimiters)),
-          bits(_mm_or_si128(_mm_cmpeq_epi16(low, quotes), _mm_cmpeq_epi16(low, zeros)),
-               _mm_or_si128(_mm_cmpeq_epi16(high, quotes), _mm_cmpeq_epi16(high, zeros)))};
-#else
-  SpecialUnits found{};
-  for (std::uint32_t bit = 1; bit <= 0x8000 && found.stops == 0; bit <<= 1, ++text) {
-    if (*text == delimiter)
-      found.delimiters |= bit;
-    else if (*text == textDelimiter || *text == 0)
-      found.stops |= bit;
+  SpecialUnitFinder(char16_t delimiter, char16_t textDelimiter) noexcept
+      : delimiters_(_mm_set1_epi16(static_cast<short>(delimiter))),
+        textDelimiters_(_mm_set1_epi16(static_cast<short>(textDelimiter))) {}
+
+  // Looks at the units at `text`, which can be read. Behind the first stop nothing is said about
+  // them.
+  SpecialUnits Look(const char16_t* text) const noexcept {
+    const SpecialUnits low = LookAtSixteen(text);
+    const SpecialUnits high = LookAtSixteen(text + 16);
+    return {low.delimiters | high.delimiters << 16, low.stops | high.stops << 16};
   }
-  return found;
+
+ private:
+  SpecialUnits LookAtSixteen(const char16_t* text) const noexcept {
+    const auto* const source = reinterpret_cast<const __m128i*>(text);
+    const __m128i low = _mm_loadu_si128(source);
+    const __m128i high = _mm_loadu_si128(source + 1);
+    return {Bits(_mm_cmpeq_epi16(low, delimiters_), _mm_cmpeq_epi16(high, delimiters_)),
+            Bits(Stops(low), Stops(high))};
+  }
+
+  __m128i Stops(__m128i units) const noexcept {
+    return _mm_or_si128(_mm_cmpeq_epi16(units, textDelimiters_),
+                        _mm_cmpeq_epi16(units, _mm_setzero_si128()));
+  }
+
+  static std::uint32_t Bits(__m128i low, __m128i high) noexcept {
+    return static_cast<std::uint32_t>(_mm_movemask_epi8(_mm_packs_epi16(low, high)));
+  }
+
+  __m128i delimiters_;
+  __m128i textDelimiters_;
+#else
+  SpecialUnitFinder(char16_t delimiter, char16_t textDelimiter) noexcept
+      : delimiter_(delimiter), textDelimiter_(textDelimiter) {}
+
+  SpecialUnits Look(const char16_t* text) const noexcept {
+    SpecialUnits found{};
+    for (std::uint32_t bit = 1; bit != 0 && found.stops == 0; bit <<= 1, ++text) {
+      if (*text == delimiter_)
+        found.delimiters |= bit;
+      else if (*text == textDelimiter_ || *text == 0)
+        found.stops |= bit;
+    }
+    return found;
+  }
+
+ private:
+  char16_t delimiter_;
+  char16_t textDelimiter_;
 #endif
-}
+};
 
 }  // namespace TextFile

@@ -432,8 +432,7 @@ TEST_F(LoadTest, InterruptKeepsTheRowsSoFar) {
   ASSERT_EQ(::write(writer, rows.data(), rows.size()), static_cast<ssize_t>(rows.size()));
   ProcessRequest request = Request({"load", "a.csv"});
   request.inputFile = pipe;
-  request.pauseBeforeReading = std::chrono::milliseconds(700);
-  request.interruptAfterPause = true;
+  request.interrupt = ProcessRequest::Interrupt::kWhenInputIsUsedUp;
   const ProcessResult result = RunProcess(request);
   ::close(writer);
   EXPECT_EQ(result.signal, SIGINT);

@@ -33,7 +33,27 @@ TEST_F(RegistrationTest, ModuleMayBeNamed) {
   ExpectUsageError(RunRegistered({"register", "folder"}), "folder");
 }
 
-#ifndef _WIN32
+#ifdef _WIN32
+
+// A module whose file has gone can be found by its registration alone.
+TEST_F(RegistrationTest, ProgramUsesTheRegisteredModule) {
+  const std::filesystem::path module = MODULE_FILE;
+  const std::filesystem::path copy = Folder() / "elsewhere" / module.filename();
+  std::filesystem::create_directory(copy.parent_path());
+  std::filesystem::copy_file(module, copy);
+  Write("a.csv", "Id\n1\n");
+  ExpectQuietly(RunRegistered({"--module", copy.string(), "register"}));
+  EXPECT_EQ(RunRegistered({"count", "a.csv"}).output, "1\n");
+  std::filesystem::remove(copy);
+  const ProcessResult result = RunRegistered({"count", "a.csv"});
+  EXPECT_EQ(result.exitCode, 1);
+  EXPECT_NE(result.errors.find("the registered module"), std::string::npos) << result.errors;
+  EXPECT_EQ(RunRegistered({"--module", MODULE_FILE, "count", "a.csv"}).output, "1\n");
+  ExpectQuietly(RunRegistered({"unregister"}));
+  EXPECT_EQ(RunRegistered({"count", "a.csv"}).output, "1\n");
+}
+
+#else
 
 TEST_F(RegistrationTest, WritesOneReadableFile) {
   ExpectQuietly(RunRegistered({"register"}));

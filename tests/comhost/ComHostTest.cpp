@@ -148,6 +148,29 @@ TEST_F(ComHostTest, ErrorsReachTheHostThroughTheSystem) {
   ExpectModuleToGo();
 }
 
+TEST_F(ComHostTest, ChainedErrorsAreReadOneByOne) {
+  folder_.Write(u"a.csv", "Id,Sum\n1,x\ny,2\n");
+  folder_.Write(u"schema.ini", "[a.csv]\nColNameHeader=True\nCol1=Id Long\nCol2=Sum Long\n");
+  const Apartment apartment;
+  {
+    const auto workspace = OpenFolder(NewFactory(), folder_.Path());
+    ComPtr<IPlugInDatasetHelper> table;
+    ASSERT_EQ(OpenTable(workspace, u"a.csv", table), S_OK);
+    EXPECT_THAT(Rows(table), ElementsAre("I4:1|NULL", "NULL|I4:2"));
+    std::vector<std::string> texts;
+    for (const ErrorSeen& error : TakeErrors()) {
+      EXPECT_EQ(static_cast<DWORD>(error.code), 0x80040955u);
+      EXPECT_TRUE(IsEqualGUID(error.source, kTextFileErrorSource));
+      texts.push_back(error.text);
+    }
+    EXPECT_THAT(texts, ElementsAre("In file a.csv, field value y does not match defined type of "
+                                   "field Id. Update schema.ini file and try again.",
+                                   "In file a.csv, field value x does not match defined type of "
+                                   "field Sum. Update schema.ini file and try again."));
+  }
+  ExpectModuleToGo();
+}
+
 TEST_F(ComHostTest, ObjectsNameTheirClass) {
   const Apartment apartment;
   {
@@ -193,6 +216,7 @@ TEST_F(ComHostTest, TwoApartmentsHaveTwoFactories) {
     EXPECT_EQ(factory.As<IWorkspaceFactoryOpenOptions>()->SetOption(option.Get(), &previous), S_OK);
     EXPECT_EQ(previous, VARIANT_TRUE);
   }
+  ExpectModuleToGo();
 }
 
 TEST_F(ComHostTest, ClassesAreNotAggregated) {

@@ -7,6 +7,7 @@
 #include <string>
 
 #include "inference/NumberParsing.h"
+#include "inference/PlainNumberVector.h"
 #include "support/ShowText.h"
 
 namespace TextFile {
@@ -26,7 +27,21 @@ std::uint64_t BitsOf(FieldType type, const NumberValue& value) {
   return bits;
 }
 
+// Whatever the processor can do gives what can be done everywhere.
+void ExpectSamePlainNumber(char16_t decimalSymbol, const std::u16string& text) {
+  PlainNumber quick;
+  PlainNumber portable;
+  const bool isPlain = ReadPlainNumber(decimalSymbol, text, portable);
+  ASSERT_EQ(QuickestPlainNumberReader()(decimalSymbol, text, quick), isPlain) << Show(text);
+  if (!isPlain) return;
+  ASSERT_EQ(quick.digits, portable.digits) << Show(text);
+  ASSERT_EQ(quick.decimals, portable.decimals) << Show(text);
+  ASSERT_EQ(quick.hasDecimalSymbol, portable.hasDecimalSymbol) << Show(text);
+  ASSERT_EQ(quick.negative, portable.negative) << Show(text);
+}
+
 void ExpectBothWaysAgree(const NumberFormat::Settings& settings, const std::u16string& text) {
+  ExpectSamePlainNumber(settings.decimalSymbol, text);
   for (const FieldType type : kTypes) {
     NumberValue shortWay;
     NumberValue exactWay;

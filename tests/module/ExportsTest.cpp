@@ -1,10 +1,16 @@
 // The module's exports, its class factories and its unloading.
 #include <atomic>
+#include <cstring>
+#include <functional>
 #include <set>
+#include <string>
 #include <thread>
+#include <vector>
 
 #include "host/interfaces/HostInternalUnknown.h"
 #include "module/ModuleTest.h"
+#include "platform/ThreadLife.h"
+#include "platform/Threads.h"
 
 namespace quenra::test {
 namespace {
@@ -13,6 +19,21 @@ constexpr GUID kNoClass = {0x12345678, 0, 0, {1, 2, 3, 4, 5, 6, 7, 8}};
 
 class ExportsTest : public ModuleTest {
  protected:
+  // Returns when the system has forgotten the threads, which may be a moment after they are joined:
+  // until then the module takes them for alive.
+  static void RunOnThreads(int count, const std::function<void()>& work) {
+    std::vector<DWORD> ids(static_cast<std::size_t>(count));
+    std::vector<std::thread> threads;
+    for (DWORD& id : ids)
+      threads.emplace_back([&id, &work] {
+        id = ::GetCurrentThreadId();
+        work();
+      });
+    for (std::thread& thread : threads) thread.join();
+    for (const DWORD id : ids)
+      while (!HasThreadEnded(id)) std::this_thread::yield();
+  }
+
   ComPtr<IClassFactory> ClassObject(const CLSID& classId) const {
     ComPtr<IClassFactory> factory;
     EXPECT_EQ(module_->GetClassObject(classId, IID_IClassFactory, factory.ReceiveVoid()), S_OK);
@@ -126,11 +147,11 @@ TEST_F(ExportsTest, ThreadsHaveFactoriesAndOptionsOfTheirOwn) {
   const auto factory = Factory();
   LONG otherType = -1;
   bool same = true;
-  std::thread([&] {
+  RunOnThreads(1, [&] {
     same = Factory() == factory;
     otherType = Fields(OpenTable(u"a.csv")).at(0).type;
     EXPECT_EQ(module_->CanUnloadNow(), S_FALSE) << "the other thread's factory lives";
-  }).join();
+  });
   EXPECT_FALSE(same);
   EXPECT_NE(otherType, 15) << "the option was set on the other thread's factory";
   EXPECT_EQ(Fields(OpenTable(u"a.csv")).at(0).type, 15);
@@ -140,31 +161,27 @@ TEST_F(ExportsTest, ThreadsReadSideBySide) {
   folder_.Write(u"a.csv", "Id,Name\n1,a\n2,b\n");
   constexpr int kThreads = 8;
   std::atomic<int> right = 0;
-  std::vector<std::thread> threads;
-  for (int i = 0; i < kThreads; ++i)
-    threads.emplace_back([&] {
-      for (int round = 0; round < 5; ++round)
-        right +=
-            Rows(OpenTable(u"a.csv")) == std::vector<std::string>{"I4:1|BSTR:a", "I4:2|BSTR:b"};
-    });
-  for (std::thread& thread : threads) thread.join();
+  RunOnThreads(kThreads, [&] {
+    for (int round = 0; round < 5; ++round)
+      right += Rows(OpenTable(u"a.csv")) == std::vector<std::string>{"I4:1|BSTR:a", "I4:2|BSTR:b"};
+  });
   EXPECT_EQ(right, kThreads * 5);
 }
 
 // A thread that ends does not ask for its instance to be dropped.
 TEST_F(ExportsTest, InstancesOfEndedThreadsDoNotKeepTheModule) {
-  for (int i = 0; i < 40; ++i) std::thread([this] { EXPECT_TRUE(Factory()); }).join();
-  EXPECT_EQ(CanUnloadSoon(), S_OK);
+  for (int i = 0; i < 40; ++i) RunOnThreads(1, [this] { EXPECT_TRUE(Factory()); });
+  EXPECT_EQ(module_->CanUnloadNow(), S_OK);
 }
 
 TEST_F(ExportsTest, InstanceOfAnEndedThreadStaysWhileItIsHeld) {
   ComPtr<IPlugInWorkspaceFactoryHelper2> held;
-  std::thread([&] { held = Factory(); }).join();
+  RunOnThreads(1, [&] { held = Factory(); });
   EXPECT_EQ(module_->CanUnloadNow(), S_FALSE);
   LONG kind = -1;
   EXPECT_EQ(held->WorkspaceKind(&kind), S_OK);
   held.Reset();
-  EXPECT_EQ(CanUnloadSoon(), S_OK);
+  EXPECT_EQ(module_->CanUnloadNow(), S_OK);
 }
 
 TEST_F(ExportsTest, RegistrationOfTheUsualEntriesDoesNothing) {
@@ -214,6 +231,29 @@ TEST_F(ExportsTest, ModuleCarriesItsTexts) {
     EXPECT_EQ(ToUtf8({buffer, static_cast<std::size_t>(length)}), ToUtf8(c.text)) << c.id;
   }
 }
+
+#ifdef _WIN32
+
+TEST_F(ExportsTest, ModuleSaysItsVersion) {
+  const HRSRC place =
+      ::FindResourceW(module_->Handle(), MAKEINTRESOURCEW(VS_VERSION_INFO), RT_VERSION);
+  ASSERT_NE(place, nullptr);
+  // In front of the numbers are three words and "VS_VERSION_INFO", filled up to a double word.
+  constexpr std::size_t kNumbers = 40;
+  ASSERT_GE(::SizeofResource(module_->Handle(), place), kNumbers + sizeof(VS_FIXEDFILEINFO));
+  VS_FIXEDFILEINFO info = {};
+  const auto* const bytes =
+      static_cast<const char*>(::LockResource(::LoadResource(module_->Handle(), place)));
+  std::memcpy(&info, bytes + kNumbers, sizeof info);
+  EXPECT_EQ(info.dwSignature, 0xFEEF04BDu);
+  EXPECT_EQ(std::to_string(HIWORD(info.dwFileVersionMS)) + "." +
+                std::to_string(LOWORD(info.dwFileVersionMS)) + "." +
+                std::to_string(HIWORD(info.dwFileVersionLS)),
+            PROJECT_VERSION_TEXT);
+  EXPECT_EQ(info.dwFileType, static_cast<DWORD>(VFT_DLL));
+}
+
+#endif
 
 }  // namespace
 }  // namespace quenra::test

@@ -1,9 +1,7 @@
 #include "module/ModuleTest.h"
 
 #include <charconv>
-#include <chrono>
 #include <ostream>
-#include <thread>
 
 #include "host/AppEventLog/EventLog.h"
 #include "host/CoreSupport/Components.h"
@@ -217,21 +215,11 @@ void ModuleTest::SetUp() {
 
 void ModuleTest::TearDown() {
   TakeErrors();
-  EXPECT_EQ(CanUnloadSoon(), S_OK) << "objects of the module are left";
+  EXPECT_EQ(module_->CanUnloadNow(), S_OK) << "objects of the module are left";
   module_.reset();
   EXPECT_EQ(LiveComponentCount(), components_) << "objects of the host are left";
   EventLog::SetSink({});
   QUENRALocale::SetLocale(u"en-US");
-}
-
-HRESULT ModuleTest::CanUnloadSoon() const {
-  const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(2);
-  HRESULT result = module_->CanUnloadNow();
-  while (result != S_OK && std::chrono::steady_clock::now() < deadline) {
-    std::this_thread::sleep_for(std::chrono::milliseconds(5));
-    result = module_->CanUnloadNow();
-  }
-  return result;
 }
 
 ComPtr<IPlugInWorkspaceFactoryHelper2> ModuleTest::Factory() const {

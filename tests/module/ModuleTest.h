@@ -115,10 +115,6 @@ class ModuleTest : public ::testing::Test {
   void SetUp() override;
   void TearDown() override;
 
-  // What DllCanUnloadNow answers, after some patience: the system may still know a thread for a
-  // moment after it has been joined.
-  HRESULT CanUnloadSoon() const;
-
   ComPtr<IPlugInWorkspaceFactoryHelper2> Factory() const;
   ComPtr<IPlugInWorkspaceHelper> OpenWorkspace() const;
   // Expects success.

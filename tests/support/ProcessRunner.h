@@ -30,10 +30,16 @@ struct ProcessRequest {
   std::string outputFile;
   // The reader of standard output goes away after so many bytes.
   std::optional<std::size_t> closeOutputAfter;
-  // Nothing is read from standard output for so long; the program waits once the pipe is full.
-  std::chrono::milliseconds pauseBeforeReading{0};
-  // After the pause the program gets the interrupt that Ctrl+C sends.
-  bool interruptAfterPause = false;
+#ifndef _WIN32
+  // Nothing is read from standard output for so long after the program has begun to write there; it
+  // waits once the pipe is full.
+  std::chrono::milliseconds pauseAtFirstOutput{0};
+  // The program gets the interrupt that Ctrl+C sends when it has come so far.
+  enum class Interrupt { kNever, kAtFirstOutput, kWhenInputIsUsedUp };
+  // kWhenInputIsUsedUp is for an input file that is a named pipe and that the test keeps open: the
+  // program has read all that was in it and waits for more.
+  Interrupt interrupt = Interrupt::kNever;
+#endif
 };
 
 struct ProcessResult {
@@ -44,5 +50,5 @@ struct ProcessResult {
 };
 
 // Waits for the program's end. Throws std::system_error when it cannot be started. A program that
-// runs longer than a minute is ended by a signal.
+// hangs, which means that it runs longer than ten minutes, is ended by a signal.
 ProcessResult RunProcess(const ProcessRequest& request);

@@ -4,6 +4,7 @@
 #include <poll.h>
 #include <signal.h>
 #include <spawn.h>
+#include <sys/ioctl.h>
 #include <sys/wait.h>
 #include <termios.h>
 #include <unistd.h>
@@ -11,6 +12,8 @@
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
+#include <fstream>
+#include <iterator>
 #include <system_error>
 #include <thread>
 #include <utility>
@@ -23,7 +26,7 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-constexpr std::chrono::seconds kLongestRun{60};
+constexpr std::chrono::seconds kLongestRun{600};
 
 [[noreturn]] void Fail(const char* what, int error = errno) {
   throw std::system_error(error, std::generic_category(), what);
@@ -165,6 +168,44 @@ void Collect(const ProcessRequest& request, pid_t process, File output, File err
   }
 }
 
+// Returns at the program's end, too.
+void WaitForOutput(const File& output) {
+  pollfd file = {output.Get(), POLLIN, 0};
+  const auto limit = std::chrono::duration_cast<std::chrono::milliseconds>(kLongestRun);
+  while (::poll(&file, 1, static_cast<int>(limit.count())) < 0 && errno == EINTR) {
+  }
+}
+
+bool Sleeps(pid_t process) {
+  std::ifstream stream("/proc/" + std::to_string(process) + "/stat");
+  const std::string text(std::istreambuf_iterator<char>(stream), {});
+  // Behind the program's name, which may hold anything, in parentheses.
+  const std::size_t state = text.rfind(") ");
+  return state != std::string::npos && text.compare(state + 2, 1, "S") == 0;
+}
+
+// The program has emptied the pipe, and then sleeps: in the call that reads more.
+void WaitUntilInputIsUsedUp(const std::string& pipe, pid_t process) {
+  const File input(::open(pipe.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
+  if (input.Get() < 0) Fail(pipe.c_str());
+  const Clock::time_point end = Clock::now() + kLongestRun;
+  int left = 1;
+  while (Clock::now() < end &&
+         (::ioctl(input.Get(), FIONREAD, &left) != 0 || left > 0 || !Sleeps(process)))
+    std::this_thread::sleep_for(std::chrono::milliseconds(1));
+}
+
+// What the request asks for before the output is read.
+void Accompany(const ProcessRequest& request, pid_t process, const File& output) {
+  using Interrupt = ProcessRequest::Interrupt;
+  if (request.interrupt == Interrupt::kWhenInputIsUsedUp)
+    WaitUntilInputIsUsedUp(request.inputFile, process);
+  if (request.interrupt == Interrupt::kAtFirstOutput || request.pauseAtFirstOutput.count() > 0)
+    WaitForOutput(output);
+  std::this_thread::sleep_for(request.pauseAtFirstOutput);
+  if (request.interrupt != Interrupt::kNever) ::kill(process, SIGINT);
+}
+
 }  // namespace
 
 ProcessResult RunProcess(const ProcessRequest& request) {
@@ -176,8 +217,7 @@ ProcessResult RunProcess(const ProcessRequest& request) {
   output.program.Close();
   errors.program.Close();
 
-  std::this_thread::sleep_for(request.pauseBeforeReading);
-  if (request.interruptAfterPause) ::kill(process, SIGINT);
+  Accompany(request, process, output.test);
   ProcessResult result;
   Collect(request, process, std::move(output.test), std::move(errors.test), result);
 

@@ -2,36 +2,15 @@
 
 #include <cmath>
 
+#include "host/CoreSupport/OleDays.h"
+
 namespace quenra {
 namespace {
 
-constexpr int kMillisecondsPerDay = 86'400'000;
-constexpr int kFirstYear = 100;
-constexpr int kLastYear = 9999;
 constexpr int kDaysIn400Years = 146'097;
 
-constexpr bool IsLeapYear(int year) noexcept {
-  return year % 4 == 0 && (year % 100 != 0 || year % 400 == 0);
-}
-
-constexpr int DaysInMonth(int year, int month) noexcept {
-  constexpr int kDays[] = {31, 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
-  return month == 2 && IsLeapYear(year) ? 29 : kDays[month - 1];
-}
-
-// Days since 0000-03-01. Years that begin in March have their leap day at the end, so that the
-// months before it start on the same day of every year.
-constexpr int DaysFromCivil(int year, int month, int day) noexcept {
-  const int marchYear = month > 2 ? year : year - 1;
-  const int marchMonth = month > 2 ? month - 3 : month + 9;
-  // The five months from March have 153 days, and so have the five from August.
-  return marchYear * 365 + marchYear / 4 - marchYear / 100 + marchYear / 400 +
-         (marchMonth * 153 + 2) / 5 + day - 1;
-}
-
-constexpr int kOleEpoch = DaysFromCivil(1899, 12, 30);
-constexpr int kFirstDay = DaysFromCivil(kFirstYear, 1, 1) - kOleEpoch;
-constexpr int kLastDay = DaysFromCivil(kLastYear, 12, 31) - kOleEpoch;
+constexpr int kFirstDay = DaysFromCivil({kFirstYear, 1, 1}) - kOleEpoch;
+constexpr int kLastDay = DaysFromCivil({kLastYear, 12, 31}) - kOleEpoch;
 static_assert(kFirstDay == -657434 && kLastDay == 2958465);
 
 void SetDay(int oleDay, SYSTEMTIME& time) noexcept {
@@ -61,20 +40,11 @@ void SetTimeOfDay(int milliseconds, SYSTEMTIME& time) noexcept {
 }  // namespace
 
 bool DatetimeHelper::ToOADate(const SYSTEMTIME& time, DATE& date) noexcept {
-  const int year = time.wYear;
-  const int month = time.wMonth;
-  const int day = time.wDay;
-  if (year < kFirstYear || year > kLastYear || month < 1 || month > 12) return false;
-  if (day < 1 || day > DaysInMonth(year, month)) return false;
   if (time.wHour > 23 || time.wMinute > 59 || time.wSecond > 59 || time.wMilliseconds > 999)
     return false;
-
-  const int oleDay = DaysFromCivil(year, month, day) - kOleEpoch;
   const int milliseconds =
       ((time.wHour * 60 + time.wMinute) * 60 + time.wSecond) * 1000 + time.wMilliseconds;
-  const double fraction = static_cast<double>(milliseconds) / kMillisecondsPerDay;
-  date = oleDay < 0 ? oleDay - fraction : oleDay + fraction;
-  return true;
+  return OleDateOf({time.wYear, time.wMonth, time.wDay}, milliseconds, date);
 }
 
 bool DatetimeHelper::FromOADate(DATE date, SYSTEMTIME& time) noexcept {

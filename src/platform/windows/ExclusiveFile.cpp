@@ -1,6 +1,7 @@
 #include "platform/ExclusiveFile.h"
 
 #include <windows.h>
+#include <winternl.h>
 
 #include <algorithm>
 #include <cstddef>
@@ -9,19 +10,27 @@
 #include <string>
 #include <vector>
 
+// The status that the last error of this thread was made from. Exported for ever, but in no header.
+extern "C" NTSTATUS NTAPI RtlGetLastNtStatus();
+
 namespace {
+
+constexpr auto kDeletePending = static_cast<NTSTATUS>(0xC0000056u);
 
 constexpr DWORD kRetryMilliseconds = 10;
 constexpr int kRetries = 1000;  // ten seconds; no writer needs a fraction of it
 
-// A file that is being deleted refuses access for a moment. A folder that cannot be written does so
-// for ever, and shall not keep a reader waiting.
+// The target of a rename may be refused because somebody reads it. A folder that cannot be written
+// is refused for ever, and shall not keep a reader waiting.
 constexpr int kRefusedRetries = 20;
 constexpr int kRenameRetries = 200;  // two seconds
 
+// For the error of the call just made. A file that goes with its last handle refuses access as a
+// folder without the right to write does, but another status is behind it.
 bool IsWorthATry(DWORD error, int tries) {
   return error == ERROR_SHARING_VIOLATION ||
-         (error == ERROR_ACCESS_DENIED && tries < kRefusedRetries);
+         (error == ERROR_ACCESS_DENIED &&
+          (RtlGetLastNtStatus() == kDeletePending || tries < kRefusedRetries));
 }
 
 std::error_code ErrorOf(DWORD error) { return {static_cast<int>(error), std::system_category()}; }
