@@ -3,8 +3,8 @@
 #include <algorithm>
 
 #include "host/CoreSupport/CharacterClasses.h"
-#include "reading/RecordScanAvx2.h"
 #include "reading/RecordScanKernel.h"
+#include "reading/RecordScanVector.h"
 
 #if defined(__SSE2__)
 #include <emmintrin.h>
@@ -145,7 +145,8 @@ RecordScan::RecordScan(const RecordDialect& dialect, Code code) noexcept
 
 RecordScan::Kernel RecordScan::Choose(Code code) noexcept {
   if (code == Code::kPlain) return &Run<PlainBlock>;
-  if (code == Code::kBest && HasAvx2Scan()) return &RunAvx2Scan;
+  if (code == Code::kBest && HasAvx512Scan()) return &RunAvx512Scan;
+  if (code != Code::kBaseline && HasAvx2Scan()) return &RunAvx2Scan;
   return &Run<BaselineBlock>;
 }
 
@@ -156,7 +157,7 @@ void RecordScan::Begin() noexcept {
   state_.records = records;
   state_.sawNonAscii = sawNonAscii;
   // As if a record had just ended.
-  state_.ends = state_.fieldEnds = std::uint64_t{1} << 63;
+  state_.ends = state_.quoteStarts = std::uint64_t{1} << 63;
 }
 
 std::size_t RecordScan::Take(std::string_view bytes, bool last) noexcept {

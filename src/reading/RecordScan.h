@@ -35,16 +35,17 @@ struct RecordScanState {
   // Offsets in the bytes at hand: of the record that is not whole yet, and of what comes next.
   std::size_t recordStart = 0;
   std::size_t scanned = 0;
-  std::uint64_t ends = 0;  // of records
-  std::uint64_t fieldEnds = 0;
-  std::uint64_t quotes = 0;   // but for literal ones
-  std::uint64_t quoting = 0;  // all ones inside quotes
+  std::uint64_t ends = 0;         // of records
+  std::uint64_t quotes = 0;       // but for literal ones
+  std::uint64_t quoteStarts = 0;  // bytes behind which a quote is more than a character
+  std::uint64_t quoting = 0;      // all ones inside quotes
 };
 
 class RecordScan {
  public:
-  // Any processor's code may be asked for, for comparison.
-  enum class Code { kBest, kBaseline, kPlain };
+  // The code of lesser processors may be asked for, for comparison; what this one lacks is
+  // kBaseline.
+  enum class Code { kBest, kAvx2, kBaseline, kPlain };
   explicit RecordScan(const RecordDialect& dialect, Code code = Code::kBest) noexcept;
 
   // The next byte to be taken begins a record.

@@ -1,4 +1,4 @@
-#include "reading/RecordScanAvx2.h"
+#include "reading/RecordScanVector.h"
 
 // GCC for Windows does not align the stack for 32-byte values.
 #if defined(__x86_64__) && !defined(_WIN32)

@@ -40,11 +40,10 @@ class RecordScanKernel {
   // Takes all whole blocks, and with `last` what is left behind them. Answers where the scan is.
   RecordScanState Take(std::size_t size, bool last) noexcept {
     // Whether a carriage return ends a record is told by the byte behind it.
-    while (size - state_.scanned > kGroupBytes)
-      if (!TakeGroup()) return state_;
-    while (size - state_.scanned > kBlockBytes)
-      if (!TakeSingleBlock(Block(Next()), Next()[kBlockBytes])) return state_;
-    if (last && size > state_.scanned) TakeRest(size - state_.scanned);
+    TakeGroups(size);
+    while (!state_.undecided && size - state_.scanned > kBlockBytes)
+      TakeSingleBlock(Block(Next()), Next()[kBlockBytes]);
+    if (!state_.undecided && last && size > state_.scanned) TakeRest(size - state_.scanned);
     return state_;
   }
 
@@ -83,6 +82,14 @@ class RecordScanKernel {
 
   const char* Next() const noexcept { return bytes_ + state_.scanned; }
 
+  // Works on a copy that nobody else knows of, so that it can stay in registers.
+  void TakeGroups(std::size_t size) noexcept {
+    RecordScanKernel copy = *this;
+    while (size - copy.state_.scanned > kGroupBytes && copy.TakeGroup()) {
+    }
+    state_ = copy.state_;
+  }
+
   // Most files either have hardly any quotes or some in every line, so asking for several blocks
   // together gives the same answer time after time.
   [[gnu::always_inline]] inline bool TakeGroup() noexcept {
@@ -99,13 +106,13 @@ class RecordScanKernel {
       CountEnds(ends, Crowded(ends) ? BlankEnds(block, ends) : 0);
     }
     state_.quotes = 0;
-    state_.fieldEnds = state_.ends | static_cast<Mask>(Next()[-1] == dialect_.delimiter) << 63;
+    state_.quoteStarts = state_.ends | static_cast<Mask>(Next()[-1] == dialect_.delimiter) << 63;
     return true;
   }
 
-  bool TakeSingleBlock(const Block& block, char next) noexcept {
+  void TakeSingleBlock(const Block& block, char next) noexcept {
     state_.sawNonAscii |= block.AboveAscii() != 0;
-    return TakeBlock(block, next, true);
+    TakeBlock(block, next, true);
   }
 
   // The last bytes of the file, and behind them some that cannot occur in it.
@@ -134,13 +141,13 @@ class RecordScanKernel {
     }
     CountEnds(ends, crowded ? BlankEnds(block, ends) : 0);
     state_.quotes = quotes;
-    state_.fieldEnds = fieldEnds;
+    state_.quoteStarts = fieldEnds | quotes;
     state_.quoting = 0 - (quoted >> 63);
     return stop == 0;
   }
 
   // The terminators, in quotes or not.
-  Mask Ends(const Block& block, char next) const noexcept {
+  [[gnu::always_inline]] inline Mask Ends(const Block& block, char next) const noexcept {
     const Mask ends = block.Equal(dialect_.terminator);
     if (dialect_.terminator == '\n') return ends;
     return ends & ~(block.Equal('\n') >> 1 | static_cast<Mask>(next == '\n') << 63);
@@ -150,15 +157,16 @@ class RecordScanKernel {
   // marks in `stop` the first one that cannot be told, and is wrong behind a mark there.
   [[gnu::always_inline]] inline Mask FindQuoted(Mask fieldEnds, Mask ends, Mask& quotes,
                                                 Mask& stop) const noexcept {
-    Mask starts = Behind<1>(fieldEnds, state_.fieldEnds);
+    Mask accepted = 0;
     for (;;) {
       const Mask quoted = Block::PrefixXor(quotes) ^ state_.quoting;
-      const Mask odd = quotes & quoted & ~(starts | Behind<1>(quotes, state_.quotes));
+      const Mask odd =
+          quotes & quoted & ~(accepted | Behind<1>(fieldEnds | quotes, state_.quoteStarts));
       if (odd == 0) return quoted;
       const Mask lowest = Lowest(odd);
       switch (MeaningOfQuote(dialect_, RecordBefore(lowest, ends & ~quoted))) {
         case QuoteMeaning::kOpens:
-          starts |= lowest;
+          accepted |= lowest;
           break;
         case QuoteMeaning::kLiteral:
           quotes ^= lowest;
@@ -171,7 +179,7 @@ class RecordScanKernel {
   }
 
   // The current record up to the byte `at` of the block; `ends` holds those of records before it.
-  std::string_view RecordBefore(Mask at, Mask ends) const noexcept {
+  [[gnu::always_inline]] inline std::string_view RecordBefore(Mask at, Mask ends) const noexcept {
     ends &= at - 1;
     const std::size_t start =
         ends == 0 ? state_.recordStart : state_.scanned + PositionOf(ends) + 1;
@@ -179,21 +187,21 @@ class RecordScanKernel {
   }
 
   // Whether a record may have fewer than four bytes. Only those may be blank.
-  bool Crowded(Mask ends) const noexcept {
+  [[gnu::always_inline]] inline bool Crowded(Mask ends) const noexcept {
     const Mask two = ends << 1 | ends << 2;
     const Mask first = state_.ends >> 60 != 0 ? 0xF : 0;
     return (ends & (two | two << 2 | first)) != 0;
   }
 
   // The ends of records that may be two quotes, which make a blank record.
-  Mask DoubtfulEnds(Mask ends, Mask quotes) const noexcept {
+  [[gnu::always_inline]] inline Mask DoubtfulEnds(Mask ends, Mask quotes) const noexcept {
     const Mask shortRecords = Behind<3>(ends, state_.ends) | Behind<4>(ends, state_.ends);
     return ends & shortRecords & Behind<2>(quotes, state_.quotes);
   }
 
   // The ends of lines without text, among other bytes. A carriage return in front of a line feed
   // belongs to it.
-  Mask BlankEnds(const Block& block, Mask ends) const noexcept {
+  [[gnu::always_inline]] inline Mask BlankEnds(const Block& block, Mask ends) const noexcept {
     const Mask empty = Behind<1>(ends, state_.ends);
     if (dialect_.terminator == '\r') return empty;
     const bool before = state_.scanned > 0 && Next()[-1] == '\r';

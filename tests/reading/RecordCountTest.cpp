@@ -195,7 +195,8 @@ TEST(RecordScanTest, AllCodeCountsTheSame) {
     if (random() % 4 == 0) dialect.textDelimiter = '\0';
     RecordScan plain(dialect, RecordScan::Code::kPlain);
     const std::size_t whole = plain.Take(bytes, true);
-    for (const auto code : {RecordScan::Code::kBest, RecordScan::Code::kBaseline}) {
+    for (const auto code :
+         {RecordScan::Code::kBest, RecordScan::Code::kAvx2, RecordScan::Code::kBaseline}) {
       RecordScan scan(dialect, code);
       ASSERT_EQ(scan.Take(bytes, true), whole) << ::testing::PrintToString(bytes);
       ASSERT_EQ(scan.records(), plain.records()) << ::testing::PrintToString(bytes);
