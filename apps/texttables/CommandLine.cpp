@@ -3,12 +3,12 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <charconv>
+#include <unordered_set>
 
 #include "Failures.h"
 #include "Fields.h"
 #include "Terminal.h"
 #include "TextEncoding.h"
-#include "host/DataCore/DataCoreUtil.h"
 
 namespace TextTables {
 
@@ -304,11 +304,11 @@ NewField NewFieldOf(const std::string& text) {
 }
 
 void FillNewFields(const std::vector<std::string>& arguments, std::vector<NewField>& fields) {
+  std::unordered_set<std::u16string> names;
   for (const std::string& argument : arguments) {
     NewField field = NewFieldOf(Unmarked(argument));
-    for (const NewField& other : fields)
-      if (quenra::DataCoreUtil::CompareFoldCase(other.name, field.name))
-        throw UsageError("there are two fields \"" + Utf8(field.name) + "\"");
+    if (!names.insert(FoldedName(field.name)).second)
+      throw UsageError("there are two fields \"" + Utf8(field.name) + "\"");
     fields.push_back(std::move(field));
   }
 }

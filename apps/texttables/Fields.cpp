@@ -5,7 +5,7 @@
 
 #include "Failures.h"
 #include "host/CoreSupport/BString.h"
-#include "host/DataCore/DataCoreUtil.h"
+#include "host/CoreSupport/CharacterClasses.h"
 #include "host/com/ComPtr.h"
 
 namespace TextTables {
@@ -98,12 +98,25 @@ std::string FieldTypeNames() {
 
 bool IsVirtualCoordinate(const Field& field) { return field.tag == u"virtual coordinate field"; }
 
-int FindField(const std::vector<Field>& fields, const std::u16string& name) {
-  for (std::size_t i = 0; i < fields.size(); ++i)
-    if (fields[i].name == name) return static_cast<int>(i);
-  for (std::size_t i = 0; i < fields.size(); ++i)
-    if (quenra::DataCoreUtil::CompareFoldCase(fields[i].name, name)) return static_cast<int>(i);
-  return -1;
+std::u16string FoldedName(std::u16string_view name) {
+  std::u16string folded(name);
+  std::transform(folded.begin(), folded.end(), folded.begin(), quenra::ToUpper);
+  return folded;
+}
+
+FieldNames::FieldNames(const std::vector<Field>& fields) {
+  // Of several with one name the first stays.
+  for (std::size_t i = 0; i < fields.size(); ++i) {
+    exact_.emplace(fields[i].name, static_cast<int>(i));
+    folded_.emplace(FoldedName(fields[i].name), static_cast<int>(i));
+  }
+}
+
+int FieldNames::Find(const std::u16string& name) const {
+  const auto exact = exact_.find(name);
+  if (exact != exact_.end()) return exact->second;
+  const auto folded = folded_.find(FoldedName(name));
+  return folded != folded_.end() ? folded->second : -1;
 }
 
 }  // namespace TextTables

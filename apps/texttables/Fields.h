@@ -4,6 +4,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <vector>
 
 #include "host/interfaces/PlugInDataset.h"
@@ -52,8 +53,21 @@ std::string FieldTypeNames();
 // the file has no column for it.
 bool IsVirtualCoordinate(const Field& field);
 
-// The field of that name, exactly, else without regard to case; the first of several. -1 when
-// there is none.
-int FindField(const std::vector<Field>& fields, const std::u16string& name);
+// What names have in common that differ in case only.
+std::u16string FoldedName(std::u16string_view name);
+
+// Finds fields by their names, in a time that does not depend on how many there are.
+class FieldNames {
+ public:
+  explicit FieldNames(const std::vector<Field>& fields);
+
+  // The field of that name, exactly, else without regard to case; the first of several. -1 when
+  // there is none.
+  int Find(const std::u16string& name) const;
+
+ private:
+  std::unordered_map<std::u16string, int> exact_;
+  std::unordered_map<std::u16string, int> folded_;
+};
 
 }  // namespace TextTables

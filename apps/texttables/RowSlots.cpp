@@ -53,8 +53,10 @@ ColumnPlan PlanColumns(const std::vector<Field>& fields, const std::vector<std::
   plan.fieldMap.assign(fields.size(), -1);
   if (names.empty())
     for (std::size_t i = 0; i < fields.size(); ++i) AddColumn(plan, fields, i);
+  if (names.empty()) return plan;
+  const FieldNames index(fields);
   for (const std::u16string& name : names) {
-    const int field = FindField(fields, name);
+    const int field = index.Find(name);
     if (field < 0) throw UnknownColumn(fields, name);
     AddColumn(plan, fields, static_cast<std::size_t>(field));
   }

@@ -5,6 +5,7 @@
 #include <cstdlib>
 
 #include "host/CoreSupport/CharacterClasses.h"
+#include "inference/Digits.h"
 #include "schema/Utf8.h"
 
 namespace TextFile {
@@ -65,12 +66,72 @@ DatePattern::DatePattern(std::u16string_view pattern) {
     }
     i = end;
   }
+  for (const Part& part : parts_) AddSteps(part);
 }
 
 void DatePattern::AddText(std::u16string_view text) {
   if (text.empty()) return;
   if (parts_.empty() || parts_.back().kind != Kind::kText) parts_.push_back({Kind::kText, 0, {}});
   AppendUtf8(text, parts_.back().text);
+}
+
+void DatePattern::AddNumber(Number number, bool padded) {
+  const bool ends = steps_.empty() || steps_.back().number != Number::kNone;
+  if (ends) steps_.push_back({{}, 0, Number::kNone, false});
+  steps_.back().number = number;
+  steps_.back().padded = padded;
+}
+
+void DatePattern::AddSteps(const Part& part) {
+  const bool padded = part.letters >= 2;
+  switch (part.kind) {
+    case Kind::kText:
+      for (std::size_t i = 0; i < part.text.size(); i += kStepText) {
+        Step step{{}, 0, Number::kNone, false};
+        step.length = static_cast<std::uint8_t>(part.text.copy(step.text.data(), kStepText, i));
+        steps_.push_back(step);
+      }
+      return;
+    case Kind::kDay:
+      return AddNumber(Number::kDay, padded);
+    case Kind::kMonth:
+      return AddNumber(Number::kMonth, padded);
+    case Kind::kYear:
+      if (part.letters > 2) AddNumber(Number::kCentury, true);
+      return AddNumber(Number::kYear, true);
+    case Kind::kHour:
+      return AddNumber(Number::kHour, padded);
+    case Kind::kMinute:
+      return AddNumber(Number::kMinute, padded);
+    case Kind::kSecond:
+      return AddNumber(Number::kSecond, padded);
+  }
+}
+
+char* DatePattern::Write(const SYSTEMTIME& time, char* to) const noexcept {
+  // In the order of Number.
+  const std::array<WORD, 8> numbers = {0,
+                                       time.wDay,
+                                       time.wMonth,
+                                       static_cast<WORD>(time.wYear / 100),
+                                       static_cast<WORD>(time.wYear % 100),
+                                       time.wHour,
+                                       time.wMinute,
+                                       time.wSecond};
+  for (const Step& step : steps_) {
+    std::memcpy(to, step.text.data(), kStepText);
+    to += step.length;
+    if (step.number == Number::kNone) continue;
+    if (step.number == Number::kSecond && time.wMilliseconds != 0) return nullptr;
+    to = WriteUpToTwoDigits(numbers[static_cast<std::size_t>(step.number)], step.padded, to);
+  }
+  return to;
+}
+
+bool DatePattern::HasText(char character) const noexcept {
+  return std::any_of(parts_.begin(), parts_.end(), [character](const Part& part) {
+    return part.text.find(character) != std::string::npos;
+  });
 }
 
 void DatePattern::Append(const SYSTEMTIME& time, std::string& bytes) const {

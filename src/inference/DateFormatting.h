@@ -4,6 +4,8 @@
 //   pattern.Append(time, bytes);  // "05.01.2020 10:30"
 #pragma once
 
+#include <array>
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -32,6 +34,15 @@ class DatePattern {
   // Appends UTF-8. Milliseconds that are not zero follow the seconds as a fraction.
   void Append(const SYSTEMTIME& time, std::string& bytes) const;
 
+  // The same at `to`, the short way; `time` is one that exists, with a year of at most four digits.
+  // Answers the end; null, and nothing of use is written, when there are milliseconds to write.
+  // `to` has Room().
+  char* Write(const SYSTEMTIME& time, char* to) const noexcept;
+  std::size_t Room() const noexcept { return steps_.size() * sizeof(Step) + kStepText; }
+
+  // Whether the character is in the text that stands between the numbers.
+  bool HasText(char character) const noexcept;
+
  private:
   enum class Kind : std::uint8_t { kText, kDay, kMonth, kYear, kHour, kMinute, kSecond };
   struct Part {
@@ -40,9 +51,32 @@ class DatePattern {
     std::string text;  // kText: UTF-8
   };
 
+  // What Write does for a part: some text, then a number of one or two digits. Longer texts and
+  // numbers take more than one step.
+  enum class Number : std::uint8_t {
+    kNone,
+    kDay,
+    kMonth,
+    kCentury,
+    kYear,
+    kHour,
+    kMinute,
+    kSecond
+  };
+  static constexpr std::size_t kStepText = 8;
+  struct Step {
+    std::array<char, kStepText> text;
+    std::uint8_t length;  // of the text
+    Number number;
+    bool padded;  // to two digits
+  };
+
   void AddText(std::u16string_view text);
+  void AddSteps(const Part& part);
+  void AddNumber(Number number, bool padded);
 
   std::vector<Part> parts_;
+  std::vector<Step> steps_;
 };
 
 // The pattern that values of a column are written with: the column's own, else the table's, for

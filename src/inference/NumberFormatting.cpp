@@ -4,6 +4,7 @@
 #include <charconv>
 #include <limits>
 
+#include "inference/Digits.h"
 #include "schema/Utf8.h"
 
 namespace TextFile::NumberFormat {
@@ -17,10 +18,8 @@ constexpr std::uint32_t kMostDigits = 1074;
 // And no more before it than the largest, with its sign and point.
 constexpr std::size_t kBufferSize = std::numeric_limits<double>::max_exponent10 + kMostDigits + 8;
 
-int DigitsOf(const Settings& settings, FieldType type) noexcept {
-  if ((settings.specified & Settings::kNumberDigits) != 0)
-    return static_cast<int>(std::min(settings.digits, kMostDigits));
-  return type == FieldType::kSingle ? kSingleDigits : kDoubleDigits;
+constexpr bool IsReal(FieldType type) noexcept {
+  return type == FieldType::kSingle || type == FieldType::kDouble;
 }
 
 void AppendWithDecimalSymbol(const Settings& settings, std::string_view text, std::string& bytes) {
@@ -31,27 +30,51 @@ void AppendWithDecimalSymbol(const Settings& settings, std::string_view text, st
   bytes += text.substr(point + 1);
 }
 
-template <class Real>
-std::string_view Fixed(Real value, int digits, char (&buffer)[kBufferSize]) noexcept {
-  const auto result =
-      std::to_chars(buffer, buffer + kBufferSize, value, std::chars_format::fixed, digits);
+// A single and the double that is the same number have the same digits.
+double RealOf(FieldType type, const NumberValue& value) noexcept {
+  return type == FieldType::kSingle ? static_cast<double>(value.single) : value.real;
+}
+
+std::string_view WriteExactly(FieldType type, const NumberValue& value, int digits,
+                              char (&buffer)[kBufferSize]) noexcept {
+  char* const limit = buffer + kBufferSize;
+  const auto result = IsReal(type) ? std::to_chars(buffer, limit, RealOf(type, value),
+                                                   std::chars_format::fixed, digits)
+                                   : std::to_chars(buffer, limit, value.integer);
   return {buffer, static_cast<std::size_t>(result.ptr - buffer)};
 }
 
 std::string_view Write(FieldType type, const NumberValue& value, int digits,
                        char (&buffer)[kBufferSize]) noexcept {
-  if (type == FieldType::kSingle) return Fixed(value.single, digits, buffer);
-  if (type == FieldType::kDouble) return Fixed(value.real, digits, buffer);
-  const auto result = std::to_chars(buffer, buffer + kBufferSize, value.integer);
-  return {buffer, static_cast<std::size_t>(result.ptr - buffer)};
+  static_assert(kBufferSize >= std::max(kFixedRoom, kWholeRoom));
+  const char* end = nullptr;
+  if (!IsReal(type))
+    end = WriteInteger(value.integer, buffer);
+  else if (digits <= kMostPlainDigits)
+    end = WriteFixed(RealOf(type, value), digits, '.', buffer);
+  if (end == nullptr) return WriteExactly(type, value, digits, buffer);
+  return {buffer, static_cast<std::size_t>(end - buffer)};
 }
 
 }  // namespace
+
+int DigitsOf(const Settings& settings, FieldType type) noexcept {
+  if ((settings.specified & Settings::kNumberDigits) != 0)
+    return static_cast<int>(std::min(settings.digits, kMostDigits));
+  return type == FieldType::kSingle ? kSingleDigits : kDoubleDigits;
+}
 
 void AppendNumber(const Settings& settings, FieldType type, const NumberValue& value,
                   std::string& bytes) {
   char buffer[kBufferSize];
   AppendWithDecimalSymbol(settings, Write(type, value, DigitsOf(settings, type), buffer), bytes);
+}
+
+void AppendNumberExactly(const Settings& settings, FieldType type, const NumberValue& value,
+                         std::string& bytes) {
+  char buffer[kBufferSize];
+  const int digits = DigitsOf(settings, type);
+  AppendWithDecimalSymbol(settings, WriteExactly(type, value, digits, buffer), bytes);
 }
 
 bool AppendNumberWithin(const Settings& settings, FieldType type, const NumberValue& value,

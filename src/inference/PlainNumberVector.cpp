@@ -73,10 +73,8 @@ alignas(16) constexpr auto kDrops = DropsByLane();
   const char16_t* units = text.data();
   std::size_t length = text.size();
   const bool negative = length != 0 && *units == u'-';
-  if (negative) {
-    ++units;
-    --length;
-  }
+  units += negative;
+  length -= negative;
   if (length < kLeast || length > kLanes || (decimalSymbol != u'.' && decimalSymbol != u','))
     return ReadPlainNumber(decimalSymbol, text, number);
 

@@ -6,6 +6,7 @@
 //   std::u16string copy(ViewOf(name));
 #pragma once
 
+#include <cstring>
 #include <string_view>
 
 #include "platform/OleAutomation.h"
@@ -33,5 +34,8 @@ inline const char16_t* AsText(const OLECHAR* text) { return text; }
 // The whole text, zeros inside it included; empty for null. Valid as long as the BSTR is.
 inline std::u16string_view ViewOf(BSTR text) {
   if (text == nullptr) return {};
-  return {AsText(text), ::SysStringLen(text)};
+  // What SysStringLen answers, without the call: every BSTR has its length in bytes before it.
+  UINT bytes = 0;
+  std::memcpy(&bytes, reinterpret_cast<const char*>(text) - sizeof bytes, sizeof bytes);
+  return {AsText(text), bytes / sizeof(OLECHAR)};
 }

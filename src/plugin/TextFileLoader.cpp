@@ -1,8 +1,7 @@
 #include "plugin/TextFileLoader.h"
 
-#include <vector>
-
 #include "host/AppEventLog/EventLog.h"
+#include "host/CoreSupport/Variant.h"
 #include "host/com/ComCatch.h"
 #include "host/com/ComPtr.h"
 #include "plugin/TextFileErrors.h"
@@ -10,32 +9,38 @@
 namespace quenra {
 namespace {
 
-// The values of one row, cleared when they go.
-class RowValues {
- public:
-  explicit RowValues(LONG count) : values_(static_cast<std::size_t>(count)) {
-    for (VARIANT& value : values_) ::VariantInit(&value);
-  }
-  ~RowValues() {
-    for (VARIANT& value : values_) ::VariantClear(&value);
-  }
-  RowValues(const RowValues&) = delete;
-  RowValues& operator=(const RowValues&) = delete;
+// VariantClear, without the calls for values that own nothing and for texts.
+void Clear(VARIANT& value) noexcept {
+  if (value.vt == VT_BSTR)
+    ::SysFreeString(value.bstrVal);
+  else
+    ClearVariant(value);
+  value.vt = VT_EMPTY;
+}
 
-  HRESULT Fetch(HostRowBuffer& row) noexcept {
+}  // namespace
+
+// The values of a row, which are cleared when this goes.
+class TextFileLoader::Fetched {
+ public:
+  // `values` are VT_EMPTY, and are so again afterwards.
+  explicit Fetched(std::vector<VARIANT>& values) noexcept : values_(values) {}
+  ~Fetched() {
+    for (VARIANT& value : values_) Clear(value);
+  }
+  Fetched(const Fetched&) = delete;
+  Fetched& operator=(const Fetched&) = delete;
+
+  HRESULT From(HostRowBuffer& row) noexcept {
     LONG index = 0;
     for (VARIANT& value : values_)
       if (const HRESULT result = row.GetValue(index++, &value); FAILED(result)) return result;
     return S_OK;
   }
 
-  const std::vector<VARIANT>& Get() const noexcept { return values_; }
-
  private:
-  std::vector<VARIANT> values_;
+  std::vector<VARIANT>& values_;
 };
-
-}  // namespace
 
 TextFileLoader::TextFileLoader(std::unique_ptr<TextFile::RowWriter> writer)
     : writer_(std::move(writer)) {}
@@ -57,9 +62,10 @@ HRESULT STDMETHODCALLTYPE TextFileLoader::LoadRow(HostRowBuffer* row) try {
     if (const HRESULT result = fields->GetFieldCount(&count); FAILED(result)) return result;
   }
   if (count < 0) return E_INVALIDARG;
-  RowValues values(count);
-  if (const HRESULT result = values.Fetch(*row); FAILED(result)) return result;
-  if (!writer_->Write(values.Get())) return ChainTextFileError(E_FAIL, writer_->failure());
+  values_.resize(static_cast<std::size_t>(count));
+  Fetched values(values_);
+  if (const HRESULT result = values.From(*row); FAILED(result)) return result;
+  if (!writer_->Write(values_)) return ChainTextFileError(E_FAIL, writer_->failure());
   return S_OK;
 } catch (...) {
   return HResultFromCurrentException();

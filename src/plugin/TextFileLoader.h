@@ -2,6 +2,7 @@
 #pragma once
 
 #include <memory>
+#include <vector>
 
 #include "host/com/Implements.h"
 #include "host/interfaces/PlugInLoader.h"
@@ -26,7 +27,10 @@ class TextFileLoader final : public Implements<IPlugInDatasetLoader> {
   HRESULT STDMETHODCALLTYPE LoadRow(HostRowBuffer* row) override;
 
  private:
+  class Fetched;
+
   const std::unique_ptr<TextFile::RowWriter> writer_;
+  std::vector<VARIANT> values_;  // of the row at hand, else VT_EMPTY
 };
 
 }  // namespace quenra

@@ -62,43 +62,58 @@ DelimitedReader::Step DelimitedReader::TakePlainFields() {
     }
     SetCursor(begin);
     const Step step =
-        TakeStoppedField(block + static_cast<std::size_t>(std::countr_zero(firstStop)));
+        TakeStoppedField(finder, block + static_cast<std::size_t>(std::countr_zero(firstStop)));
     if (step != Step::kField) return step;
     block = begin = cursor();
   }
 }
 
 // Takes the field at the cursor, whose first text delimiter is at `stop`; or the line ends there.
-DelimitedReader::Step DelimitedReader::TakeStoppedField(std::size_t stop) {
+DelimitedReader::Step DelimitedReader::TakeStoppedField(const SpecialUnitFinder& finder,
+                                                        std::size_t stop) {
   if (line()[stop] == 0) return AddField(cursor(), stop, stop);
-  return stop == cursor() ? TakeQuotedField() : TakeFieldWithQuotes(stop);
+  return stop == cursor() ? TakeQuotedField(finder) : TakeFieldWithQuotes(stop);
 }
 
 // Takes a field that is quoted from its first character to its last.
-DelimitedReader::Step DelimitedReader::TakeQuotedField() {
+DelimitedReader::Step DelimitedReader::TakeQuotedField(const SpecialUnitFinder& finder) {
   const char16_t* const text = line();
   std::size_t begin = cursor() + 1;
+  std::size_t block = begin;
+  std::uint32_t stops = finder.Look(text + block).stops;
   for (;;) {
-    const auto close =
-        static_cast<std::size_t>(FindEither(text + begin, textDelimiter_, textDelimiter_) - text);
+    while (stops == 0) {
+      block += SpecialUnitFinder::kBlockUnits;
+      stops = finder.Look(text + block).stops;
+    }
+    const std::size_t close = block + static_cast<std::size_t>(std::countr_zero(stops));
     if (text[close] == 0) break;
     const char16_t behind = text[close + 1];
-    if (behind == textDelimiter_) {
-      // Doubled, it is one of the text, which then has to be put together.
-      record_.AppendFromLine(text, begin, close + 1);
-      begin = close + 2;
-    } else if (behind != delimiter_ && behind != 0) {
-      break;
-    } else if (record_.OpenField().empty()) {
-      return AddField(begin, close, close + 1);
+    if (behind != textDelimiter_) {
+      if (behind != delimiter_ && behind != 0) break;
+      return EndQuotedField(begin, close);
+    }
+    // Doubled, it is one of the text, which then has to be put together.
+    record_.AppendFromLine(text, begin, close + 1);
+    begin = close + 2;
+    stops &= stops - 1;
+    if (begin - block < SpecialUnitFinder::kBlockUnits) {
+      stops &= stops - 1;
     } else {
-      record_.AppendFromLine(text, begin, close);
-      record_.EndField();
-      return GoBehind(close + 1);
+      block = begin;
+      stops = finder.Look(text + block).stops;
     }
   }
   record_.DropOpenField();
   return Step::kUndecided;
+}
+
+// The last piece of the field is [begin, close) of the line.
+DelimitedReader::Step DelimitedReader::EndQuotedField(std::size_t begin, std::size_t close) {
+  if (record_.OpenField().empty()) return AddField(begin, close, close + 1);
+  record_.AppendFromLine(line(), begin, close);
+  record_.EndField();
+  return GoBehind(close + 1);
 }
 
 // Takes a field that does not begin with the text delimiter that is at `quote`: single ones inside

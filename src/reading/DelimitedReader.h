@@ -5,6 +5,8 @@
 
 namespace TextFile {
 
+class SpecialUnitFinder;
+
 // Splitting, with the apostrophe as text delimiter:
 //   a,'b,c',d           [a] [b,c] [d]
 //   a,'say ''hi''',b    [a] [say 'hi'] [b]
@@ -32,8 +34,9 @@ class DelimitedReader final : public Reader {
 
   Step TakeFields();
   Step TakePlainFields();
-  Step TakeStoppedField(std::size_t stop);
-  Step TakeQuotedField();
+  Step TakeStoppedField(const SpecialUnitFinder& finder, std::size_t stop);
+  Step TakeQuotedField(const SpecialUnitFinder& finder);
+  Step EndQuotedField(std::size_t begin, std::size_t close);
   Step TakeFieldWithQuotes(std::size_t quote);
   Step AddField(std::size_t begin, std::size_t end, std::size_t delimiter);
   Step GoBehind(std::size_t delimiter) noexcept;

@@ -43,7 +43,7 @@ void FixedWidthReader::TakeFieldsOfLine() {
     if (begin == end) return;
     const bool whole = width > 0 && static_cast<std::uint64_t>(width) <= end - begin;
     const std::size_t length = whole ? static_cast<std::size_t>(width) : end - begin;
-    const std::u16string_view kept = quenra::TrimBlanks({text + begin, length});
+    const std::u16string_view kept = TrimBlanksInSteps(text + begin, length);
     record_.AddFromLine(text, static_cast<std::size_t>(kept.data() - text), kept.size());
     begin += length;
   }

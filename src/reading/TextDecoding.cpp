@@ -57,8 +57,8 @@ std::size_t WidenAscii(std::string_view bytes, char16_t* text) noexcept {
   std::size_t i = 0;
   while (i + kStep <= size) {
     const std::size_t step = WidenStep(source + i, text + i);
-    i += step;
-    if (step < kStep) return i;
+    if (step < kStep) return i + step;
+    i += kStep;
   }
   if (i < size && size >= kStep) {
     // Once more over bytes that are known to be ASCII, rather than the last ones one by one.
@@ -169,10 +169,15 @@ std::size_t WidenLine(std::string_view bytes, bool asUtf8, UnitBuffer& line) {
         _mm_or_si128(_mm_cmpeq_epi8(narrow, lineFeeds), _mm_cmpeq_epi8(narrow, zeros));
     // Bytes above 127 have the bit that is gathered set themselves.
     const auto special = static_cast<std::uint32_t>(_mm_movemask_epi8(_mm_or_si128(ends, narrow)));
-    const auto plain = static_cast<std::size_t>(std::countr_zero(special | 0x10000));
+    if (special == 0) {
+      // Apart from the counting below, so that no step waits for the one before it.
+      i += kStep;
+      units += kStep;
+      continue;
+    }
+    const auto plain = static_cast<std::size_t>(std::countr_zero(special));
     i += plain;
     units += plain;
-    if (special == 0) continue;
     if (bytes[i] == '\n') {
       line.Shorten(units);
       return i;

@@ -36,7 +36,7 @@ class UnitBuffer {
   void DropLast() noexcept { --size_; }
 
   // Appends `count` units, in steps of kStep: that many can be read behind them.
-  static constexpr std::size_t kStep = 8;
+  static constexpr std::size_t kStep = 16;
   void AppendInSteps(const char16_t* units, std::size_t count) {
     if (capacity_ - size_ < count + kStep) Grow(size_ + count + kStep, size_);
     char16_t* const target = units_.get() + size_;

@@ -4,6 +4,9 @@
 #include <bit>
 #include <cstddef>
 #include <cstdint>
+#include <string_view>
+
+#include "host/CoreSupport/CharacterClasses.h"
 
 #if defined(__SSE2__)
 #include <emmintrin.h>
@@ -36,6 +39,33 @@ inline const char16_t* FindEither(const char16_t* text, char16_t first, char16_t
 #endif
 }
 
+// quenra::TrimBlanks of [text, text + length), behind which kSearchPadding units can be read.
+inline std::u16string_view TrimBlanksInSteps(const char16_t* text, std::size_t length) noexcept {
+#if defined(__SSE2__)
+  constexpr std::size_t kStep = 8;
+  const __m128i blanks = _mm_set1_epi16(u' ');
+  // Two bits for each unit of a step that is no blank.
+  const auto others = [blanks](const char16_t* units) {
+    const __m128i loaded = _mm_loadu_si128(reinterpret_cast<const __m128i*>(units));
+    return static_cast<std::uint32_t>(_mm_movemask_epi8(_mm_cmpeq_epi16(loaded, blanks))) ^ 0xFFFF;
+  };
+  std::size_t begin = 0;
+  for (; begin < length; begin += kStep) {
+    const std::uint32_t found = others(text + begin);
+    if (found == 0) continue;
+    begin += static_cast<std::size_t>(std::countr_zero(found)) / 2;
+    break;
+  }
+  if (begin >= length) return {text + length, 0};
+  // From here on a unit that is no blank comes in front of every place that is looked at.
+  while (length >= begin + kStep && others(text + length - kStep) == 0) length -= kStep;
+  while (text[length - 1] == u' ') --length;
+  return {text + begin, length - begin};
+#else
+  return quenra::TrimBlanks({text, length});
+#endif
+}
+
 // Where the special units among kBlockUnits stand, a bit each, the first unit lowest.
 struct SpecialUnits {
   std::uint32_t delimiters;
@@ -52,7 +82,7 @@ class SpecialUnitFinder {
       : delimiters_(_mm_set1_epi16(static_cast<short>(delimiter))),
         textDelimiters_(_mm_set1_epi16(static_cast<short>(textDelimiter))) {}
 
-  // Looks at the units at `text`, which can be read. Behind the first stop nothing is said about
+  // Looks at the units at `text`, which can be read. Behind the first zero nothing is said about
   // them.
   SpecialUnits Look(const char16_t* text) const noexcept {
     const SpecialUnits low = LookAtSixteen(text);
@@ -86,11 +116,12 @@ class SpecialUnitFinder {
 
   SpecialUnits Look(const char16_t* text) const noexcept {
     SpecialUnits found{};
-    for (std::uint32_t bit = 1; bit != 0 && found.stops == 0; bit <<= 1, ++text) {
+    for (std::uint32_t bit = 1; bit != 0; bit <<= 1, ++text) {
       if (*text == delimiter_)
         found.delimiters |= bit;
       else if (*text == textDelimiter_ || *text == 0)
         found.stops |= bit;
+      if (*text == 0) break;
     }
     return found;
   }

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <boost/filesystem.hpp>
+#include <cstring>
 #include <locale>
 
 #include "host/AppEventLog/EventLog.h"
@@ -10,6 +11,7 @@
 #include "host/CoreSupport/Variant.h"
 #include "host/com/ComPtr.h"
 #include "host/interfaces/HostTimestampOffset.h"
+#include "inference/Digits.h"
 #include "inference/NumberFormatting.h"
 #include "platform/FileNames.h"
 #include "platform/LocaleInfo.h"
@@ -70,23 +72,29 @@ VARTYPE VariantTypeOf(FieldType type) noexcept {
   }
 }
 
+// Of a VT_I2, VT_I4 or VT_I8.
+std::int64_t IntegerOf(const VARIANT& value) noexcept {
+  switch (value.vt) {
+    case VT_I2:
+      return value.iVal;
+    case VT_I4:
+      return value.lVal;
+    default:
+      return value.llVal;
+  }
+}
+
 NumberValue NumberOf(const VARIANT& value) noexcept {
   NumberValue number;
   switch (value.vt) {
-    case VT_I2:
-      number.integer = value.iVal;
-      break;
-    case VT_I4:
-      number.integer = value.lVal;
-      break;
-    case VT_I8:
-      number.integer = value.llVal;
-      break;
     case VT_R4:
       number.single = value.fltVal;
       break;
-    default:
+    case VT_R8:
       number.real = value.dblVal;
+      break;
+    default:
+      number.integer = IntegerOf(value);
       break;
   }
   return number;
@@ -128,23 +136,67 @@ RowWriter::RowWriter(const TextDatasetDescription& table)
       options_(table.options),
       delimiter_(Utf8Of(table.options.delimiter)),
       textDelimiter_(Utf8Of(table.options.textDelimiter)),
+      texts_(static_cast<char>(table.options.delimiter),
+             static_cast<char>(table.options.textDelimiter)),
       lineEnd_(table.options.recordTerminator == '\r' ? std::string_view("\r") : kLineEnd) {
-  for (const FieldDefinition& field : table.fields) {
+  for (std::size_t i = 0; i < table.fields.size(); ++i) {
+    const FieldDefinition& field = table.fields[i];
+    if (field.isCoordinate) continue;
     Column column;
+    column.field = i;
     column.name = field.name;
     column.type = field.type;
     // A delimited column has no use for a width of nothing; schema.ini would not keep it either.
     const bool anyWidth = !options_.fixedLength && field.width < 1;
     column.width =
         static_cast<std::size_t>(anyWidth ? kDefaultTextWidth : std::max(field.width, 0));
-    column.isVirtual = field.isCoordinate;
     column.hasOwnPattern = !field.dateFormat.pattern.empty();
     column.pattern =
         DatePattern(WritingPattern(field.dateFormat, field.type, TablePatternFor(field, options_)));
+    column.digits = NumberFormat::DigitsOf(options_.number, field.type);
+    column.way = WayOf(column);
+    column.wanted = column.way == Way::kDate ? VARTYPE{VT_DATE} : VariantTypeOf(column.type);
+    column.room = column.way == Way::kDate ? column.pattern.Room() : kFixedRoom;
+    column.room += separator_.size() + 1;
+    column.separatorSize = columns_.empty() || options_.fixedLength ? 0 : delimiter_.size();
     columns_.push_back(std::move(column));
   }
-  singleColumn_ = std::count_if(columns_.begin(), columns_.end(),
-                                [](const Column& column) { return !column.isVirtual; }) == 1;
+  delimiter_.copy(separator_.data(), separator_.size());
+  singleColumn_ = columns_.size() == 1;
+}
+
+// A column may go straight into the buffer when nothing but a text can hold the delimiter.
+RowWriter::Way RowWriter::WayOf(const Column& column) const {
+  const char16_t delimiter = options_.delimiter;
+  const char16_t symbol = options_.number.decimalSymbol;
+  const bool usual =
+      IsUsualMark(delimiter) && delimiter != u'-' && (delimiter < u'0' || delimiter > u'9');
+  if (options_.fixedLength || !usual) return Way::kGeneral;
+  switch (column.type) {
+    case FieldType::kString:
+    case FieldType::kGuid:
+    case FieldType::kGlobalId:
+      return QuotedText::Takes(delimiter, options_.textDelimiter) ? Way::kText : Way::kGeneral;
+    case FieldType::kDate:
+    case FieldType::kDateOnly:
+    case FieldType::kTimeOnly:
+      return column.pattern.HasText(static_cast<char>(delimiter)) || column.pattern.HasText('\r') ||
+                     column.pattern.HasText('\n')
+                 ? Way::kGeneral
+                 : Way::kDate;
+    case FieldType::kSingle:
+    case FieldType::kDouble:
+      return IsUsualMark(symbol) && symbol != delimiter && column.digits <= kMostPlainDigits
+                 ? Way::kReal
+                 : Way::kGeneral;
+    case FieldType::kSmallInteger:
+    case FieldType::kInteger:
+    case FieldType::kBigInteger:
+    case FieldType::kObjectId:
+      return Way::kInteger;
+    default:
+      return Way::kGeneral;
+  }
 }
 
 RowWriter::~RowWriter() {
@@ -203,7 +255,7 @@ void RowWriter::EndLastLine() {
   if (encoding_ == Encoding::kUtf16LE) {
     const bool ended =
         byteAt(size - 2) == static_cast<unsigned char>(lineEnd_.back()) && byteAt(size - 1) == 0;
-    if (size > 2 && !ended) buffer_ += lineEnd_;
+    if (size > 2 && !ended) buffer_.Append(lineEnd_);
     return;
   }
   constexpr int kTextEnd = 0x1A;
@@ -211,43 +263,91 @@ void RowWriter::EndLastLine() {
   while (size > 0 && byteAt(size - 1) == kTextEnd) --size;
   const bool onlyMark = size == 3 && byteAt(0) == 0xEF && byteAt(1) == 0xBB && byteAt(2) == 0xBF;
   if (size > 0 && !onlyMark && byteAt(size - 1) != static_cast<unsigned char>(lineEnd_.back()))
-    buffer_ += lineEnd_;
+    buffer_.Append(lineEnd_);
   reader.close();
   boost::system::error_code ignored;
   if (size < before) fs::resize_file(native, static_cast<std::uintmax_t>(size), ignored);
 }
 
-bool RowWriter::Write(std::span<const VARIANT> values) {
-  bool first = true;
-  for (std::size_t i = 0; i < columns_.size(); ++i) {
-    if (columns_[i].isVirtual) continue;
-    if (!first && !options_.fixedLength) buffer_ += delimiter_;
-    first = false;
-    static const VARIANT kMissing{};
-    AppendValue(columns_[i], i < values.size() ? values[i] : kMissing);
+// A usual value of a usual table and the separator before it, with what AppendGenerally would
+// append. False, and nothing is appended, for any other.
+inline bool RowWriter::AppendStraight(const Column& column, const VARIANT& value) {
+  if (column.way == Way::kGeneral) return false;
+  const bool isNull = IsNull(value);
+  // A host that spares itself the copy lends its text.
+  const bool isLent =
+      column.way == Way::kText && value.vt == (VT_BSTR | VT_BYREF) && value.pbstrVal != nullptr;
+  if (!isNull && !isLent && value.vt != column.wanted) return false;
+  std::u16string_view text;
+  if (column.way == Way::kText && !isNull) {
+    text = ViewOf(isLent ? *value.pbstrVal : value.bstrVal);
+    if (text.size() > column.width) text = CutText(text, column.width);
   }
-  buffer_ += lineEnd_;
+  char* const place = buffer_.Room(column.room + QuotedText::Room(text.size()));
+  std::memcpy(place, separator_.data(), separator_.size());
+  char* const start = place + column.separatorSize;
+  char* end = isNull ? start : WriteStraight(column, value, text, start);
+  if (end == nullptr) return false;
+  // A blank line would be no row.
+  if (end == start && singleColumn_) *end++ = ' ';
+  buffer_.EndAt(end);
+  return true;
+}
+
+// The end of what has been written to `to`; null when the value is not a usual one.
+inline char* RowWriter::WriteStraight(const Column& column, const VARIANT& value,
+                                      std::u16string_view text, char* to) const {
+  SYSTEMTIME time;
+  switch (column.way) {
+    case Way::kInteger:
+      return WriteInteger(IntegerOf(value), to);
+    case Way::kReal:
+      return WriteFixed(value.vt == VT_R4 ? static_cast<double>(value.fltVal) : value.dblVal,
+                        column.digits, static_cast<char>(options_.number.decimalSymbol), to);
+    case Way::kDate:
+      return quenra::DatetimeHelper::FromOADate(value.date, time) ? column.pattern.Write(time, to)
+                                                                  : nullptr;
+    case Way::kText:
+      return texts_.Write(text, to);
+    default:
+      return nullptr;
+  }
+}
+
+bool RowWriter::Write(std::span<const VARIANT> values) {
+  static const VARIANT kMissing{};
+  const std::size_t start = buffer_.size();
+  try {
+    for (const Column& column : columns_) {
+      const VARIANT& value = column.field < values.size() ? values[column.field] : kMissing;
+      if (!AppendStraight(column, value)) AppendGenerally(column, value);
+    }
+    buffer_.Append(lineEnd_);
+  } catch (...) {
+    buffer_.CutTo(start);
+    throw;
+  }
   return buffer_.size() < kBufferBytes || Flush();
 }
 
 bool RowWriter::Flush() {
-  if (buffer_.empty()) return true;
+  if (buffer_.size() == 0) return true;
   const fs::path native(NativeFromFileName(path_));
   boost::system::error_code error;
   const std::uintmax_t before = fs::file_size(native, error);
   std::string encoded;
   if (encoding_ == Encoding::kUtf16LE) {
     UnitBuffer text;
-    DecodeUtf8(buffer_, text);
+    DecodeUtf8(buffer_.View(), text);
     for (const char16_t unit : text.View()) {
       encoded += static_cast<char>(unit & 0xFF);
       encoded += static_cast<char>(unit >> 8);
     }
   }
-  const std::string& bytes = encoding_ == Encoding::kUtf16LE ? encoded : buffer_;
+  const std::string_view bytes = encoding_ == Encoding::kUtf16LE ? encoded : buffer_.View();
   const auto size = static_cast<std::streamsize>(bytes.size());
   const bool written = file_.sputn(bytes.data(), size) == size && file_.pubsync() == 0;
-  buffer_.clear();
+  buffer_.CutTo(0);
   if (written) return true;
   // Part of a row may have reached the file.
   file_.close();
@@ -267,9 +367,11 @@ bool RowWriter::Close() {
 // Values
 // ---------------------------------------------------------------------------------------------
 
-void RowWriter::AppendValue(const Column& column, const VARIANT& value) {
+// Any value of any table.
+void RowWriter::AppendGenerally(const Column& column, const VARIANT& value) {
   value_.clear();
   leadingQuote_ = false;
+  buffer_.Append({separator_.data(), column.separatorSize});
   if (!IsNull(value) && (!FormatValue(column, value) || !CanStand())) {
     value_.clear();
     quenra::EventLog::Write(u"In file " + tableName_ + u", a value of field " + column.name +
@@ -405,19 +507,23 @@ bool RowWriter::NeedsQuotes() const noexcept {
 void RowWriter::AppendDelimited() {
   if (value_.empty()) {
     // A blank line would be no row.
-    if (singleColumn_) buffer_ += ' ';
+    if (singleColumn_) buffer_.Append(" ");
     return;
   }
   const bool quotes = !textDelimiter_.empty() && NeedsQuotes();
-  if (quotes) buffer_ += textDelimiter_;
-  buffer_ += value_;
-  if (quotes) buffer_ += textDelimiter_;
+  if (quotes) buffer_.Append(textDelimiter_);
+  buffer_.Append(value_);
+  if (quotes) buffer_.Append(textDelimiter_);
 }
 
 void RowWriter::AppendPadded(const Column& column) {
   const std::size_t units = Utf16Length(value_);
-  if (units < column.width) buffer_.append(column.width - units, ' ');
-  buffer_ += value_;
+  if (units < column.width) {
+    const std::size_t blanks = column.width - units;
+    char* const place = buffer_.Room(blanks);
+    buffer_.EndAt(std::fill_n(place, blanks, ' '));
+  }
+  buffer_.Append(value_);
 }
 
 }  // namespace TextFile

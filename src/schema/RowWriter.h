@@ -7,6 +7,7 @@
 // ends with one, also when the disk is full or the process is ended.
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <fstream>
@@ -18,6 +19,8 @@
 #include "inference/DateFormatting.h"
 #include "platform/OleAutomation.h"
 #include "reading/TextDatasetDescription.h"
+#include "schema/ByteBuffer.h"
+#include "schema/QuotedText.h"
 
 namespace TextFile {
 
@@ -47,13 +50,22 @@ class RowWriter {
   const std::u16string& failure() const noexcept { return failure_; }
 
  private:
+  // How the values of a column become bytes: straight into the buffer, or the general way.
+  enum class Way : std::uint8_t { kGeneral, kInteger, kReal, kText, kDate };
+
+  // A column of the file.
   struct Column {
+    std::size_t field;  // its place in a row of values
     std::u16string name;
     FieldType type;
     std::size_t width;  // UTF-16 code units
-    bool isVirtual;
     bool hasOwnPattern;
     DatePattern pattern;  // dates and times
+    Way way;
+    VARTYPE wanted;             // the variant type that the values have when they take that way
+    int digits;                 // kReal
+    std::size_t room;           // bytes of a value and what stands around it; not of a text
+    std::size_t separatorSize;  // of what stands before the value
   };
 
   enum class Encoding : std::uint8_t { kUtf8, kUtf16LE };
@@ -63,7 +75,11 @@ class RowWriter {
   bool FindEncoding();
   bool Append();  // opens the file for writing behind its end
   void EndLastLine();
-  void AppendValue(const Column& column, const VARIANT& value);
+  Way WayOf(const Column& column) const;
+  bool AppendStraight(const Column& column, const VARIANT& value);
+  char* WriteStraight(const Column& column, const VARIANT& value, std::u16string_view text,
+                      char* to) const;
+  void AppendGenerally(const Column& column, const VARIANT& value);
   bool FormatValue(const Column& column, const VARIANT& value);
   bool FormatNumber(const Column& column, const VARIANT& value);
   bool FormatText(const Column& column, const VARIANT& value);
@@ -79,14 +95,16 @@ class RowWriter {
   const std::u16string tableName_;
   const SchemaOptions options_;
   std::vector<Column> columns_;
-  bool singleColumn_ = false;  // of the file, not counting virtual fields
-  std::string delimiter_;      // UTF-8
-  std::string textDelimiter_;  // UTF-8; empty: no quoting
+  bool singleColumn_ = false;
+  std::string delimiter_;            // UTF-8
+  std::string textDelimiter_;        // UTF-8; empty: no quoting
+  QuotedText texts_;                 // kText
+  std::array<char, 4> separator_{};  // the delimiter once more, of a size that is copied at once
   std::string lineEnd_;
 
   std::filebuf file_;
   Encoding encoding_ = Encoding::kUtf8;
-  std::string buffer_;         // whole rows that are not in the file yet, as UTF-8
+  ByteBuffer buffer_;          // whole rows that are not in the file yet, as UTF-8
   std::string value_;          // the value that is being formatted
   bool leadingQuote_ = false;  // its first character that is not white space is a text delimiter
   std::u16string failure_;

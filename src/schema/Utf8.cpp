@@ -25,33 +25,40 @@ CodePoint TakeCodePoint(std::u16string_view text, std::size_t& i) noexcept {
 
 constexpr char Byte(char32_t value) noexcept { return static_cast<char>(value); }
 
-void AppendCodePoint(char32_t point, std::string& bytes) {
+char* WriteCodePoint(char32_t point, char* to) noexcept {
   if (point < 0x80) {
-    bytes += Byte(point);
+    *to++ = Byte(point);
   } else if (point < 0x800) {
-    bytes += Byte(0xC0 | point >> 6);
-    bytes += Byte(0x80 | (point & 0x3F));
+    *to++ = Byte(0xC0 | point >> 6);
+    *to++ = Byte(0x80 | (point & 0x3F));
   } else if (point < 0x10000) {
-    bytes += Byte(0xE0 | point >> 12);
-    bytes += Byte(0x80 | (point >> 6 & 0x3F));
-    bytes += Byte(0x80 | (point & 0x3F));
+    *to++ = Byte(0xE0 | point >> 12);
+    *to++ = Byte(0x80 | (point >> 6 & 0x3F));
+    *to++ = Byte(0x80 | (point & 0x3F));
   } else {
-    bytes += Byte(0xF0 | point >> 18);
-    bytes += Byte(0x80 | (point >> 12 & 0x3F));
-    bytes += Byte(0x80 | (point >> 6 & 0x3F));
-    bytes += Byte(0x80 | (point & 0x3F));
+    *to++ = Byte(0xF0 | point >> 18);
+    *to++ = Byte(0x80 | (point >> 12 & 0x3F));
+    *to++ = Byte(0x80 | (point >> 6 & 0x3F));
+    *to++ = Byte(0x80 | (point & 0x3F));
   }
+  return to;
 }
 
 }  // namespace
 
 void AppendUtf8(std::u16string_view text, std::string& bytes) {
   for (std::size_t i = 0; i < text.size();) {
-    if (text[i] < 0x80)
+    if (text[i] < 0x80) {
       bytes += static_cast<char>(text[i++]);
-    else
-      AppendCodePoint(TakeCodePoint(text, i).value, bytes);
+      continue;
+    }
+    char character[4];
+    bytes.append(character, WriteCharacter(text, i, character));
   }
+}
+
+char* WriteCharacter(std::u16string_view text, std::size_t& i, char* to) noexcept {
+  return WriteCodePoint(TakeCodePoint(text, i).value, to);
 }
 
 std::u16string_view CutText(std::u16string_view text, std::size_t length) noexcept {

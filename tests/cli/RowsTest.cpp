@@ -27,6 +27,23 @@ std::string Utf16(std::u16string_view text) {
   return bytes;
 }
 
+TEST_F(RowsTest, ThousandsOfColumnsAreChosenByName) {
+  constexpr int kColumns = 12'000;
+  constexpr int kChosen = 10'000;  // about as many as a command line holds
+  std::string header;
+  std::string values;
+  std::string chosen;
+  for (int i = 0; i < kColumns; ++i) {
+    header += (i > 0 ? ",c" : "c") + std::to_string(i);
+    values += (i > 0 ? "," : "") + std::to_string(i % 10);
+    if (i >= kColumns - kChosen) chosen += (chosen.empty() ? "C" : ",C") + std::to_string(i);
+  }
+  Write("wide.csv", header + "\n" + values + "\n");
+  const std::string some = Output({"rows", "wide.csv", "--format", "csv", "--columns", chosen});
+  EXPECT_EQ(some.substr(some.find('\n') + 1),
+            values.substr(values.size() - 2 * kChosen + 1) + "\n");
+}
+
 TEST_F(RowsTest, JsonLinesHaveNaturalValues) {
   WriteAllTypes();
   const std::string expected =

@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <vector>
+
 #include "inference/DateFormatting.h"
 #include "support/TestText.h"
 
@@ -55,6 +57,31 @@ constexpr PatternCase kPatternCases[] = {
 TEST(DateFormattingTest, PatternsFollowTheTable) {
   for (const PatternCase& c : kPatternCases)
     EXPECT_EQ(Written(c.pattern, Time(2003, 2, 1, 4, 5, 6)), c.text) << ToUtf8(c.pattern);
+}
+
+TEST(DateFormattingTest, TheShortWayWritesTheSame) {
+  std::vector<SYSTEMTIME> times;
+  for (int i = 0; i < 100; ++i)
+    times.push_back(Time(100 + 99 * i + i % 2, 1 + i % 12, 1 + i % 31, i % 24, i % 60, i * 7 % 60));
+  std::vector<std::u16string_view> patterns = {u"'a text of many more than eight letters'yyyy",
+                                               u"ss", u"s", u"MMMM"};
+  for (const PatternCase& c : kPatternCases) patterns.push_back(c.pattern);
+  for (const std::u16string_view text : patterns) {
+    const DatePattern pattern(text);
+    std::string bytes(pattern.Room(), '?');
+    for (const SYSTEMTIME& time : times) {
+      const char* const end = pattern.Write(time, bytes.data());
+      ASSERT_NE(end, nullptr);
+      EXPECT_EQ(bytes.substr(0, static_cast<std::size_t>(end - bytes.data())), Written(text, time));
+    }
+  }
+}
+
+TEST(DateFormattingTest, TheShortWayLeavesFractionsToTheOther) {
+  const SYSTEMTIME time = Time(2003, 2, 1, 4, 5, 6, 7);
+  char bytes[200];
+  EXPECT_EQ(DatePattern(u"HH:mm:ss").Write(time, bytes), nullptr);
+  EXPECT_EQ(std::string(bytes, DatePattern(u"HH:mm").Write(time, bytes)), "04:05");
 }
 
 TEST(DateFormattingTest, HoursCountTo23) {

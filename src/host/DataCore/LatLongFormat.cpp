@@ -13,6 +13,7 @@ using latlong::FoldedText;
 using latlong::Joint;
 using latlong::LetterSide;
 using latlong::Notation;
+using latlong::Pair;
 using latlong::StandardPair;
 
 // A bare pair of numbers is a position when one of them has this many decimals; `24.0, 26.0` is
@@ -52,15 +53,6 @@ struct Format {
     format.twoTexts = (code & 1 << 10) != 0;
     return format;
   }
-};
-
-// Two halves, and how one text joins them.
-struct Pair {
-  Coordinate first;
-  Coordinate second;
-  bool twoTexts = false;
-  char separator = '\0';  // ',' ';' '/', or '\0' when there is none but a blank
-  bool blank = false;
 };
 
 struct Result {
@@ -265,6 +257,8 @@ bool CommaCanSeparate(const Format& hint) noexcept {
 
 bool ReadSingle(std::u16string_view text, const Format& hint, Result& result) noexcept {
   if (!latlong::MayStartCoordinate(text)) return false;
+  Pair pair;
+  if (latlong::ReadMarkedPair(text, pair)) return Judge(pair, hint, result);
   FoldedText folded;
   if (!folded.Fold(text)) return false;
   StandardPair standard;
@@ -276,7 +270,7 @@ bool ReadSingle(std::u16string_view text, const Format& hint, Result& result) no
     result.second = swap ? standard.latitude : standard.longitude;
     return true;
   }
-  Pair pair;
+  pair = Pair{};
   if (ReadPair(folded.Begin(), CommaUse::kDecimalOrSeparator, pair)) {
     return Judge(pair, hint, result);
   }

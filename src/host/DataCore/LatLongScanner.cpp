@@ -118,8 +118,8 @@ const char* EndOfLetters(const char* position) noexcept {
 char HemisphereOf(const char* begin, const char* end) noexcept {
   const std::ptrdiff_t length = end - begin;
   const char first = ToUpper(*begin);
-  if (length == 1)
-    return first == 'N' || first == 'S' || first == 'E' || first == 'W' ? first : '\0';
+  if (first != 'N' && first != 'S' && first != 'E' && first != 'W') return '\0';
+  if (length == 1) return first;
   if (length != 4 && length != 5) return '\0';
   for (const std::string_view word : {"north", "south", "east", "west"}) {
     const char* position = begin;
@@ -341,6 +341,7 @@ bool ReadValue(const char*& position, CommaUse commaUse, Coordinate& half) noexc
 Axis ReadLabel(const char*& position) noexcept {
   const char* p = position;
   Axis axis = Axis::kUnknown;
+  if (ToUpper(*p) != 'L') return axis;
   if (ReadWord(p, "latitude") || ReadWord(p, "lat")) {
     axis = Axis::kLatitude;
   } else if (ReadWord(p, "longitude") || ReadWord(p, "long") || ReadWord(p, "lon") ||
@@ -393,28 +394,113 @@ bool ReadTrailingHemisphere(const char*& position, Coordinate& half) noexcept {
   return true;
 }
 
+// The text of a pair with marks, taken from its start on.
+class MarkedText {
+ public:
+  explicit MarkedText(std::u16string_view text) noexcept
+      : position_(text.data()), end_(text.data() + text.size()) {}
+
+  bool AtEnd() const noexcept { return position_ == end_; }
+  bool AtDigit() const noexcept { return !AtEnd() && Digit() < 10; }
+
+  // Takes the next character when it folds to this one.
+  bool Take(char folded) noexcept {
+    if (AtEnd() || FoldCharacter(*position_) != folded) return false;
+    ++position_;
+    return true;
+  }
+  bool TakeBlank() noexcept {
+    if (AtEnd() || *position_ != u' ') return false;
+    ++position_;
+    return true;
+  }
+  // Takes the next character, which is '\0' at the end and for anything outside ASCII.
+  char Next() noexcept {
+    const char16_t c = AtEnd() ? u'\0' : *position_++;
+    return c < kAsciiFolding.size() ? static_cast<char>(c) : '\0';
+  }
+  // How many digits were taken, at most `most`; `value` is continued by them.
+  int TakeDigits(int most, std::uint64_t& value) noexcept {
+    int digits = 0;
+    for (; digits < most && AtDigit(); ++digits, ++position_) value = value * 10 + Digit();
+    return digits;
+  }
+
+ private:
+  std::uint32_t Digit() const noexcept { return std::uint32_t{*position_} - u'0'; }
+
+  const char16_t* position_;
+  const char16_t* end_;
+};
+
+// `26'`, with a blank before it or without; 60 and more are for others to refuse.
+bool ReadMarkedMinutes(MarkedText& text, std::uint64_t& minutes) noexcept {
+  text.TakeBlank();
+  return text.TakeDigits(2, minutes) > 0 && minutes < 60 && text.Take('\'');
+}
+
+bool ReadMarkedSeconds(MarkedText& text, std::uint64_t& seconds, Number& last) noexcept {
+  text.TakeBlank();
+  if (text.TakeDigits(2, seconds) == 0 || seconds >= 60) return false;
+  if (text.Take('.')) {
+    last.decimals = last.keptDecimals = text.TakeDigits(kSexagesimalDecimals, last.fraction);
+    if (last.decimals == 0) return false;
+  }
+  return text.Take('"');
+}
+
+bool ReadMarkedHalf(MarkedText& text, Coordinate& half) noexcept {
+  std::uint64_t degrees = 0;
+  std::uint64_t minutes = 0;
+  std::uint64_t seconds = 0;
+  Number last;
+  half.degreeDigits = text.TakeDigits(3, degrees);
+  if (half.degreeDigits == 0 || !text.Take(kDegreeMark) || !ReadMarkedMinutes(text, minutes) ||
+      !ReadMarkedSeconds(text, seconds, last)) {
+    return false;
+  }
+  half.groups = 3;
+  half.joint = Joint::kMark;
+  half.degreeMark = true;
+  FinishSexagesimal(degrees, minutes, seconds, last, half);
+  half.letterTouches = !text.TakeBlank();
+  const char letter = text.Next();
+  return IsLetter(letter) && TakeHemisphere(&letter, &letter + 1, LetterSide::kAfter, half) &&
+         half.degrees <= (half.axis == Axis::kLatitude ? 90.0 : 180.0);
+}
+
 }  // namespace
+
+bool ReadMarkedPair(std::u16string_view text, Pair& pair) noexcept {
+  MarkedText rest(text);
+  // Another start is not worth the look at the rest.
+  if (!rest.AtDigit() || !ReadMarkedHalf(rest, pair.first)) return false;
+  for (const char separator : {',', ';', '/'})
+    if (pair.separator == '\0' && rest.Take(separator)) pair.separator = separator;
+  pair.blank = rest.TakeBlank() && pair.separator == '\0';
+  return ReadMarkedHalf(rest, pair.second) && rest.AtEnd();
+}
 
 bool FoldedText::Fold(std::u16string_view text) noexcept {
   if (text.size() > kMaxTextLength) return false;
   char* out = bytes_.data();
-  char previous = ' ';    // swallows leading blanks
-  bool pairable = false;  // the previous byte is a single minute mark
+  *out++ = ' ';  // swallows leading blanks
   for (const char16_t c : text) {
     const char folded = FoldCharacter(c);
-    if (folded == kRefused) return false;
-    if (folded == ' ' && previous == ' ') continue;
-    if (folded == '\'' && pairable) {
-      out[-1] = previous = '"';
-      pairable = false;
-      continue;
+    // Most characters are neither refused nor a blank nor a minute mark, all of which are small.
+    if (folded <= '\'') {
+      if (folded == kRefused) return false;
+      if (folded == ' ' && out[-1] == ' ') continue;
+      if (folded == '\'' && out[-1] == '\'') {
+        out[-1] = '"';
+        continue;
+      }
     }
-    pairable = folded == '\'';
-    *out++ = previous = folded;
+    *out++ = folded;
   }
-  if (out != bytes_.data() && previous == ' ') --out;
+  if (out[-1] == ' ') --out;  // the one in front of all, when there is nothing else
   *out = '\0';
-  return out != bytes_.data();
+  return out > Begin();
 }
 
 bool MayStartCoordinate(std::u16string_view text) noexcept {
@@ -427,10 +513,10 @@ bool MayStartCoordinate(std::u16string_view text) noexcept {
 
 bool ReadWord(const char*& position, std::string_view word) noexcept {
   const char* p = position;
-  for (const char expected : word) {
-    if (ToUpper(*p) != ToUpper(expected)) return false;
-    ++p;
-  }
+  // Lower case is one bit away, and the other characters of the words have it set. What would take
+  // a character without it for one of these are control characters, which no folded text has.
+  for (const char expected : word)
+    if ((*p++ | 0x20) != expected) return false;
   position = p;
   return true;
 }

@@ -30,10 +30,11 @@ class FoldedText {
  public:
   // False when `text` is too long, blank, or bears a character that no notation has.
   bool Fold(std::u16string_view text) noexcept;
-  const char* Begin() const noexcept { return bytes_.data(); }
+  const char* Begin() const noexcept { return bytes_.data() + 1; }
 
  private:
-  std::array<char, kMaxTextLength + 1> bytes_{};
+  // A blank stands in front of the text, so that every character has one before it.
+  std::array<char, kMaxTextLength + 2> bytes_{};
 };
 
 // True when a text that starts like this can be a coordinate: a look at the first character that is
@@ -89,6 +90,21 @@ struct Coordinate {
 // Reads label, hemisphere and value at `position`, which moves past them. False when there is no
 // coordinate, or one that is out of its range; `position` and `coordinate` are then unspecified.
 bool ReadCoordinate(const char*& position, CommaUse commaUse, Coordinate& coordinate) noexcept;
+
+// Two coordinates, and how one text joins them.
+struct Pair {
+  Coordinate first;
+  Coordinate second;
+  bool twoTexts = false;
+  char separator = '\0';  // ',' ';' '/', or '\0' when there is none but a blank
+  bool blank = false;
+};
+
+// Reads the commonest notation, `40°26'46"N 79°58'56.5"W`, without folding the text: whole degrees
+// and minutes, each part with its mark, a hemisphere letter behind the seconds, at most one blank
+// or one separator and a blank between two parts. What it reads is what ReadCoordinate reads of the
+// folded halves. False, with `pair` unspecified, for any other text, which says nothing about it.
+bool ReadMarkedPair(std::u16string_view text, Pair& pair) noexcept;
 
 // Splits the digits of DDMM, DDMMSS and the like; an odd count has three digits of degrees. Fails
 // on other counts, and on minutes or seconds of 60 and more.
