@@ -4,7 +4,8 @@
 //
 // Holds: opening fails cleanly or gives fields; every record is the one that a plain reader, which
 // follows the rules of quoting character by character, cuts from the same lines; every value is of
-// a kind that its field may hold, and the same when the texts are not asked for.
+// a kind that its field may hold, and the same when the texts are not asked for; counting gives as
+// many rows.
 
 #include "FuzzInput.h"
 #include "RowChecks.h"

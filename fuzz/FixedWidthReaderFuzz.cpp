@@ -5,7 +5,8 @@
 // '+' or '-' in front says whether there is a header row.
 //
 // Holds: opening fails cleanly or leaves the declared columns; every record is the one that a
-// plain cut of the same lines gives; every value is of a kind that its field may hold.
+// plain cut of the same lines gives; every value is of a kind that its field may hold; counting
+// gives as many rows.
 
 #include "FuzzInput.h"
 #include "RowChecks.h"

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <algorithm>
+#include <cstdint>
 #include <memory>
 #include <string>
 #include <vector>
@@ -10,6 +11,7 @@
 #include "FuzzInput.h"
 #include "platform/OleText.h"
 #include "reading/ReaderFactory.h"
+#include "reading/RecordCount.h"
 #include "tests/support/ConverterWithSlots.h"
 
 namespace Fuzz {
@@ -126,8 +128,10 @@ void CheckRows(const TextFile::TextDatasetDescription& table, NextPlainRecord ne
   if (table.options.columnNameHeader) next(plain);
   const TextFile::ReaderPtr reader = TextFile::MakeDataReader(table);
   Check(reader->IsOpen());
+  std::int64_t rows = 0;
   while (!reader->record().empty()) {
     const TextFile::Record& record = reader->record();
+    ++rows;
     Check(next(plain) && plain.size() == record.size());
     for (std::size_t i = 0; i < plain.size(); ++i) Check(plain[i] == record[i]);
     CheckRow(table, record, plainColumns, converter, quick);
@@ -135,6 +139,7 @@ void CheckRows(const TextFile::TextDatasetDescription& table, NextPlainRecord ne
   }
   Check(!next(plain) && reader->AtEnd());
   Check(!reader->ReadRecord());
+  Check(TextFile::CountDataRecords(table) == rows);
 }
 
 }  // namespace Fuzz

@@ -38,11 +38,17 @@ ChainedError ReadPlain(IErrorInfo* info) {
   return result;
 }
 
-// The newest first.
-std::vector<ChainedError> TakeChain() {
-  std::vector<ChainedError> errors;
+// The thread's error object, which is the program's from now on; null when there is none.
+quenra::ComPtr<IErrorInfo> TakeErrorInfo() {
   quenra::ComPtr<IErrorInfo> info;
-  if (::GetErrorInfo(0, info.Receive()) != S_OK || !info) return errors;
+  if (::GetErrorInfo(0, info.Receive()) != S_OK) info = nullptr;
+  return info;
+}
+
+// The errors of the object's chain, the newest first.
+std::vector<ChainedError> ReadChain(const quenra::ComPtr<IErrorInfo>& info) {
+  std::vector<ChainedError> errors;
+  if (!info) return errors;
   auto error = info.As<quenra::HostChainedError>();
   if (!error) {
     errors.push_back(ReadPlain(info.Get()));
@@ -69,7 +75,7 @@ void WriteDiagnosis(std::string_view kind, HRESULT code, std::string_view text) 
 }  // namespace
 
 std::string TakeChainedText(HRESULT code) {
-  const std::vector<ChainedError> errors = TakeChain();
+  const std::vector<ChainedError> errors = ReadChain(TakeErrorInfo());
   if (errors.empty()) return {};
   const auto same = std::find_if(errors.begin(), errors.end(),
                                  [code](const ChainedError& error) { return error.code == code; });
@@ -77,8 +83,10 @@ std::string TakeChainedText(HRESULT code) {
 }
 
 void ReportWarnings(bool quiet) {
-  std::vector<ChainedError> errors = TakeChain();
-  if (quiet) return;
+  // Called for every row; hardly any has something to tell.
+  const quenra::ComPtr<IErrorInfo> info = TakeErrorInfo();
+  if (quiet || !info) return;
+  std::vector<ChainedError> errors = ReadChain(info);
   std::reverse(errors.begin(), errors.end());
   for (const ChainedError& error : errors) WriteDiagnosis("warning", error.code, error.text);
 }

@@ -64,8 +64,10 @@ void DetectCoordinates(const quenra::LatLongFormat& format, const Record& record
                        ColumnStates& columns) noexcept {
   for (std::size_t i = 0; i < columns.size(); ++i) {
     ColumnState& column = columns[i];
+    // Asked first: after a few rows hardly any column is a candidate.
+    if (!column.coordinateCandidate || !IsText(columns, i)) continue;
     const std::u16string_view text = TextOf(record, i);
-    if (!IsText(columns, i) || !column.coordinateCandidate || text.empty()) continue;
+    if (text.empty()) continue;
 
     std::int32_t code = 0;
     if (format.IsLatLong(text, code)) {

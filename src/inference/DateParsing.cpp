@@ -194,16 +194,24 @@ bool ClassifyAs(FieldType type, std::u16string_view text, std::uint32_t version,
 }
 
 // Every date and time begins with a number (white space, a sign or a digit), a time perhaps with
-// "T", and has a separator.
+// "T". Behind that a date has one separator twice, and a time a colon.
 bool MayBeDate(std::u16string_view text) noexcept {
   if (text.empty()) return false;
   const char16_t first = text.front();
   if (!IsDigit(first) && first != u'+' && first != u'-' && first != u'T' && !IsWhiteSpace(first))
     return false;
-  // Most whole numbers leave here: they have none of the separators.
-  return std::any_of(text.begin(), text.end(), [](char16_t unit) {
-    return unit == u'-' || unit == u'.' || unit == u'/' || unit == u':';
-  });
+  // Most numbers leave here, whole or not.
+  unsigned dashes = 0;
+  unsigned dots = 0;
+  unsigned slashes = 0;
+  for (const char16_t unit : text.substr(1)) {
+    if (IsDigit(unit)) continue;
+    if (unit == u':') return true;
+    if ((unit == u'-' && ++dashes == 2) || (unit == u'.' && ++dots == 2) ||
+        (unit == u'/' && ++slashes == 2))
+      return true;
+  }
+  return false;
 }
 
 }  // namespace

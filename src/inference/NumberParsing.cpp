@@ -226,6 +226,11 @@ bool NumberFormat::ConvertExactly(const Settings& settings, std::u16string_view 
 FieldType NumberFormat::Classify(const Settings& settings, std::u16string_view text,
                                  std::uint32_t version) {
   text = TrimWhiteSpace(text);
+  // Every whole number of 32 bits is the same number as a Double.
+  PlainNumber plain;
+  std::int32_t plainWhole = 0;
+  if (ReadPlainNumber(settings.decimalSymbol, text, plain) && PlainInteger(plain, plainWhole))
+    return FieldType::kInteger;
   NumberValue real;
   if (!HasOnlyNumberCharacters(text) || !Convert(settings, text, FieldType::kDouble, real))
     return FieldType::kUndetermined;

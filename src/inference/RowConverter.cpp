@@ -12,6 +12,7 @@
 #include "inference/NumberParsing.h"
 #include "inference/PlainDate.h"
 #include "platform/OleText.h"
+#include "platform/ProcessorClones.h"
 
 namespace TextFile {
 
@@ -80,6 +81,17 @@ bool SetPlainNumber(FieldType type, const PlainNumber& number, VARIANT& value) n
   }
 }
 
+// False, and `value` stays empty, for any text that is not a plain date.
+bool ConvertPlainDate(const DateFieldFormat& format, std::u16string_view text,
+                      VARIANT& value) noexcept {
+  PlainDate date;
+  if (!ReadPlainDate(format, text, date) ||
+      !quenra::OleDateOf(date.day, date.seconds * 1000, value.date))
+    return false;
+  value.vt = VT_DATE;
+  return true;
+}
+
 // The host's object for a date with an offset; null when the host cannot make one.
 IUnknown* MakeTimestamp(DATE date, SHORT offsetMinutes) noexcept {
   quenra::HostTimestampOffset* timestamp = nullptr;
@@ -123,6 +135,7 @@ void RowConverter::MakePlan() {
   }
 }
 
+CLONED_FOR_PROCESSORS
 std::size_t RowConverter::Convert(const Record& record) {
   if (!messages_.empty()) messages_.clear();
   const std::size_t columns = record.size();
@@ -133,7 +146,9 @@ std::size_t RowConverter::Convert(const Record& record) {
     const std::u16string_view text = record[column];
     VARIANT& value = *plan.slot;
     quenra::ClearVariant(value);
-    if (plan.type != FieldType::kString) {
+    if (text.empty() && plan.companions == Companions::kNone) {
+      SetNull(value);
+    } else if (plan.type != FieldType::kString) {
       if (!ConvertPlainly(plan, text, value)) ConvertCell({field, column, text}, value);
     } else if (plan.companions != Companions::kNone) {
       field = ConvertCoordinateText(field, record, column);
@@ -157,13 +172,7 @@ inline bool RowConverter::ConvertPlainly(const FieldPlan& plan, std::u16string_v
     return readPlainNumber_(decimalSymbol_, text, number) &&
            SetPlainNumber(plan.type, number, value);
   }
-  if (plan.plainDate == nullptr) return false;
-  PlainDate date;
-  if (!ReadPlainDate(*plan.plainDate, text, date) ||
-      !quenra::OleDateOf(date.day, date.seconds * 1000, value.date))
-    return false;
-  value.vt = VT_DATE;
-  return true;
+  return plan.plainDate != nullptr && ConvertPlainDate(*plan.plainDate, text, value);
 }
 
 // Any text, for any type but kString; `value` is empty.

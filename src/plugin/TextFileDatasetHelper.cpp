@@ -1,6 +1,7 @@
 #include "plugin/TextFileDatasetHelper.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <limits>
 #include <utility>
 
@@ -14,6 +15,7 @@
 #include "plugin/TextFileLoader.h"
 #include "reading/OpenTextDataset.h"
 #include "reading/ReaderFactory.h"
+#include "reading/RecordCount.h"
 #include "schema/SchemaIniPaths.h"
 
 namespace quenra {
@@ -28,14 +30,6 @@ HRESULT Answer(Value* result, Value value, HRESULT code = S_OK) noexcept {
 }
 
 HRESULT NotSupported(const void* result) noexcept { return result == nullptr ? E_POINTER : E_FAIL; }
-
-// The rows from the reader's current one on.
-LONG CountRecords(TextFile::Reader& reader) {
-  if (reader.record().empty()) return 0;
-  LONG count = 1;
-  while (count < std::numeric_limits<LONG>::max() && reader.ReadRecord()) ++count;
-  return count;
-}
 
 }  // namespace
 
@@ -225,7 +219,8 @@ HRESULT STDMETHODCALLTYPE TextFileDatasetHelper::CountRows(LONG, LONG* count) tr
   if (count == nullptr) return E_POINTER;
   *count = -1;
   if (const HRESULT result = EnsureOpen(); FAILED(result)) return result;
-  *count = CountRecords(*TextFile::MakeDataReader(*description_));
+  constexpr std::int64_t kMost = std::numeric_limits<LONG>::max();
+  *count = static_cast<LONG>(std::min(TextFile::CountDataRecords(*description_), kMost));
   return S_OK;
 } catch (...) {
   return HResultFromCurrentException();

@@ -4,6 +4,7 @@
 
 #include "host/CoreSupport/CharacterClasses.h"
 #include "inference/TypeInference.h"
+#include "platform/ProcessorClones.h"
 #include "reading/UnitSearch.h"
 
 namespace TextFile {
@@ -47,6 +48,7 @@ DelimitedReader::Step DelimitedReader::TakeFields() {
 // Takes the fields of the line, a block of characters at a time: a delimiter in front of the first
 // text delimiter ends a field as it stands. Undecided in front of a field that only the exact way
 // can put together.
+CLONED_FOR_PROCESSORS
 DelimitedReader::Step DelimitedReader::TakePlainFields() {
   const SpecialUnitFinder finder(delimiter_, textDelimiter_);
   const char16_t* const text = line();
@@ -76,6 +78,7 @@ DelimitedReader::Step DelimitedReader::TakeStoppedField(const SpecialUnitFinder&
 }
 
 // Takes a field that is quoted from its first character to its last.
+CLONED_FOR_PROCESSORS
 DelimitedReader::Step DelimitedReader::TakeQuotedField(const SpecialUnitFinder& finder) {
   const char16_t* const text = line();
   std::size_t begin = cursor() + 1;

@@ -1,6 +1,7 @@
 #include "reading/FixedWidthReader.h"
 
 #include "inference/TypeInference.h"
+#include "platform/ProcessorClones.h"
 #include "reading/UnitSearch.h"
 
 namespace TextFile {
@@ -34,6 +35,7 @@ void FixedWidthReader::TakeFields() {
 }
 
 // Cuts the line at the widths. Gives the same fields as taking one character after the other.
+CLONED_FOR_PROCESSORS
 void FixedWidthReader::TakeFieldsOfLine() {
   const char16_t* const text = line();
   std::size_t begin = cursor();

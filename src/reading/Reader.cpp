@@ -15,6 +15,11 @@ void Reader::Rewind() {
   lineUsedUp_ = true;
 }
 
+void Reader::SkipRecords(RecordScan& scan) {
+  // A line may hold several records; the scan knows nothing of what is left of one.
+  if (lineUsedUp_) stream_.SkipRecords(scan);
+}
+
 void Reader::ReadHeader(TypeInference& inference, SchemaOptions& options) {
   const HeaderReading first = inference.ReadHeader();
   if (!first.foundRecord || !first.reachedEnd) return;

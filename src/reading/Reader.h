@@ -48,6 +48,12 @@ class Reader {
   // Goes back to the first byte of the data. Called between records only; the record stays.
   void Rewind();
 
+  // Goes on behind the records that `scan` can take (see TextLineStream). The record stays.
+  void SkipRecords(RecordScan& scan);
+
+  TextEncoding encoding() const noexcept { return stream_.encoding(); }
+  bool HasGuessedUtf8() const noexcept { return stream_.HasGuessedUtf8(); }
+
   // LF or CR: ends lines and records. A switch makes LF CR, and CR LF.
   char recordTerminator() const noexcept { return stream_.lineDelimiter(); }
   void SwitchRecordTerminator() noexcept { stream_.SwitchLineDelimiter(); }

@@ -7,6 +7,7 @@
 #include "host/CoreSupport/QUENRALocale.h"
 #include "platform/CodePages.h"
 #include "platform/OleText.h"
+#include "platform/ProcessorClones.h"
 
 #if defined(__SSE2__)
 #include <emmintrin.h>
@@ -154,6 +155,7 @@ bool ConvertBySystem(UINT codePage, DWORD flags, std::string_view bytes, std::si
 
 }  // namespace
 
+CLONED_FOR_PROCESSORS
 std::size_t WidenLine(std::string_view bytes, bool asUtf8, UnitBuffer& line) {
 #if defined(__SSE2__)
   char16_t* const text = line.Overwrite(line.capacity());

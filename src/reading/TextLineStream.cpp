@@ -8,6 +8,7 @@
 
 #include "platform/FileNames.h"
 #include "reading/ByteSearch.h"
+#include "reading/RecordScan.h"
 #include "reading/TextDecoding.h"
 
 namespace TextFile {
@@ -16,6 +17,10 @@ namespace {
 
 // Ends the input of a text file, as in the days when files had no exact length.
 constexpr char kTextEnd = 0x1A;
+
+// Opening a table looks at a hundred rows, which often are no more than this. The reads behind it
+// double.
+constexpr std::size_t kFirstReadSize = 32 * 1024;
 
 // The mark's probe looks at no more than this, though a UTF-32 mark has four bytes.
 constexpr std::size_t kProbeBytes = 3;
@@ -47,9 +52,11 @@ bool TextLineStream::Open(const std::u16string& path, LineEnding ending) {
 void TextLineStream::Open(std::unique_ptr<std::streambuf> bytes, LineEnding ending,
                           std::size_t blockSize) {
   bytes_ = std::move(bytes);
+  tookNonAscii_ = false;
   terminateLines_ = ending == kTerminateLines;
   lineDelimiter_ = '\n';
   blockSize_ = blockSize;
+  readSize_ = std::min(blockSize, kFirstReadSize);
   next_ = end_ = 0;
   blockStart_ = 0;
   exhausted_ = false;
@@ -93,9 +100,9 @@ bool TextLineStream::ReadMore() {
     end_ -= next_;
     next_ = 0;
   }
-  if (capacity_ - end_ < blockSize_) {
+  if (capacity_ - end_ < readSize_) {
     // Doubling keeps the cost of a record of any length linear in its length.
-    const std::size_t capacity = std::max(end_ + blockSize_, 2 * capacity_);
+    const std::size_t capacity = std::max(end_ + readSize_, 2 * capacity_);
     auto larger = std::make_unique_for_overwrite<char[]>(capacity);
     if (end_ != 0) std::memcpy(larger.get(), block_.get(), end_);
     block_ = std::move(larger);
@@ -103,7 +110,7 @@ bool TextLineStream::ReadMore() {
   }
   std::streamsize count = 0;
   try {
-    count = bytes_->sgetn(block_.get() + end_, static_cast<std::streamsize>(blockSize_));
+    count = bytes_->sgetn(block_.get() + end_, static_cast<std::streamsize>(readSize_));
   } catch (const std::ios_base::failure&) {
     // The device failed in the middle of the file: what came before it is still delivered.
     count = 0;
@@ -113,6 +120,8 @@ bool TextLineStream::ReadMore() {
     return false;
   }
   end_ += static_cast<std::size_t>(count);
+  // Whoever reads on this far reads on further.
+  readSize_ = std::min(2 * readSize_, blockSize_);
   return true;
 }
 
@@ -159,6 +168,7 @@ bool TextLineStream::TakePlainLine(UnitBuffer& line) {
   const std::size_t length = WidenLine({block_.get() + next_, end_ - next_}, asUtf8, line);
   if (length == kNoPlainLine) return false;
   next_ += length + 1;
+  tookNonAscii_ |= line.size() != length;
   if (EndsIn(line, u'\r')) line.DropLast();
   return true;
 }
@@ -253,7 +263,10 @@ void TextLineStream::Decode8Bit(std::string_view bytes, UnitBuffer& line) {
   // Text ends at a zero byte; what follows up to the line's end is dropped.
   bytes = bytes.substr(0, bytes.find('\0'));
   if (encoding_ == TextEncoding::kUtf8) return DecodeUtf8(bytes, line);
-  if (encoding_ == TextEncoding::kUndetermined && DecodeStrictUtf8(bytes, line)) return;
+  if (encoding_ == TextEncoding::kUndetermined && DecodeStrictUtf8(bytes, line)) {
+    tookNonAscii_ |= line.size() != bytes.size();
+    return;
+  }
   encoding_ = TextEncoding::kAnsi;
   DecodeAnsi(bytes, line);
 }
@@ -273,6 +286,18 @@ bool TextLineStream::SkipTo(char byte) {
   }
   atEnd_ = true;
   return false;
+}
+
+void TextLineStream::SkipRecords(RecordScan& scan) {
+  if (!IsOpen() || !Is8Bit() || atEnd_) return;
+  scan.Begin();
+  for (bool more = true;;) {
+    next_ += scan.Take({block_.get() + next_, end_ - next_}, !more);
+    if (!more || scan.undecided()) return;
+    const std::size_t kept = end_ - next_;
+    more = ReadMore();
+    if (more) CutAtTextEnd(kept);
+  }
 }
 
 void TextLineStream::Rewind() {

@@ -22,6 +22,8 @@
 
 namespace TextFile {
 
+class RecordScan;
+
 enum class TextEncoding : std::int32_t {
   kUndetermined = 0,  // no mark; every line is tested for UTF-8 until one fails
   kAnsi = 1,          // no mark, and a line was not UTF-8: the ANSI code page
@@ -64,6 +66,13 @@ class TextLineStream {
   // when there is none: the stream is then at its end. Skipped text does not decide the encoding.
   bool SkipTo(char byte);
 
+  // Goes on behind the records that `scan` can take, from the start of a record; it counts them.
+  // Skipped text does not decide the encoding. Takes none of files that are not of 8-bit text.
+  void SkipRecords(RecordScan& scan);
+
+  // Whether a line that is not all ASCII has been taken for UTF-8 because it could be.
+  bool HasGuessedUtf8() const noexcept { return tookNonAscii_ && dataStart_ == 0; }
+
   // Back to the first byte behind the mark; the encoding decided so far stays.
   void Rewind();
 
@@ -102,6 +111,7 @@ class TextLineStream {
   std::unique_ptr<std::streambuf> bytes_;  // null while not open
   TextEncoding encoding_ = TextEncoding::kUndetermined;
   std::uint64_t dataStart_ = 0;  // offset in the source of the first byte behind the mark
+  bool tookNonAscii_ = false;    // a line of UTF-8, or of what may be, that is not all ASCII
   bool terminateLines_ = false;
   char lineDelimiter_ = '\n';
   bool atEnd_ = true;
@@ -110,6 +120,7 @@ class TextLineStream {
   std::unique_ptr<char[]> block_;
   std::size_t capacity_ = 0;
   std::size_t blockSize_ = kDefaultBlockSize;
+  std::size_t readSize_ = kDefaultBlockSize;  // of the next read
   std::size_t next_ = 0;
   std::size_t end_ = 0;
   std::uint64_t blockStart_ = 0;  // offset in the source of block_[0]

@@ -1,5 +1,9 @@
 #include <gtest/gtest.h>
 
+#include <boost/filesystem.hpp>
+#include <cstdint>
+#include <fstream>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -251,6 +255,40 @@ TEST_F(OpenTextDatasetTest, EveryOpeningIsOneBeginAndOneEndEvent) {
     EXPECT_EQ(thrown, name == u"error.csv");
     ExpectOneOpening(events, folder_.Path(name));
   }
+}
+
+// ---------------------------------------------------------------------------------------------
+// Cost
+// ---------------------------------------------------------------------------------------------
+
+// What this process has read so far, by the system's account. Nothing where there is none.
+std::optional<std::int64_t> BytesReadByProcess() {
+  std::ifstream account("/proc/self/io");
+  std::string key;
+  std::int64_t bytes = 0;
+  if (!(account >> key >> bytes) || key != "rchar:") return std::nullopt;
+  return bytes;
+}
+
+TEST_F(OpenTextDatasetTest, ReadsOnlyTheBeginningOfAFileOfAnySize) {
+  if (!BytesReadByProcess().has_value()) GTEST_SKIP() << "bytes are not counted here";
+  std::string rows = "id,name,seen,amount\n";
+  for (int i = 0; i < 200; ++i) rows += std::to_string(i) + ",a name,2020-01-05,1.5\n";
+  const auto bytesReadFor = [&](std::uintmax_t size) {
+    folder_.Write(u"t.csv", rows);
+    boost::filesystem::resize_file(folder_.Native(u"t.csv"), size);
+    TextDatasetDescription table = DescribeFile(folder_.Path(), u"t.csv");
+    OpenDatasetStatus status = OpenDatasetStatus::kScanFailed;
+    const std::int64_t before = BytesReadByProcess().value();
+    EXPECT_TRUE(OpenTextDataset(table, OpenOptions(), status));
+    return BytesReadByProcess().value() - before;
+  };
+  constexpr std::int64_t kLengthOfTheAccount = 256;  // is read, too
+  const std::int64_t small = bytesReadFor(1000000);
+  const std::int64_t large = bytesReadFor(10'000'000'000);
+  EXPECT_NEAR(static_cast<double>(large), static_cast<double>(small), kLengthOfTheAccount);
+  // A header and a hundred rows are less than one read, and none is repeated.
+  EXPECT_LE(large, 32 * 1024 + kLengthOfTheAccount);
 }
 
 }  // namespace
