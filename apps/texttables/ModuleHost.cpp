@@ -80,7 +80,7 @@ ModuleHost::ModuleHost(const GlobalOptions& options)
 ModuleHost::~ModuleHost() { Unload(); }
 
 void ModuleHost::CreateFactory(const GlobalOptions& options) {
-  if (!options.moduleFile) factory_ = CreateRegisteredFactory();
+  if (!options.moduleFile) factory_ = CreateRegisteredFactory(apartment_);
   if (factory_) return;
   module_ = LoadModule(options.moduleFile);
   const auto getClassObject = EntryOf<GetClassObjectFunction>(module_, "DllGetClassObject");

@@ -55,8 +55,8 @@ class ModuleHost {
   void SetOpenOptions(const GlobalOptions& options);
   void Unload() noexcept;
 
-  const Apartment apartment_;  // the last to go
-  HMODULE module_ = nullptr;   // null when the system has loaded the module
+  Apartment apartment_;       // the last to go
+  HMODULE module_ = nullptr;  // null when the system has loaded the module
   bool showProgress_;
   std::optional<std::u16string> fieldTypeVersion_;
   quenra::ComPtr<quenra::IPlugInWorkspaceFactoryHelper2> factory_;

@@ -4,10 +4,13 @@
 
 namespace TextTables {
 
-Apartment::Apartment() = default;
 Apartment::~Apartment() = default;
 
-quenra::ComPtr<quenra::IPlugInWorkspaceFactoryHelper2> CreateRegisteredFactory() { return {}; }
+void Apartment::Enter() noexcept {}
+
+quenra::ComPtr<quenra::IPlugInWorkspaceFactoryHelper2> CreateRegisteredFactory(Apartment&) {
+  return {};
+}
 
 }  // namespace TextTables
 

@@ -13,9 +13,16 @@ namespace TextTables::Terminal {
 // the program's death, and an interrupt takes the progress line away.
 void Prepare();
 
+#ifdef _WIN32
+// Narrow arguments have passed through the ANSI code page; these have not.
+using ArgumentUnit = wchar_t;
+#else
+using ArgumentUnit = char;
+#endif
+
 // The arguments behind the program's name, as bytes: on Windows UTF-8, elsewhere what the shell
 // passed.
-std::vector<std::string> Arguments(int count, char** values);
+std::vector<std::string> Arguments(int count, ArgumentUnit** values);
 
 // An argument as text, so that file names in it survive.
 std::u16string TextOfArgument(std::string_view argument);

@@ -67,7 +67,7 @@ void Prepare() {
   }
 }
 
-std::vector<std::string> Arguments(int count, char** values) {
+std::vector<std::string> Arguments(int count, ArgumentUnit** values) {
   return {values + (count > 0 ? 1 : 0), values + count};
 }
 

@@ -6,7 +6,6 @@
 // clang-format off
 #include <fcntl.h>
 #include <io.h>
-#include <shellapi.h>
 // clang-format on
 
 #include <algorithm>
@@ -77,13 +76,9 @@ void Prepare() {
   ::SetConsoleCtrlHandler(OnConsoleControl, TRUE);
 }
 
-// The narrow arguments of main() have passed through the ANSI code page; the wide ones have not.
-std::vector<std::string> Arguments(int, char**) {
-  int count = 0;
-  LPWSTR* values = ::CommandLineToArgvW(::GetCommandLineW(), &count);
+std::vector<std::string> Arguments(int count, ArgumentUnit** values) {
   std::vector<std::string> arguments;
   for (int i = 1; i < count; ++i) arguments.push_back(Utf8(AsText(values[i])));
-  ::LocalFree(values);
   return arguments;
 }
 

@@ -108,7 +108,15 @@ int RunToExitCode(std::vector<std::string> arguments) {
 
 }  // namespace TextTables
 
+#ifdef _WIN32
+// Read by the C library's start: an argument with wildcards is taken as it is.
+extern "C" int _dowildcard;
+int _dowildcard = 0;
+
+int wmain(int count, wchar_t** values) {
+#else
 int main(int count, char** values) {
+#endif
   TextTables::Terminal::Prepare();
   return TextTables::RunToExitCode(TextTables::Terminal::Arguments(count, values));
 }

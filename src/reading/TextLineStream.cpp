@@ -7,6 +7,7 @@
 #include <locale>
 
 #include "platform/FileNames.h"
+#include "reading/ByteSearch.h"
 #include "reading/RecordScan.h"
 #include "reading/TextDecoding.h"
 
@@ -126,11 +127,10 @@ bool TextLineStream::ReadMore() {
 
 // Lets the text end before the first byte 1A in block_[from, end_).
 void TextLineStream::CutAtTextEnd(std::size_t from) noexcept {
-  if (from == end_) return;
-  const char* begin = block_.get() + from;
-  const void* hit = std::memchr(begin, kTextEnd, end_ - from);
-  if (hit == nullptr) return;
-  end_ = from + static_cast<std::size_t>(static_cast<const char*>(hit) - begin);
+  const char* const end = block_.get() + end_;
+  const char* const hit = FindByte(block_.get() + from, end, kTextEnd);
+  if (hit == end) return;
+  end_ = static_cast<std::size_t>(hit - block_.get());
   exhausted_ = true;
 }
 
@@ -188,10 +188,11 @@ std::string_view TextLineStream::TakeRaw(bool& delimiterFound) {
   for (;;) {
     const std::size_t count = end_ - next_;
     if (scanned < count) {
-      const char* begin = block_.get() + next_;
-      const void* hit = std::memchr(begin + scanned, lineDelimiter_, count - scanned);
-      if (hit != nullptr) {
-        const auto length = static_cast<std::size_t>(static_cast<const char*>(hit) - begin);
+      const char* const begin = block_.get() + next_;
+      const char* const end = block_.get() + end_;
+      const char* const hit = FindByte(begin + scanned, end, lineDelimiter_);
+      if (hit != end) {
+        const auto length = static_cast<std::size_t>(hit - begin);
         next_ += length + 1;
         delimiterFound = true;
         return {begin, length};
@@ -273,13 +274,10 @@ void TextLineStream::Decode8Bit(std::string_view bytes, UnitBuffer& line) {
 bool TextLineStream::SkipTo(char byte) {
   const bool wide = encoding_ == TextEncoding::kUtf16LE;
   while (IsOpen() && IsReadable() && !atEnd_ && Available()) {
-    const char* begin = block_.get() + next_;
-    const void* hit = std::memchr(begin, byte, end_ - next_);
-    if (hit == nullptr) {
-      next_ = end_;
-      continue;
-    }
-    next_ += static_cast<std::size_t>(static_cast<const char*>(hit) - begin);
+    const char* const end = block_.get() + end_;
+    const char* const hit = FindByte(block_.get() + next_, end, byte);
+    next_ = static_cast<std::size_t>(hit - block_.get());
+    if (hit == end) continue;
     if (!wide) return true;
     if (end_ - next_ < 2) ReadMore();
     const bool aligned = (blockStart_ + next_ - dataStart_) % 2 == 0;
