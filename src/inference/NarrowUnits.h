@@ -35,4 +35,13 @@ std::uint64_t NarrowUnits(const char16_t* units) noexcept {
 #endif
 }
 
+// The character "0" in every byte: what digits are told from by their differences.
+inline constexpr std::uint64_t kDigitZeros = 0x3030303030303030;
+
+// The bytes of `bytes` that are not below ten, each as its highest bit.
+constexpr std::uint64_t NotBelowTen(std::uint64_t bytes) noexcept {
+  constexpr std::uint64_t kLow7 = 0x7F7F7F7F7F7F7F7F;
+  return (((bytes & kLow7) + 0x7676767676767676) | bytes) & ~kLow7;
+}
+
 }  // namespace TextFile

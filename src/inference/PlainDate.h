@@ -8,9 +8,11 @@
 // the same value for everything that is read here.
 #pragma once
 
+#include <cstdint>
 #include <string_view>
 
 #include "host/CoreSupport/OleDays.h"
+#include "inference/NarrowUnits.h"
 #include "schema/FieldDefinition.h"
 
 namespace TextFile {
@@ -29,18 +31,66 @@ constexpr int TwoDigits(const char16_t* units) noexcept {
   return tens <= 9 && ones <= 9 ? static_cast<int>(tens * 10 + ones) : 100;
 }
 
-// Ten characters: "2024-02-29", or with the year at the end.
-constexpr bool ReadDay(DateOrder order, const char16_t* units, quenra::CivilDay& day) noexcept {
-  const bool yearFirst = order == DateOrder::kYearMonthDay;
-  const char16_t separator = units[yearFirst ? 4 : 2];
-  if (separator != u'-' && separator != u'.' && separator != u'/') return false;
-  if (units[yearFirst ? 7 : 5] != separator) return false;
+constexpr std::uint64_t ByteAt(unsigned index, std::uint64_t byte) noexcept {
+  return byte << (8 * index);
+}
 
-  const char16_t* const year = yearFirst ? units : units + 6;
-  const int first = TwoDigits(yearFirst ? units + 5 : units);
-  const int second = TwoDigits(yearFirst ? units + 8 : units + 3);
-  const int century = TwoDigits(year);
-  const int yearOfCentury = TwoDigits(year + 2);
+// Eight characters at once, as differences from "0"; none when others than those at `first` and
+// `second` are no digits, or these are. Each pair of digits is weighed in its first byte.
+struct EightCharacters {
+  std::uint64_t differences;
+  std::uint64_t pairs;
+
+  constexpr int Pair(unsigned index) const noexcept {
+    return static_cast<int>(pairs >> (8 * index) & 0xFF);
+  }
+  constexpr unsigned Difference(unsigned index) const noexcept {
+    return static_cast<unsigned>(differences >> (8 * index) & 0xFF);
+  }
+};
+inline bool ReadEight(const char16_t* units, unsigned first, unsigned second,
+                      EightCharacters& eight) noexcept {
+  eight.differences = NarrowUnits<8>(units) ^ kDigitZeros;
+  if (NotBelowTen(eight.differences) != (ByteAt(first, 0x80) | ByteAt(second, 0x80))) return false;
+  const std::uint64_t digits = eight.differences & ~(ByteAt(first, 0xFF) | ByteAt(second, 0xFF));
+  eight.pairs = digits * 10 + (digits >> 8);
+  return true;
+}
+
+// Ten characters: "2024-02-29".
+inline bool ReadDayFromYear(const char16_t* units, quenra::CivilDay& day) noexcept {
+  EightCharacters eight;
+  if (!ReadEight(units, 4, 7, eight)) return false;
+  constexpr unsigned kFirstSeparator = u'-' ^ u'0';  // "-", "." and "/" follow one another
+  static_assert((u'.' ^ u'0') == kFirstSeparator + 1 && (u'/' ^ u'0') == kFirstSeparator + 2);
+  const unsigned separator = eight.Difference(4);
+  if (separator - kFirstSeparator > 2 || separator != eight.Difference(7)) return false;
+  day = {eight.Pair(0) * 100 + eight.Pair(2), eight.Pair(5), TwoDigits(units + 8)};
+  return day.month >= 1 && day.month <= 12 && day.day >= 1 && day.day <= 31;
+}
+
+// Eight characters: "10:30:00".
+inline bool ReadTimeToSecond(const char16_t* units, int& seconds) noexcept {
+  EightCharacters eight;
+  constexpr unsigned kColon = u':' ^ u'0';
+  if (!ReadEight(units, 2, 5, eight) || eight.Difference(2) != kColon ||
+      eight.Difference(5) != kColon)
+    return false;
+  seconds = (eight.Pair(0) * 60 + eight.Pair(3)) * 60 + eight.Pair(6);
+  return eight.Pair(0) <= 23 && eight.Pair(3) <= 59 && eight.Pair(6) <= 59;
+}
+
+// Ten characters: "2024-02-29", or with the year at the end.
+inline bool ReadDay(DateOrder order, const char16_t* units, quenra::CivilDay& day) noexcept {
+  if (order == DateOrder::kYearMonthDay) return ReadDayFromYear(units, day);
+  const char16_t separator = units[2];
+  if (separator != u'-' && separator != u'.' && separator != u'/') return false;
+  if (units[5] != separator) return false;
+
+  const int first = TwoDigits(units);
+  const int second = TwoDigits(units + 3);
+  const int century = TwoDigits(units + 6);
+  const int yearOfCentury = TwoDigits(units + 8);
   const bool dayFirst = order == DateOrder::kDayMonthYear;
   day = {century * 100 + yearOfCentury, dayFirst ? second : first, dayFirst ? first : second};
   return century < 100 && yearOfCentury < 100 && day.month >= 1 && day.month <= 12 &&
@@ -48,15 +98,14 @@ constexpr bool ReadDay(DateOrder order, const char16_t* units, quenra::CivilDay&
 }
 
 // "T10:30", " 10:30" or the same with seconds.
-constexpr bool ReadTimeOfDay(std::u16string_view text, int& seconds) noexcept {
-  if (text.size() != 6 && text.size() != 9) return false;
-  if ((text[0] != u'T' && text[0] != u' ') || text[3] != u':') return false;
+inline bool ReadTimeOfDay(std::u16string_view text, int& seconds) noexcept {
+  if ((text.size() != 6 && text.size() != 9) || (text[0] != u'T' && text[0] != u' ')) return false;
+  if (text.size() == 9) return ReadTimeToSecond(text.data() + 1, seconds);
+  if (text[3] != u':') return false;
   const int hour = TwoDigits(text.data() + 1);
   const int minute = TwoDigits(text.data() + 4);
-  int second = 0;
-  if (text.size() == 9) second = text[6] == u':' ? TwoDigits(text.data() + 7) : 100;
-  seconds = (hour * 60 + minute) * 60 + second;
-  return hour <= 23 && minute <= 59 && second <= 59;
+  seconds = (hour * 60 + minute) * 60;
+  return hour <= 23 && minute <= 59;
 }
 
 }  // namespace PlainDateSteps
@@ -69,8 +118,8 @@ constexpr bool HasPlainDates(const DateFieldFormat& format) noexcept {
 
 // Whether `text` is a plain value of the format, which may have plain ones. False for every other
 // text, which says nothing about whether it is a date; `date`, a fresh one, is then unspecified.
-constexpr bool ReadPlainDate(const DateFieldFormat& format, std::u16string_view text,
-                             PlainDate& date) noexcept {
+inline bool ReadPlainDate(const DateFieldFormat& format, std::u16string_view text,
+                          PlainDate& date) noexcept {
   constexpr std::size_t kDayLength = 10;
   if (text.size() < kDayLength) return false;
   if (!PlainDateSteps::ReadDay(format.order, text.data(), date.day)) return false;

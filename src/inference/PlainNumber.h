@@ -31,12 +31,6 @@ struct PlainNumber {
 
 namespace PlainNumberSteps {
 
-// The bytes of `bytes` that are not below ten, each as its highest bit.
-constexpr std::uint64_t NotBelowTen(std::uint64_t bytes) noexcept {
-  constexpr std::uint64_t kLow7 = 0x7F7F7F7F7F7F7F7F;
-  return (((bytes & kLow7) + 0x7676767676767676) | bytes) & ~kLow7;
-}
-
 // The number whose digits are the bytes of `digits`, the lowest one first.
 constexpr std::uint64_t WeighEight(std::uint64_t digits) noexcept {
   digits = digits * 10 + (digits >> 8);  // pairs, in every other byte
@@ -113,8 +107,6 @@ constexpr bool ReadUpToSixteen(std::uint64_t first, std::uint64_t second, unsign
   return true;
 }
 
-constexpr std::uint64_t kZeros = 0x3030303030303030;  // the character "0" in every byte
-
 }  // namespace PlainNumberSteps
 
 // Whether `text` is a plain number with this decimal symbol. False for every other text, which
@@ -132,14 +124,14 @@ inline bool ReadPlainNumber(char16_t decimalSymbol, std::u16string_view text,
   if (size > 16 || size == 0) return false;
   if (size > 8) {
     // The second load ends with the text and overlaps the first.
-    const std::uint64_t second = NarrowUnits<8>(units + size - 8) ^ kZeros;
-    return ReadUpToSixteen(NarrowUnits<8>(units) ^ kZeros, second >> (8 * (16 - length)), length,
-                           symbolByte, number);
+    const std::uint64_t second = NarrowUnits<8>(units + size - 8) ^ kDigitZeros;
+    return ReadUpToSixteen(NarrowUnits<8>(units) ^ kDigitZeros, second >> (8 * (16 - length)),
+                           length, symbolByte, number);
   }
   std::uint64_t bytes = 0;
   if (size >= 4) {
-    bytes = (NarrowUnits<4>(units) ^ (kZeros & 0xFFFFFFFF)) |
-            (NarrowUnits<4>(units + size - 4) ^ (kZeros & 0xFFFFFFFF)) << (8 * (length - 4));
+    bytes = (NarrowUnits<4>(units) ^ (kDigitZeros & 0xFFFFFFFF)) |
+            (NarrowUnits<4>(units + size - 4) ^ (kDigitZeros & 0xFFFFFFFF)) << (8 * (length - 4));
   } else {
     for (std::size_t i = size; i-- > 0;)
       bytes = bytes << 8 | static_cast<std::uint64_t>(units[i] > 255 ? 255 : units[i] ^ u'0');
