@@ -17,11 +17,21 @@ using TextFile::FieldType;
 // Few enough to stay in the cache, so that the conversion alone is measured.
 constexpr std::size_t kRecords = 1000;
 
+// The same fields, without the line that a reader's record refers to.
+TextFile::Record CopyOf(const TextFile::Record& record) {
+  TextFile::Record copy;
+  for (std::size_t i = 0; i < record.size(); ++i) {
+    for (const char16_t unit : record[i]) copy.Append(unit);
+    copy.EndField();
+  }
+  return copy;
+}
+
 std::vector<TextFile::Record> FirstRecords(const TextFile::TextDatasetDescription& table) {
   std::vector<TextFile::Record> records;
   const TextFile::ReaderPtr reader = TextFile::MakeDataReader(table);
   while (!reader->record().empty() && records.size() < kRecords) {
-    records.push_back(reader->record());
+    records.push_back(CopyOf(reader->record()));
     reader->ReadRecord();
   }
   return records;

@@ -3,12 +3,13 @@
 //
 // Holds: what the classifier calls a date of some orders reads in exactly these orders; with no
 // order fixed it reads as one of them; every component is within its range; older hosts see no
-// type that they do not know.
+// type that they do not know; plain dates are read the same the shorter way.
 
 #include <optional>
 
 #include "FuzzInput.h"
 #include "inference/DateParsing.h"
+#include "inference/PlainDate.h"
 
 namespace {
 
@@ -21,6 +22,17 @@ using TextFile::ParsedDateTime;
 constexpr DateOrder kOrders[] = {DateOrder::kMonthDayYear, DateOrder::kDayMonthYear,
                                  DateOrder::kYearMonthDay};
 
+// The shorter way gives what the exact way has given.
+void CheckPlainDate(const TextFile::DateFieldFormat& format, std::u16string_view text, bool read,
+                    const ParsedDateTime& value) {
+  TextFile::PlainDate date;
+  if (!TextFile::HasPlainDates(format) || !TextFile::ReadPlainDate(format, text, date)) return;
+  const SYSTEMTIME& time = value.time;
+  Check(read && date.day.year == time.wYear && date.day.month == time.wMonth &&
+        date.day.day == time.wDay && time.wMilliseconds == 0 && !value.fractionalSeconds);
+  Check(date.seconds == (time.wHour * 60 + time.wMinute) * 60 + time.wSecond);
+}
+
 std::optional<ParsedDateTime> Parse(FieldType type, DateOrder order, std::uint32_t version,
                                     std::u16string_view text) {
   TextFile::DateFieldFormat format;
@@ -28,7 +40,9 @@ std::optional<ParsedDateTime> Parse(FieldType type, DateOrder order, std::uint32
   format.order = order;
   format.version = version;
   ParsedDateTime value;
-  if (!TextFile::ParseDateTime(format, text, value)) return std::nullopt;
+  const bool read = TextFile::ParseDateTime(format, text, value);
+  CheckPlainDate(format, text, read, value);
+  if (!read) return std::nullopt;
   return value;
 }
 

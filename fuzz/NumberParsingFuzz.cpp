@@ -2,7 +2,8 @@
 // for the decimal symbol, one for the old field types, one for a currency symbol.
 //
 // Holds: the classifier and the converter agree; narrower types convert to the value of the wider;
-// a number without grouping converts to what the C library reads; white space around it does not
+// the shorter ways give what the exact one gives; a number without grouping converts to what the C
+// library reads; white space around it does not
 // matter; a refused amount leaves the value alone.
 
 #include <charconv>
@@ -12,6 +13,7 @@
 #include "FuzzInput.h"
 #include "host/CoreSupport/CharacterClasses.h"
 #include "inference/NumberParsing.h"
+#include "inference/PlainNumberVector.h"
 
 namespace {
 
@@ -77,6 +79,31 @@ void CheckTypes(const Settings& settings, std::u16string_view text) {
   if (big.done) Check(Convert(settings, text, FieldType::kDouble).done);
   for (const FieldType type : {FieldType::kString, FieldType::kDate, FieldType::kUndetermined})
     Check(!Convert(settings, text, type).done);
+}
+
+// The shorter ways give what the exact way gives.
+void CheckShorterWays(const Settings& settings, std::u16string_view text) {
+  for (const FieldType type : {FieldType::kSmallInteger, FieldType::kInteger,
+                               FieldType::kBigInteger, FieldType::kSingle, FieldType::kDouble}) {
+    const Reading quick = Convert(settings, text, type);
+    NumberValue exact;
+    Check(TextFile::NumberFormat::ConvertExactly(settings, text, type, exact) == quick.done);
+    if (!quick.done) continue;
+    if (type == FieldType::kSingle)
+      Check(SameReal(exact.single, quick.value.single));
+    else if (type == FieldType::kDouble)
+      Check(SameReal(exact.real, quick.value.real));
+    else
+      Check(exact.integer == quick.value.integer);
+  }
+  TextFile::PlainNumber quick;
+  TextFile::PlainNumber portable;
+  const bool isPlain = TextFile::ReadPlainNumber(settings.decimalSymbol, text, portable);
+  Check(TextFile::QuickestPlainNumberReader()(settings.decimalSymbol, text, quick) == isPlain);
+  if (isPlain)
+    Check(quick.digits == portable.digits && quick.decimals == portable.decimals &&
+          quick.hasDecimalSymbol == portable.hasDecimalSymbol &&
+          quick.negative == portable.negative);
 }
 
 // What the C library makes of digits, sign, decimal symbol and exponent alone.
@@ -155,6 +182,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
       (switches & 0x04) != 0 ? TextFile::kOldFieldTypeVersion : TextFile::kCurrentFieldTypeVersion;
   CheckClass(settings, text, version);
   CheckTypes(settings, text);
+  CheckShorterWays(settings, text);
   CheckAgainstLibrary(settings, text);
   CheckSpaces(settings, text);
   CheckGrouping(settings, text);
