@@ -15,9 +15,12 @@ set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE ONLY)
 
-# The compiler's own libraries go into every image, so that no DLL is needed beside ours.
+# The compiler's own libraries go into every image, so that no DLL is needed beside ours. Their
+# debugging information would be half of it. Wine maps sections that begin with a page of the file,
+# and copies others.
 foreach(kind EXE SHARED MODULE)
-  set(CMAKE_${kind}_LINKER_FLAGS_INIT "-static")
+  set(CMAKE_${kind}_LINKER_FLAGS_INIT "-static -Wl,--file-alignment=4096")
+  set(CMAKE_${kind}_LINKER_FLAGS_RELEASE_INIT "-s")
 endforeach()
 
 set(CMAKE_CROSSCOMPILING_EMULATOR "${CMAKE_CURRENT_LIST_DIR}/../scripts/wine-run")

@@ -263,6 +263,10 @@ TEST_F(OpenTextDatasetTest, EveryOpeningIsOneBeginAndOneEndEvent) {
 
 // What this process has read so far, by the system's account. Nothing where there is none.
 std::optional<std::int64_t> BytesReadByProcess() {
+#ifdef _WIN32
+  // Wine can see an account too, of what passes between it and its server besides.
+  return std::nullopt;
+#endif
   std::ifstream account("/proc/self/io");
   std::string key;
   std::int64_t bytes = 0;
