@@ -1,12 +1,12 @@
 // A byte is found where a plain loop finds it, wherever the block begins and ends.
-#include "reading/ByteSearch.h"
-
 #include <gtest/gtest.h>
 
 #include <cstddef>
 #include <random>
 #include <string>
 #include <vector>
+
+#include "reading/ByteSearch.h"
 
 namespace TextFile {
 namespace {
