@@ -131,10 +131,15 @@ Handle Start(const ProcessRequest& request, HANDLE input, HANDLE output, HANDLE 
   startup.hStdOutput = output;
   startup.hStdError = errors;
   PROCESS_INFORMATION process = {};
-  if (!::CreateProcessW(Wide(request.program).c_str(), line.data(), nullptr, nullptr, TRUE,
-                        CREATE_UNICODE_ENVIRONMENT | DETACHED_PROCESS, environment.data(),
-                        folder.empty() ? nullptr : folder.c_str(), &startup, &process))
-    Fail(request.program.c_str());
+  const auto create = [&, commandLine = line] {
+    line = commandLine;  // the system may write into it
+    return ::CreateProcessW(Wide(request.program).c_str(), line.data(), nullptr, nullptr, TRUE,
+                            CREATE_UNICODE_ENVIRONMENT | DETACHED_PROCESS, environment.data(),
+                            folder.empty() ? nullptr : folder.c_str(), &startup, &process) != 0;
+  };
+  // On a busy machine Wine gives up a start now and then that nothing is wrong with.
+  const bool started = create() || (::GetLastError() == ERROR_INTERNAL_ERROR && create());
+  if (!started) Fail(request.program.c_str());
   ::CloseHandle(process.hThread);
   return Handle(process.hProcess);
 }
