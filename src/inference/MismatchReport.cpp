@@ -1,7 +1,5 @@
 #include "inference/MismatchReport.h"
 
-#include <optional>
-
 #include "host/AppEventLog/EventLog.h"
 #include "host/CoreSupport/String.h"
 #include "schema/SchemaIniWriter.h"
@@ -20,38 +18,48 @@ FieldDefinition DefinitionFrom(const Mismatch& mismatch) {
   return definition;
 }
 
-MismatchOutcome UpdateSchemaIni(const TextDatasetDescription& table, const Mismatch& mismatch) {
-  const SchemaIniPaths paths(FolderOf(table.path));
-  std::optional<FieldDefinition> declared;
-  if (AddSchemaColumn(paths, table.name, static_cast<std::int32_t>(mismatch.fileColumn),
-                      DefinitionFrom(mismatch), declared))
-    return MismatchOutcome::kGenerated;
-  if (!declared.has_value()) return MismatchOutcome::kNotWritten;
-  return declared->type == mismatch.found ? MismatchOutcome::kAlreadyUpdated
-                                          : MismatchOutcome::kDefinedOtherwise;
+MismatchOutcome OutcomeOf(const ColumnToAdd& column) {
+  if (column.added) return MismatchOutcome::kGenerated;
+  if (!column.declared.has_value()) return MismatchOutcome::kNotWritten;
+  return column.declared->type == column.column.type ? MismatchOutcome::kAlreadyUpdated
+                                                     : MismatchOutcome::kDefinedOtherwise;
+}
+
+void UpdateSchemaIni(const TextDatasetDescription& table, std::span<Mismatch> mismatches) {
+  std::vector<ColumnToAdd> columns;
+  columns.reserve(mismatches.size());
+  for (const Mismatch& mismatch : mismatches)
+    columns.push_back(
+        {static_cast<std::int32_t>(mismatch.fileColumn), DefinitionFrom(mismatch), {}, false});
+  AddSchemaColumns(SchemaIniPaths(FolderOf(table.path)), table.name, columns);
+  for (std::size_t i = 0; i < columns.size(); ++i) mismatches[i].outcome = OutcomeOf(columns[i]);
 }
 
 }  // namespace
 
-MismatchOutcome RecordMismatch(const TextDatasetDescription& table,
-                               const Mismatch& mismatch) noexcept {
+void RecordMismatches(const TextDatasetDescription& table,
+                      std::span<Mismatch> mismatches) noexcept {
   try {
-    return UpdateSchemaIni(table, mismatch);
+    UpdateSchemaIni(table, mismatches);
   } catch (...) {
     // A schema.ini that cannot be understood or memory that is short: nothing has been written.
-    return MismatchOutcome::kNotWritten;
   }
 }
 
-std::u16string ReportMismatch(const TextDatasetDescription& table, const Mismatch& mismatch,
-                              MessageLoader loadMessage) {
-  const MismatchOutcome outcome = RecordMismatch(table, mismatch);
-  const std::u16string format =
-      loadMessage(kFirstOutcomeMessage + static_cast<std::uint32_t>(outcome));
-  std::u16string message =
-      quenra::String::FormatMessageW(format, {table.name, mismatch.text, mismatch.fieldName});
-  quenra::EventLog::Write(message);
-  return message;
+std::vector<std::u16string> ReportMismatches(const TextDatasetDescription& table,
+                                             std::span<Mismatch> mismatches,
+                                             MessageLoader loadMessage) {
+  RecordMismatches(table, mismatches);
+  std::vector<std::u16string> messages;
+  messages.reserve(mismatches.size());
+  for (const Mismatch& mismatch : mismatches) {
+    const std::u16string format =
+        loadMessage(kFirstOutcomeMessage + static_cast<std::uint32_t>(mismatch.outcome));
+    messages.push_back(
+        quenra::String::FormatMessageW(format, {table.name, mismatch.text, mismatch.fieldName}));
+    quenra::EventLog::Write(messages.back());
+  }
+  return messages;
 }
 
 }  // namespace TextFile

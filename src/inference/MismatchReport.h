@@ -4,8 +4,10 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <span>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "reading/TextDatasetDescription.h"
 
@@ -22,21 +24,23 @@ enum class MismatchOutcome : std::uint32_t {
 // Loads a text of the module's string table.
 using MessageLoader = std::u16string (*)(std::uint32_t id);
 
-// A value that did not fit.
+// A value that did not fit, and what was made of that.
 struct Mismatch {
   std::size_t fileColumn = 0;  // zero-based position among the file's columns
   std::u16string_view fieldName;
   std::u16string_view text;
   FieldType found = FieldType::kString;  // kDouble when the text is a floating-point number
+  MismatchOutcome outcome = MismatchOutcome::kNotWritten;
 };
 
-// Records the type found in schema.ini unless that already says something about the column. Never
-// throws: whatever goes wrong is kNotWritten.
-MismatchOutcome RecordMismatch(const TextDatasetDescription& table,
-                               const Mismatch& mismatch) noexcept;
+// Records the types found in schema.ini, in one write, unless that already says something about a
+// column. The mismatches are of different columns. Never throws: whatever goes wrong is
+// kNotWritten.
+void RecordMismatches(const TextDatasetDescription& table, std::span<Mismatch> mismatches) noexcept;
 
-// Records the mismatch, writes the message of the outcome to the event log and answers it.
-std::u16string ReportMismatch(const TextDatasetDescription& table, const Mismatch& mismatch,
-                              MessageLoader loadMessage);
+// Records the mismatches, writes the messages of their outcomes to the event log and answers them.
+std::vector<std::u16string> ReportMismatches(const TextDatasetDescription& table,
+                                             std::span<Mismatch> mismatches,
+                                             MessageLoader loadMessage);
 
 }  // namespace TextFile

@@ -138,6 +138,7 @@ void RowConverter::MakePlan() {
 CLONED_FOR_PROCESSORS
 std::size_t RowConverter::Convert(const Record& record) {
   if (!messages_.empty()) messages_.clear();
+  if (!mismatches_.empty()) mismatches_.clear();
   const std::size_t columns = record.size();
   const std::size_t fields = plan_.size();
   std::size_t field = 0;
@@ -160,6 +161,7 @@ std::size_t RowConverter::Convert(const Record& record) {
     }
     ++field;
   }
+  if (!mismatches_.empty()) ReportAll();
   return field;
 }
 
@@ -310,9 +312,19 @@ void RowConverter::Report(const Cell& cell, FieldType found, VARIANT& value) {
   mismatch.fieldName = table_->fields[cell.field].name;
   mismatch.text = cell.text;
   mismatch.found = found;
-  plan_[cell.field].reported = true;
   if (reported_ == Reported::kNull) SetNull(value);
-  messages_[cell.field] = ReportMismatch(*table_, mismatch, loadMessage_);
+  mismatches_.push_back({cell.field, mismatch});
+}
+
+// Together, since schema.ini is written anew each time.
+void RowConverter::ReportAll() {
+  std::vector<Mismatch> mismatches;
+  for (const FieldMismatch& found : mismatches_) mismatches.push_back(found.mismatch);
+  std::vector<std::u16string> messages = ReportMismatches(*table_, mismatches, loadMessage_);
+  for (std::size_t i = 0; i < messages.size(); ++i) {
+    plan_[mismatches_[i].field].reported = true;
+    messages_[mismatches_[i].field] = std::move(messages[i]);
+  }
 }
 
 }  // namespace TextFile

@@ -66,6 +66,10 @@ class RowConverter {
     const DateFieldFormat* plainDate = nullptr;  // of fields whose dates may be plain
     bool reported = false;
   };
+  struct FieldMismatch {
+    std::size_t field;
+    Mismatch mismatch;
+  };
   // A text of a record, and where it stands.
   struct Cell {
     std::size_t field;
@@ -84,6 +88,7 @@ class RowConverter {
   bool SetDate(std::size_t field, const ParsedDateTime& parsed, VARIANT& value);
   std::size_t ConvertCoordinateText(std::size_t field, const Record& record, std::size_t& column);
   void Report(const Cell& cell, FieldType found, VARIANT& value);
+  void ReportAll();
 
   const std::shared_ptr<const TextDatasetDescription> table_;
   const MessageLoader loadMessage_;
@@ -93,6 +98,7 @@ class RowConverter {
   quenra::LatLongFormat latLong_;
   std::vector<FieldPlan> plan_;  // one entry a field
   VARIANT unwanted_;             // takes the values of fields without a slot; owns nothing
+  std::vector<FieldMismatch> mismatches_;  // of the row being converted, not reported before
   std::map<std::size_t, std::u16string> messages_;  // of the row converted last, by field
 };
 

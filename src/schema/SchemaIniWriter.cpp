@@ -217,27 +217,38 @@ bool WriteSchemaSection(const SchemaIniPaths& paths, std::u16string_view section
   });
 }
 
-bool AddSchemaColumn(const SchemaIniPaths& paths, std::u16string_view sectionName,
-                     std::int32_t index, const FieldDefinition& column,
-                     std::optional<FieldDefinition>& declared) {
+void AddSchemaColumns(const SchemaIniPaths& paths, std::u16string_view sectionName,
+                      std::span<ColumnToAdd> columns) {
   const auto read = [&] {
     SchemaOptions options;
     ReadSchemaSection(paths, sectionName, options);
-    const auto found = options.columns.find(index);
-    if (found != options.columns.end()) declared = found->second;
+    for (ColumnToAdd& column : columns) {
+      const auto found = options.columns.find(column.index);
+      if (found != options.columns.end()) column.declared = found->second;
+    }
     return options;
   };
+  const auto isDeclared = [](const ColumnToAdd& column) { return column.declared.has_value(); };
   // The first look needs no right to write.
   read();
-  if (declared.has_value()) return false;
-  return Guarded(nullptr, [&] {
+  if (std::all_of(columns.begin(), columns.end(), isDeclared)) return;
+  Guarded(nullptr, [&] {
     SchemaIniFile file(paths, SchemaIniFile::Access::kWrite);
     SchemaOptions options = read();
-    if (declared.has_value()) throw SchemaIniFailure{u"The column is declared already."};
-    options.columns.emplace(index, column);
     RequireReadableColumns(options);
+    std::vector<ColumnToAdd*> added;
+    for (ColumnToAdd& column : columns) {
+      // One that cannot be described does not keep the others out.
+      if (isDeclared(column) ||
+          !ReadsBack(column.column, ColumnLine(column.column, options.dateTimeFormat)))
+        continue;
+      options.columns.emplace(column.index, column.column);
+      added.push_back(&column);
+    }
+    if (added.empty()) return;
     file.Replace(sectionName, SchemaSectionLines(options));
     file.Save();
+    for (ColumnToAdd* column : added) column->added = true;
   });
 }
 

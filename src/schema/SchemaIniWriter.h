@@ -9,6 +9,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -24,12 +25,19 @@ namespace TextFile {
 bool WriteSchemaSection(const SchemaIniPaths& paths, std::u16string_view sectionName,
                         const SchemaOptions& options, std::u16string* failure = nullptr) noexcept;
 
-// Adds a column to the section, which is made when there is none; what other writers do meanwhile
-// is kept. False when the section declares the column, which `declared` (empty before) then holds,
-// or when it could not be written. Throws ParseError when the section cannot be understood.
-bool AddSchemaColumn(const SchemaIniPaths& paths, std::u16string_view sectionName,
-                     std::int32_t index, const FieldDefinition& column,
-                     std::optional<FieldDefinition>& declared);
+// A column to be added to a section, and what became of that.
+struct ColumnToAdd {
+  std::int32_t index = 0;  // zero-based position among the file's columns
+  FieldDefinition column;
+  std::optional<FieldDefinition> declared;  // what the section declares already
+  bool added = false;                       // false as well when it could not be written
+};
+
+// Adds the columns that the section does not declare, in one write; the section is made when there
+// is none, and what other writers do meanwhile is kept. The columns have different positions.
+// Throws ParseError when the section cannot be understood.
+void AddSchemaColumns(const SchemaIniPaths& paths, std::u16string_view sectionName,
+                      std::span<ColumnToAdd> columns);
 
 // What a section was, to bring it back after a failure.
 class SavedSchemaSection {

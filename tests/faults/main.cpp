@@ -69,7 +69,8 @@ void AddMismatch(const TableLocation& table, std::size_t column) {
   mismatch.fieldName = u"Id";
   mismatch.text = u"1.5";
   mismatch.found = FieldType::kDouble;
-  if (RecordMismatch(Opened(table), mismatch) != MismatchOutcome::kGenerated)
+  RecordMismatches(Opened(table), {&mismatch, 1});
+  if (mismatch.outcome != MismatchOutcome::kGenerated)
     FailTable(SchemaIniPaths(table.folder).schemaIni, u"not written");
 }
 

@@ -39,6 +39,16 @@ std::u16string LoadMessage(std::uint32_t id) {
   }
 }
 
+MismatchOutcome RecordMismatch(const TextDatasetDescription& table, Mismatch mismatch) {
+  RecordMismatches(table, {&mismatch, 1});
+  return mismatch.outcome;
+}
+
+std::u16string ReportMismatch(const TextDatasetDescription& table, Mismatch mismatch,
+                              MessageLoader loadMessage) {
+  return ReportMismatches(table, {&mismatch, 1}, loadMessage).front();
+}
+
 class MismatchReportTest : public ::testing::Test {
  protected:
   MismatchReportTest() {
@@ -309,6 +319,30 @@ TEST_F(MismatchLifeTest, TheColumnsNumberIsThatOfTheFile) {
   ASSERT_EQ(table.Fields(), "place:text place_X:double[x] place_Y:double[x] n:int");
   EXPECT_EQ(ReadAll(table).size(), 1u);
   EXPECT_EQ(folder_.Read("schema.ini"), "[p.tsv]\nCol2=n Text\n");
+}
+
+TEST_F(MismatchLifeTest, ARowOfContradictionsIsRecordedColumnByColumn) {
+  constexpr int kColumns = 300;
+  std::string header;
+  std::string whole;
+  std::string halves;
+  std::string expected = "[t.csv]\n";
+  for (int i = 1; i <= kColumns; ++i) {
+    const std::string separator = i == kColumns ? "\n" : ",";
+    header += "c" + std::to_string(i) + separator;
+    whole += "7" + separator;
+    halves += "7.5" + separator;
+    expected += "Col" + std::to_string(i) + "=c" + std::to_string(i) + " Double\n";
+  }
+  std::string bytes = header;
+  for (int row = 0; row < 150; ++row) bytes += whole;
+  folder_.Write("t.csv", bytes + halves);
+  OpenedTable table(folder_, u"t.csv");
+  const std::vector<std::u16string> messages = ReadAll(table);
+  ASSERT_EQ(messages.size(), static_cast<std::size_t>(kColumns));
+  EXPECT_NE(messages.back().find(u"field c300. Generated schema.ini."), std::u16string::npos);
+  EXPECT_EQ(folder_.Read("schema.ini"), expected);
+  EXPECT_EQ(events_, messages) << "in the order of the columns";
 }
 
 }  // namespace

@@ -256,15 +256,24 @@ TEST_F(SchemaIniFileTest, ColumnLinesFollowTheTable) {
 
 TEST_F(SchemaIniFileTest, AColumnIsAddedToWhatOthersHaveWritten) {
   SetText("[b.csv]\nFormat=TabDelimited\n[a.csv]\nCol2=B Text\n");
-  FieldDefinition column;
-  column.name = u"A";
-  column.type = FieldType::kDouble;
-  std::optional<FieldDefinition> declared;
-  EXPECT_TRUE(AddSchemaColumn(Paths(), u"A.csv", 0, column, declared));
-  EXPECT_EQ(Text(), "[b.csv]\nFormat=TabDelimited\n[a.csv]\nCol1=A Double\nCol2=B Text\n");
-  EXPECT_FALSE(AddSchemaColumn(Paths(), u"a.csv", 1, column, declared));
-  ASSERT_TRUE(declared.has_value());
-  EXPECT_EQ(declared->type, FieldType::kString);
+  const auto named = [](std::int32_t index, std::u16string name) {
+    ColumnToAdd added;
+    added.index = index;
+    added.column.name = std::move(name);
+    added.column.type = FieldType::kDouble;
+    return added;
+  };
+  ColumnToAdd columns[] = {named(0, u"A"), named(1, u"B"), named(2, u"a\"b"), named(3, u"D")};
+  AddSchemaColumns(Paths(), u"A.csv", columns);
+  EXPECT_TRUE(columns[0].added);
+  EXPECT_FALSE(columns[1].added);
+  ASSERT_TRUE(columns[1].declared.has_value());
+  EXPECT_EQ(columns[1].declared->type, FieldType::kString);
+  EXPECT_FALSE(columns[2].added) << "its line would not read back";
+  EXPECT_FALSE(columns[2].declared.has_value());
+  EXPECT_TRUE(columns[3].added);
+  EXPECT_EQ(Text(),
+            "[b.csv]\nFormat=TabDelimited\n[a.csv]\nCol1=A Double\nCol2=B Text\nCol4=D Double\n");
 }
 
 TEST_F(SchemaIniFileTest, ASavedSectionComesBack) {
