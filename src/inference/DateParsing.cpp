@@ -1,6 +1,5 @@
 #include "inference/DateParsing.h"
 
-#include <algorithm>
 #include <limits>
 
 #include "host/CoreSupport/CharacterClasses.h"

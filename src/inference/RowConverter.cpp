@@ -129,8 +129,9 @@ void RowConverter::MakePlan() {
     const FieldType type = fields[i].type;
     const bool mayBePlainNumber =
         type == FieldType::kDouble || type == FieldType::kInteger || type == FieldType::kBigInteger;
+    const DateFieldFormat& dates = fields[i].dateFormat;
     const DateFieldFormat* const plainDate =
-        HasPlainDates(fields[i].dateFormat) ? &fields[i].dateFormat : nullptr;
+        dates.type == type && HasPlainDates(dates) ? &dates : nullptr;
     plan_.push_back({&unwanted_, type, companions, mayBePlainNumber, plainDate});
   }
 }

@@ -7,18 +7,6 @@
 #include "plugin/TextFileErrors.h"
 
 namespace quenra {
-namespace {
-
-// VariantClear, without the calls for values that own nothing and for texts.
-void Clear(VARIANT& value) noexcept {
-  if (value.vt == VT_BSTR)
-    ::SysFreeString(value.bstrVal);
-  else
-    ClearVariant(value);
-  value.vt = VT_EMPTY;
-}
-
-}  // namespace
 
 // The values of a row, which are cleared when this goes.
 class TextFileLoader::Fetched {
@@ -26,7 +14,7 @@ class TextFileLoader::Fetched {
   // `values` are VT_EMPTY, and are so again afterwards.
   explicit Fetched(std::vector<VARIANT>& values) noexcept : values_(values) {}
   ~Fetched() {
-    for (VARIANT& value : values_) Clear(value);
+    for (VARIANT& value : values_) ClearVariant(value);
   }
   Fetched(const Fetched&) = delete;
   Fetched& operator=(const Fetched&) = delete;

@@ -256,6 +256,15 @@ TEST_F(RowConverterTest, DatesAreReadInTheOrderOfTheField) {
   EXPECT_EQ(ConvertOne(field, u"2020-01-05"), "DATE 43835") << "the field's version counts";
 }
 
+TEST_F(RowConverterTest, OnlyFieldsOfDatesAreReadAsDates) {
+  for (const FieldType type : {FieldType::kSmallInteger, FieldType::kSingle}) {
+    FieldDefinition field = Field(u"f", type);
+    field.dateFormat.type = FieldType::kDateOnly;
+    field.dateFormat.order = DateOrder::kYearMonthDay;
+    EXPECT_EQ(ConvertOne(field, u"2020-01-05"), "NULL; String");
+  }
+}
+
 TEST_F(RowConverterTest, NumbersFollowTheTablesDecimalSymbols) {
   auto table = Table({Field(u"f", kDouble)});
   table->options.number.decimalSymbol = u',';
