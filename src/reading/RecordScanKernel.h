@@ -6,13 +6,7 @@
 // start of its field, or right behind one that has just turned it off: that is a doubled quote.
 // The others are judged one by one.
 //
-// A Block has
-//   explicit Block(const char* bytes);  // 64 of them
-//   std::uint64_t Equal(char byte) const;
-//   std::uint64_t AboveAscii() const;
-//   static bool AnyEqual(const Block (&blocks)[4], char byte);
-//   static bool AnyAboveAscii(const Block (&blocks)[4]);
-//   static std::uint64_t PrefixXor(std::uint64_t bits);  // bit i: xor of the bits 0 to i
+// ByteBlock.h tells what a Block is.
 #pragma once
 
 #include <cstddef>
