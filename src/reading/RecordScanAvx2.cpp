@@ -11,8 +11,12 @@
 #include <cstdint>
 #include <cstring>
 
+#ifdef __clang__
+#pragma clang attribute push(__attribute__((target("avx2,bmi,pclmul,popcnt"))), apply_to = function)
+#else
 #pragma GCC push_options
 #pragma GCC target("avx2,bmi,pclmul,popcnt")
+#endif
 
 #include "reading/ByteBlockAvx2.h"
 #include "reading/RecordScanKernel.h"
@@ -26,7 +30,11 @@ void RunAvx2Scan(const RecordDialect& dialect, RecordScanState& state, std::stri
 
 }  // namespace TextFile
 
+#ifdef __clang__
+#pragma clang attribute pop
+#else
 #pragma GCC pop_options
+#endif
 
 namespace TextFile {
 

@@ -11,8 +11,13 @@
 #include <cstdint>
 #include <cstring>
 
+#ifdef __clang__
+#pragma clang attribute push(__attribute__((target("avx512f,avx512bw,bmi,pclmul,popcnt"))), \
+                             apply_to = function)
+#else
 #pragma GCC push_options
 #pragma GCC target("avx512f,avx512bw,bmi,pclmul,popcnt")
+#endif
 
 #include "reading/ByteBlockAvx512.h"
 #include "reading/RecordScanKernel.h"
@@ -26,7 +31,11 @@ void RunAvx512Scan(const RecordDialect& dialect, RecordScanState& state, std::st
 
 }  // namespace TextFile
 
+#ifdef __clang__
+#pragma clang attribute pop
+#else
 #pragma GCC pop_options
+#endif
 
 namespace TextFile {
 
