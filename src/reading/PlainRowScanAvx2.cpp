@@ -12,8 +12,12 @@
 
 #include "reading/PlainRow.h"
 
+#ifdef __clang__
+#pragma clang attribute push(__attribute__((target("avx2,bmi,pclmul,popcnt"))), apply_to = function)
+#else
 #pragma GCC push_options
 #pragma GCC target("avx2,bmi,pclmul,popcnt")
+#endif
 
 #include "reading/ByteBlockAvx2.h"
 #include "reading/PlainRowKernel.h"
@@ -27,7 +31,11 @@ PlainRowEnd TakePlainRowAvx2(const PlainRowDialect& dialect, std::string_view by
 
 }  // namespace TextFile
 
+#ifdef __clang__
+#pragma clang attribute pop
+#else
 #pragma GCC pop_options
+#endif
 
 #else
 

@@ -12,8 +12,13 @@
 
 #include "reading/PlainRow.h"
 
+#ifdef __clang__
+#pragma clang attribute push(__attribute__((target("avx512f,avx512bw,bmi,pclmul,popcnt"))), \
+                             apply_to = function)
+#else
 #pragma GCC push_options
 #pragma GCC target("avx512f,avx512bw,bmi,pclmul,popcnt")
+#endif
 
 #include "reading/ByteBlockAvx512.h"
 #include "reading/PlainRowKernel.h"
@@ -27,7 +32,11 @@ PlainRowEnd TakePlainRowAvx512(const PlainRowDialect& dialect, std::string_view 
 
 }  // namespace TextFile
 
+#ifdef __clang__
+#pragma clang attribute pop
+#else
 #pragma GCC pop_options
+#endif
 
 #else
 
