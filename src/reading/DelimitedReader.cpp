@@ -35,7 +35,7 @@ DelimitedReader::DelimitedReader(const TextDatasetDescription& description)
 }
 
 bool DelimitedReader::ReadPlainRow(PlainRow& row) {
-  return plainRows_.has_value() && TakePlainRow(*plainRows_, row);
+  return plainRows_.has_value() && TakePlainRow(*plainRows_, false, row);
 }
 
 bool DelimitedReader::ReadRecord() {

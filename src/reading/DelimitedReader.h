@@ -3,7 +3,7 @@
 
 #include <optional>
 
-#include "reading/PlainRowScan.h"
+#include "reading/PlainRowIndex.h"
 #include "reading/Reader.h"
 
 namespace TextFile {
@@ -57,8 +57,8 @@ class DelimitedReader final : public Reader {
 
   bool exact_ = false;
   char16_t delimiter_;
-  char16_t textDelimiter_;                 // 0: no quoting
-  std::optional<PlainRowScan> plainRows_;  // none where bytes do not tell the fields
+  char16_t textDelimiter_;                  // 0: no quoting
+  std::optional<PlainRowIndex> plainRows_;  // none where bytes do not tell the fields
 };
 
 }  // namespace TextFile

@@ -29,7 +29,7 @@ bool FixedWidthReader::ReadRecord() {
 
 // Beyond ASCII the widths would count other things than bytes.
 bool FixedWidthReader::ReadPlainRow(PlainRow& row) {
-  if (exact_ || widths_.empty() || !TakePlainRow(plainLines_, plainLine_)) return false;
+  if (exact_ || widths_.empty() || !TakePlainRow(plainLines_, true, plainLine_)) return false;
   CutPlainLine(row);
   return true;
 }
@@ -37,8 +37,7 @@ bool FixedWidthReader::ReadPlainRow(PlainRow& row) {
 CLONED_FOR_PROCESSORS
 void FixedWidthReader::CutPlainLine(PlainRow& row) const {
   std::string_view line = plainLine_[0];
-  row.Begin(PlainRow::Bounds::kOwn, '\0');
-  PlainRow::Bound* bound = row.Places(2 * widths_.size());
+  PlainRow::Bound* bound = row.MakePlaces(widths_.size());
   for (const std::int64_t width : widths_) {
     if (line.empty()) break;
     const bool whole = width > 0 && static_cast<std::uint64_t>(width) <= line.size();
@@ -48,7 +47,7 @@ void FixedWidthReader::CutPlainLine(PlainRow& row) const {
     *bound++ = kept.data() + kept.size();
     line.remove_prefix(length);
   }
-  row.End(bound);
+  row.EndAt(bound);
 }
 
 void FixedWidthReader::TakeFields() {

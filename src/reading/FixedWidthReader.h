@@ -1,7 +1,7 @@
 // Records cut into fields by the declared widths of the columns.
 #pragma once
 
-#include "reading/PlainRowScan.h"
+#include "reading/PlainRowIndex.h"
 #include "reading/Reader.h"
 
 namespace TextFile {
@@ -29,7 +29,7 @@ class FixedWidthReader final : public Reader {
   void CutPlainLine(PlainRow& row) const;
 
   bool exact_ = false;
-  PlainRowScan plainLines_{{.delimiter = '\0', .textDelimiter = '\0', .asciiOnly = true}};
+  PlainRowIndex plainLines_{{.delimiter = '\0', .textDelimiter = '\0'}};
   PlainRow plainLine_;                // as one field
   std::vector<std::int64_t> widths_;  // of the file's columns, left to right
 };

@@ -10,10 +10,9 @@
 // others cost no more than finding them.
 #pragma once
 
-#include <algorithm>
 #include <cstddef>
-#include <memory>
 #include <string_view>
+#include <vector>
 
 #include "reading/TextDecoding.h"
 #include "reading/UnitBuffer.h"
@@ -31,7 +30,7 @@ class PlainRow {
   // The bytes of a field, its text delimiters among them, valid until the reader goes on.
   // kPlainRowPadding more can be read behind them.
   std::string_view operator[](std::size_t index) const noexcept {
-    const char* const* const bounds = bounds_.get() + (index << boundsPerField_);
+    const Bound* const bounds = bounds_ + (index << boundsPerField_);
     const char* const begin = bounds[0] + 1;
     return {begin, static_cast<std::size_t>(bounds[1] - begin)};
   }
@@ -43,47 +42,36 @@ class PlainRow {
   }
   char textDelimiter() const noexcept { return textDelimiter_; }  // 0: none
 
-  // For the readers, which write the bounds of the fields into places made for them: where one byte
-  // stands between two fields (kShared), the byte in front of the first field and those behind
-  // each; otherwise (kOwn) the byte in front of each field and the one behind it.
+  // For the readers. Refers to the bounds of `fields` fields with one byte between two of them: the
+  // byte in front of the first one, and those behind each.
   using Bound = const char*;
-  enum class Bounds { kShared, kOwn };
-  void Begin(Bounds bounds, char textDelimiter) noexcept {
-    boundsPerField_ = bounds == Bounds::kOwn ? 1 : 0;
+  void ReferTo(const Bound* bounds, std::size_t fields, char textDelimiter) noexcept {
+    bounds_ = bounds;
+    size_ = fields;
+    boundsPerField_ = 0;
     textDelimiter_ = textDelimiter;
-    size_ = 0;
   }
-  // Answers the first place, with room for `count`.
-  Bound* Places(std::size_t count) {
-    if (capacity_ < count) Grow(0, count);
-    return bounds_.get();
+
+  // Rows of fields that stand anywhere, without text delimiters: their bounds are written into
+  // places made for `fields` of them, for each field the byte in front of it and the one behind it.
+  Bound* MakePlaces(std::size_t fields) {
+    if (own_.size() < 2 * fields) own_.resize(2 * fields);
+    return own_.data();
   }
-  // The same for the place `next`, which may move.
-  Bound* Places(const Bound* next, std::size_t count) {
-    const auto used = static_cast<std::size_t>(next - bounds_.get());
-    if (capacity_ - used < count) Grow(used, count);
-    return bounds_.get() + used;
-  }
-  // The bounds in front of the place `end` are the row's.
-  void End(const Bound* end) noexcept {
-    const auto count = static_cast<std::size_t>(end - bounds_.get());
-    size_ = boundsPerField_ == 0 ? count - 1 : count / 2;
+  // The row has the fields whose bounds are in front of the place `end`.
+  void EndAt(const Bound* end) noexcept {
+    bounds_ = own_.data();
+    size_ = static_cast<std::size_t>(end - own_.data()) / 2;
+    boundsPerField_ = 1;
+    textDelimiter_ = '\0';
   }
 
  private:
-  void Grow(std::size_t used, std::size_t more) {
-    const std::size_t capacity = 2 * capacity_ + more;
-    auto larger = std::make_unique_for_overwrite<Bound[]>(capacity);
-    std::copy_n(bounds_.get(), used, larger.get());
-    bounds_ = std::move(larger);
-    capacity_ = capacity;
-  }
-
-  std::unique_ptr<Bound[]> bounds_;
-  std::size_t capacity_ = 0;
+  const Bound* bounds_ = nullptr;
   std::size_t size_ = 0;
   unsigned boundsPerField_ = 0;  // as a power of two
   char textDelimiter_ = '\0';
+  std::vector<Bound> own_;
 };
 
 }  // namespace TextFile

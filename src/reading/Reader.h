@@ -95,9 +95,9 @@ class Reader {
     return unit != u'\0' ? unit : TerminatorUnit();
   }
 
-  // ReadPlainRow of the rows that `scan` finds.
-  bool TakePlainRow(const PlainRowScan& scan, PlainRow& row) {
-    if (!lineUsedUp_ || !stream_.TakePlainRow(scan, row)) return false;
+  // ReadPlainRow by an index; `asciiOnly` leaves rows of other characters to ReadRecord.
+  bool TakePlainRow(PlainRowIndex& index, bool asciiOnly, PlainRow& row) {
+    if (!lineUsedUp_ || !stream_.TakePlainRow(index, asciiOnly, row)) return false;
     record_.Clear();
     return true;
   }

@@ -8,7 +8,6 @@
 
 #include "platform/FileNames.h"
 #include "reading/ByteSearch.h"
-#include "reading/PlainRowScan.h"
 #include "reading/RecordScan.h"
 #include "reading/TextDecoding.h"
 
@@ -121,6 +120,7 @@ bool TextLineStream::ReadMore() {
     return false;
   }
   end_ += static_cast<std::size_t>(count);
+  ++reads_;
   std::memset(block_.get() + end_, 0, kPlainRowPadding);
   // Whoever reads on this far reads on further.
   readSize_ = std::min(2 * readSize_, blockSize_);
@@ -172,15 +172,6 @@ bool TextLineStream::TakePlainLine(UnitBuffer& line) {
   next_ += length + 1;
   tookNonAscii_ |= line.size() != length;
   if (EndsIn(line, u'\r')) line.DropLast();
-  return true;
-}
-
-bool TextLineStream::TakePlainRow(const PlainRowScan& scan, PlainRow& row) {
-  if (!Is8Bit() || lineDelimiter_ != '\n') return false;
-  const PlainRowEnd end = scan.Take({block_.get() + next_, end_ - next_}, row);
-  if (end.length == 0 || (end.nonAscii && encoding_ == TextEncoding::kAnsi)) return false;
-  next_ += end.length;
-  tookNonAscii_ |= end.nonAscii;
   return true;
 }
 

@@ -18,12 +18,11 @@
 #include <string>
 #include <string_view>
 
+#include "reading/PlainRowIndex.h"
 #include "reading/UnitBuffer.h"
 
 namespace TextFile {
 
-class PlainRow;
-class PlainRowScan;
 class RecordScan;
 
 enum class TextEncoding : std::int32_t {
@@ -64,9 +63,10 @@ class TextLineStream {
   bool ReadLine(UnitBuffer& line);
   bool ReadLine(std::u16string& line);
 
-  // Takes the next line, if `scan` finds a plain row in it. The row is valid until the next read.
-  // False for other lines, and nothing is then taken.
-  bool TakePlainRow(const PlainRowScan& scan, PlainRow& row);
+  // Takes the next row, if it is plain, by an index that is used with this stream alone;
+  // `asciiOnly` asks for rows of ASCII characters. The row is valid until the next call. False for
+  // other rows, and nothing but blank lines in front of them is then taken.
+  bool TakePlainRow(PlainRowIndex& index, bool asciiOnly, PlainRow& row);
 
   // Goes on before the next `byte` of the data (in UTF-16 files: before the next such unit). False
   // when there is none: the stream is then at its end. Skipped text does not decide the encoding.
@@ -130,8 +130,20 @@ class TextLineStream {
   std::size_t next_ = 0;
   std::size_t end_ = 0;
   std::uint64_t blockStart_ = 0;  // offset in the source of block_[0]
+  std::uint64_t reads_ = 0;       // so far
   bool exhausted_ = false;        // the source has no more bytes, or the text ended in a byte 1A
   std::string lineBytes_;         // a line that had to be put together from pieces
 };
+
+inline bool TextLineStream::TakePlainRow(PlainRowIndex& index, bool asciiOnly, PlainRow& row) {
+  if (!Is8Bit() || lineDelimiter_ != '\n') return false;
+  asciiOnly |= encoding_ == TextEncoding::kAnsi;
+  const char* const begin = block_.get();
+  const char* const end = index.Take({{begin, end_}, reads_, asciiOnly}, begin + next_, row);
+  if (end == nullptr) return false;
+  next_ = static_cast<std::size_t>(end - begin);
+  tookNonAscii_ |= index.TookNonAscii();
+  return true;
+}
 
 }  // namespace TextFile

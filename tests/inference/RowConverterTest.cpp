@@ -515,7 +515,9 @@ std::string TakeShown(ConverterWithSlots& converter, std::size_t field) {
   VARIANT slot;
   ::VariantInit(&slot);
   converter.MoveValue(field, slot);
-  return ShowVariant(slot);
+  const std::string shown = ShowVariant(slot);
+  ::VariantClear(&slot);
+  return shown;
 }
 
 TEST_F(RowConverterTest, PlainRowsConvertAsTheirRecordsDo) {

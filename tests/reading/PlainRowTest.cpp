@@ -9,7 +9,7 @@
 #include "host/CoreSupport/CharacterClasses.h"
 #include "reading/DelimitedReader.h"
 #include "reading/FixedWidthReader.h"
-#include "reading/PlainRowScan.h"
+#include "reading/PlainRowIndex.h"
 #include "reading/UnitSearch.h"
 #include "support/TemporaryFolder.h"
 #include "support/TestText.h"
@@ -18,10 +18,12 @@ namespace TextFile {
 namespace {
 
 using Rows = std::vector<std::vector<std::u16string>>;
+using Fields = std::vector<std::string>;
 using quenra::test::ToUtf8;
 
-constexpr PlainRowScan::Code kCodes[] = {PlainRowScan::Code::kBest, PlainRowScan::Code::kAvx2,
-                                         PlainRowScan::Code::kBaseline, PlainRowScan::Code::kPlain};
+constexpr PlainRowIndex::Code kCodes[] = {PlainRowIndex::Code::kBest, PlainRowIndex::Code::kAvx2,
+                                          PlainRowIndex::Code::kBaseline,
+                                          PlainRowIndex::Code::kPlain};
 
 // Bytes with what may be read behind them.
 class Padded {
@@ -36,53 +38,65 @@ class Padded {
   std::string bytes_;
 };
 
-std::vector<std::string> FieldsOf(const PlainRow& row) {
-  std::vector<std::string> fields;
+Fields FieldsOf(const PlainRow& row) {
+  Fields fields;
   UnitBuffer buffer;
   for (std::size_t i = 0; i < row.size(); ++i)
     fields.push_back(ToUtf8(std::u16string(row.Text(i, buffer))));
   return fields;
 }
 
-// The fields of the row at the start of `bytes`; none when it is not plain. All codes agree.
-std::vector<std::string> PlainFields(std::string bytes, const PlainRowDialect& dialect = {}) {
+// What an index finds at the start of bytes.
+struct Found {
+  bool operator==(const Found&) const = default;
+
+  std::size_t length = 0;  // of the line with its end; 0: no plain row
+  bool nonAscii = false;
+  Fields fields;
+};
+
+Found FindRow(std::string bytes, const PlainRowDialect& dialect, bool asciiOnly,
+              PlainRowIndex::Code code) {
   const Padded padded(std::move(bytes));
-  std::vector<std::string> fields;
-  PlainRowEnd end;
-  for (const PlainRowScan::Code code : kCodes) {
-    PlainRow row;
-    const PlainRowEnd found = PlainRowScan(dialect, code).Take(padded.View(), row);
-    if (code == PlainRowScan::Code::kBest) {
-      end = found;
-      if (end.length != 0) fields = FieldsOf(row);
-    } else {
-      EXPECT_EQ(found.length, end.length) << padded.View();
-      if (end.length == 0) continue;
-      EXPECT_EQ(found.nonAscii, end.nonAscii) << padded.View();
-      EXPECT_EQ(FieldsOf(row), fields) << padded.View();
-    }
-  }
-  return fields;
+  const std::string_view view = padded.View();
+  PlainRowIndex index(dialect, code);
+  PlainRow row;
+  const char* const end = index.Take({view, 0, asciiOnly}, view.data(), row);
+  if (end == nullptr) return {};
+  return {static_cast<std::size_t>(end - view.data()), index.TookNonAscii(), FieldsOf(row)};
 }
 
-using Fields = std::vector<std::string>;
+// All codes agree.
+Found FindRow(const std::string& bytes, const PlainRowDialect& dialect = {},
+              bool asciiOnly = false) {
+  const Found found = FindRow(bytes, dialect, asciiOnly, PlainRowIndex::Code::kBest);
+  for (const PlainRowIndex::Code code : kCodes)
+    EXPECT_EQ(FindRow(bytes, dialect, asciiOnly, code), found) << bytes;
+  return found;
+}
 
-TEST(PlainRowScanTest, DelimitersCutTheLine) {
+// The fields of the row at the start of `bytes`; none when it is not plain.
+Fields PlainFields(const std::string& bytes, const PlainRowDialect& dialect = {}) {
+  return FindRow(bytes, dialect).fields;
+}
+
+TEST(PlainRowIndexTest, DelimitersCutTheLine) {
   EXPECT_EQ(PlainFields("a,,b c,\nnext"), (Fields{"a", "", "b c", ""}));
   EXPECT_EQ(PlainFields("a;b\n", {.delimiter = ';'}), (Fields{"a", "b"}));
   EXPECT_EQ(PlainFields("one field\n"), (Fields{"one field"}));
   EXPECT_EQ(PlainFields(" , \n"), (Fields{" ", " "}));
 }
 
-TEST(PlainRowScanTest, TheLengthIsThatOfTheLineWithItsEnd) {
-  const Padded padded("a,b\r\nc,d\n");
-  PlainRow row;
-  const PlainRowEnd end = PlainRowScan({}).Take(padded.View(), row);
-  EXPECT_EQ(end.length, 5u);
-  EXPECT_FALSE(end.nonAscii);
+TEST(PlainRowIndexTest, TheNextRowBeginsBehindTheLinesEnd) {
+  EXPECT_EQ(FindRow("a,b\r\nc,d\n").length, 5u);
+  EXPECT_EQ(FindRow("a\n").length, 2u);
 }
 
-TEST(PlainRowScanTest, OneCarriageReturnBelongsToTheLinesEnd) {
+TEST(PlainRowIndexTest, BlankLinesAreNoRows) {
+  EXPECT_EQ(FindRow("\n\r\n\na,b\n"), (Found{8, false, {"a", "b"}}));
+}
+
+TEST(PlainRowIndexTest, OneCarriageReturnBelongsToTheLinesEnd) {
   EXPECT_EQ(PlainFields("a,b\r\n"), (Fields{"a", "b"}));
   EXPECT_EQ(PlainFields("a,b\r\r\n"), (Fields{"a", "b\r"}));
   EXPECT_EQ(PlainFields("a,\r\n"), (Fields{"a", ""}));
@@ -90,7 +104,7 @@ TEST(PlainRowScanTest, OneCarriageReturnBelongsToTheLinesEnd) {
   EXPECT_EQ(PlainFields("\"a\",\"b\"\r\n"), (Fields{"a", "b"}));
 }
 
-TEST(PlainRowScanTest, QuotedFieldsAreUnquoted) {
+TEST(PlainRowIndexTest, QuotedFieldsAreUnquoted) {
   EXPECT_EQ(PlainFields("\"a,b\",c\n"), (Fields{"a,b", "c"}));
   EXPECT_EQ(PlainFields("\"say \"\"hi\"\"\",\"\"\"\"\n"), (Fields{"say \"hi\"", "\""}));
   EXPECT_EQ(PlainFields("\"\",x\n"), (Fields{"", "x"}));
@@ -100,7 +114,7 @@ TEST(PlainRowScanTest, QuotedFieldsAreUnquoted) {
   EXPECT_EQ(PlainFields("\"a,b\"\n", {.textDelimiter = '\0'}), (Fields{"\"a", "b\""}));
 }
 
-TEST(PlainRowScanTest, WhatBytesDoNotTellIsLeftToTheReaders) {
+TEST(PlainRowIndexTest, WhatBytesDoNotTellIsLeftToTheReaders) {
   for (const char* bytes : {
            "no end",
            "a,\"goes on\nbehind the end\"\n",
@@ -108,26 +122,25 @@ TEST(PlainRowScanTest, WhatBytesDoNotTellIsLeftToTheReaders) {
            "a,5\" pipe\n",
            "\"a\" \"b\"\n",
            "\n",
-           "\r\n",
+           "\r\n\n",
            "\"\"\n",
            "\"alone\"\n",
        })
     EXPECT_EQ(PlainFields(bytes), Fields()) << bytes;
   EXPECT_EQ(PlainFields(std::string("a\0,b\n", 5)), Fields());
-  EXPECT_EQ(PlainFields("Z\xC3\xBCrich\n", {.asciiOnly = true}), Fields());
+  EXPECT_EQ(FindRow("Z\xC3\xBCrich\n", {}, true), Found());
   EXPECT_EQ(PlainFields("Z\xFCrich\n"), Fields());
 }
 
-TEST(PlainRowScanTest, CharactersBeyondAsciiAreSeen) {
-  const Padded padded("Z\xC3\xBCrich,1\nBern,2\n");
-  PlainRow row;
-  EXPECT_TRUE(PlainRowScan({}).Take(padded.View(), row).nonAscii);
+TEST(PlainRowIndexTest, CharactersBeyondAsciiAreSeen) {
+  EXPECT_TRUE(FindRow("Z\xC3\xBCrich,1\nBern,2\n").nonAscii);
+  EXPECT_FALSE(FindRow("Bern,2\nZ\xC3\xBCrich,1\n").nonAscii);
   EXPECT_EQ(PlainFields("Z\xC3\xBCrich,\xE2\x82\xAC,\xF0\x9F\x8C\x8D\n"),
             (Fields{"Z\xC3\xBCrich", "\xE2\x82\xAC", "\xF0\x9F\x8C\x8D"}));
 }
 
 // Every lead with continuations at the ends of their ranges, at the ends of blocks.
-TEST(PlainRowScanTest, IllFormedSequencesAreFound) {
+TEST(PlainRowIndexTest, IllFormedSequencesAreFound) {
   const std::string seconds = "a\x7F\x80\x8F\x90\x9F\xA0\xBF\xC0";
   const std::string others = "a\x80\xBF\xC2";
   UnitBuffer decoded;
@@ -150,7 +163,7 @@ TEST(PlainRowScanTest, IllFormedSequencesAreFound) {
   }
 }
 
-TEST(PlainRowScanTest, LongRowsHaveAllTheirFields) {
+TEST(PlainRowIndexTest, LongRowsHaveAllTheirFields) {
   std::string line;
   Fields expected;
   for (int i = 0; i < 5000; ++i) {
@@ -268,6 +281,27 @@ TEST_F(PlainRowTest, CursorsOfFixedWidthFilesSeeTheSameRows) {
     rows += expected.size();
   }
   EXPECT_GT(plainRows, rows / 10);
+}
+
+TEST_F(PlainRowTest, RowsAmongOthersInLongFilesAreTheSame) {
+  std::mt19937 random(48);
+  for (int i = 0; i < 8; ++i) {
+    std::string bytes;
+    while (bytes.size() < 100'000) {
+      std::string piece = RandomTable(random);
+      // One would end it all, the other make all text behind it ANSI.
+      std::erase_if(piece, [](char byte) { return byte == '\x1A' || byte == '\xFF'; });
+      bytes += piece;
+      for (std::size_t lines = random() % 40; lines > 0; --lines) bytes += "12,plain,\"x\"\n";
+    }
+    DelimitedReader quick(Table(bytes));
+    DelimitedReader exact(Table(bytes));
+    exact.SplitExactly();
+    std::size_t plainRows = 0;
+    const Rows expected = RecordsOf(exact);
+    ASSERT_EQ(RowsOf(quick, plainRows), expected) << "round " << i;
+    EXPECT_GT(plainRows, expected.size() / 2);
+  }
 }
 
 TEST_F(PlainRowTest, RowsBehindALineThatIsNotUtf8AreAnsi) {

@@ -1,4 +1,4 @@
-#include "reading/PlainRowScanVector.h"
+#include "reading/PlainRowIndexVector.h"
 
 // GCC for Windows does not align the stack for wide values.
 #if defined(__x86_64__) && !defined(_WIN32)
@@ -13,21 +13,19 @@
 #include "reading/PlainRow.h"
 
 #ifdef __clang__
-#pragma clang attribute push(__attribute__((target("avx512f,avx512bw,bmi,pclmul,popcnt"))), \
-                             apply_to = function)
+#pragma clang attribute push(__attribute__((target("avx2,bmi,pclmul,popcnt"))), apply_to = function)
 #else
 #pragma GCC push_options
-#pragma GCC target("avx512f,avx512bw,bmi,pclmul,popcnt")
+#pragma GCC target("avx2,bmi,pclmul,popcnt")
 #endif
 
-#include "reading/ByteBlockAvx512.h"
+#include "reading/ByteBlockAvx2.h"
 #include "reading/PlainRowKernel.h"
 
 namespace TextFile {
 
-PlainRowEnd TakePlainRowAvx512(const PlainRowDialect& dialect, std::string_view bytes,
-                               PlainRow& row) {
-  return PlainRowKernel<Avx512Block>(dialect, bytes).Take(row);
+void IndexRowsAvx2(const PlainRowDialect& dialect, PlainRowState& state) {
+  PlainRowKernel<Avx2Block>(dialect, state).TakeBlocks();
 }
 
 }  // namespace TextFile
@@ -42,7 +40,7 @@ PlainRowEnd TakePlainRowAvx512(const PlainRowDialect& dialect, std::string_view 
 
 namespace TextFile {
 
-PlainRowEnd TakePlainRowAvx512(const PlainRowDialect&, std::string_view, PlainRow&) { return {}; }
+void IndexRowsAvx2(const PlainRowDialect&, PlainRowState&) {}
 
 }  // namespace TextFile
 

@@ -1,4 +1,4 @@
-#include "reading/PlainRowScanVector.h"
+#include "reading/PlainRowIndexVector.h"
 
 // GCC for Windows does not align the stack for wide values.
 #if defined(__x86_64__) && !defined(_WIN32)
@@ -13,20 +13,20 @@
 #include "reading/PlainRow.h"
 
 #ifdef __clang__
-#pragma clang attribute push(__attribute__((target("avx2,bmi,pclmul,popcnt"))), apply_to = function)
+#pragma clang attribute push(__attribute__((target("avx512f,avx512bw,bmi,pclmul,popcnt"))), \
+                             apply_to = function)
 #else
 #pragma GCC push_options
-#pragma GCC target("avx2,bmi,pclmul,popcnt")
+#pragma GCC target("avx512f,avx512bw,bmi,pclmul,popcnt")
 #endif
 
-#include "reading/ByteBlockAvx2.h"
+#include "reading/ByteBlockAvx512.h"
 #include "reading/PlainRowKernel.h"
 
 namespace TextFile {
 
-PlainRowEnd TakePlainRowAvx2(const PlainRowDialect& dialect, std::string_view bytes,
-                             PlainRow& row) {
-  return PlainRowKernel<Avx2Block>(dialect, bytes).Take(row);
+void IndexRowsAvx512(const PlainRowDialect& dialect, PlainRowState& state) {
+  PlainRowKernel<Avx512Block>(dialect, state).TakeBlocks();
 }
 
 }  // namespace TextFile
@@ -41,7 +41,7 @@ PlainRowEnd TakePlainRowAvx2(const PlainRowDialect& dialect, std::string_view by
 
 namespace TextFile {
 
-PlainRowEnd TakePlainRowAvx2(const PlainRowDialect&, std::string_view, PlainRow&) { return {}; }
+void IndexRowsAvx512(const PlainRowDialect&, PlainRowState&) {}
 
 }  // namespace TextFile
 
