@@ -39,7 +39,7 @@ class ByteBuffer {
   std::string_view View() const noexcept { return {bytes_.get(), size_}; }
 
  private:
-  static constexpr std::size_t kFirstCapacity = 128 * 1024;
+  static constexpr std::size_t kFirstCapacity = 512 * 1024;
 
   void Grow(std::size_t bytes) {
     const std::size_t capacity = std::max({kFirstCapacity, size_ + bytes, capacity_ * 2});

@@ -27,7 +27,7 @@ namespace {
 namespace fs = boost::filesystem;
 
 // Rows are handed to the system in pieces of about this many bytes.
-constexpr std::size_t kBufferBytes = 64 * 1024;
+constexpr std::size_t kBufferBytes = 256 * 1024;
 
 #ifdef _WIN32
 constexpr std::string_view kLineEnd = "\r\n";

@@ -18,9 +18,30 @@ namespace quenra {
 inline void ClearVariant(VARIANT& value) noexcept {
   if (value.vt == VT_BSTR)
     ::SysFreeString(value.bstrVal);
-  else if (value.vt > VT_BSTR && value.vt != VT_I8)
+  else if (value.vt > VT_BSTR && value.vt != VT_I8 && (value.vt & VT_BYREF) == 0)
     ::VariantClear(&value);
   value.vt = VT_EMPTY;
+}
+
+// Puts a copy of `source`, a valid variant, into `target`, whatever that held: VariantCopy to an
+// empty variant, without its judging of the type for what rows are made of. After a failure
+// `target` is VT_EMPTY.
+inline HRESULT CopyVariant(const VARIANT& source, VARIANT& target) noexcept {
+  if (source.vt < VT_BSTR || source.vt == VT_I8) {
+    target = source;
+    return S_OK;
+  }
+  ::VariantInit(&target);
+  if (source.vt == VT_BSTR && source.bstrVal != nullptr) {
+    target.bstrVal = ::SysAllocStringByteLen(reinterpret_cast<LPCSTR>(source.bstrVal),
+                                             ::SysStringByteLen(source.bstrVal));
+    if (target.bstrVal == nullptr) return E_OUTOFMEMORY;
+    target.vt = VT_BSTR;
+    return S_OK;
+  }
+  // The call's parameter is not const, though it reads alone.
+  VARIANT shallow = source;
+  return ::VariantCopy(&target, &shallow);
 }
 
 class Variant {
@@ -88,9 +109,17 @@ class Variant {
   // failure it is VT_EMPTY.
   HRESULT CopyTo(VARIANT* result) const noexcept {
     if (result == nullptr) return E_POINTER;
-    ::VariantInit(result);
-    VARIANT shallow = value_;
-    return ::VariantCopy(result, &shallow);
+    return CopyVariant(value_, *result);
+  }
+
+  // The text of a VT_BSTR as VT_BSTR | VT_BYREF, which owns nothing; valid until the next change.
+  VARIANT Lent() const noexcept {
+    VARIANT lent;
+    ::VariantInit(&lent);
+    lent.vt = VT_BSTR | VT_BYREF;
+    // Whoever it is lent to only reads it.
+    lent.pbstrVal = const_cast<BSTR*>(&value_.bstrVal);
+    return lent;
   }
 
   // The value as another type, by OLE's conversion rules; this becomes VT_EMPTY after a failure.

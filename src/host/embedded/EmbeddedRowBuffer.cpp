@@ -16,10 +16,17 @@ HRESULT STDMETHODCALLTYPE EmbeddedRowBuffer::GetFields(HostFieldCollection** fie
 
 HRESULT STDMETHODCALLTYPE EmbeddedRowBuffer::GetValue(LONG index, VARIANT* value) {
   if (value == nullptr) return E_POINTER;
-  ::VariantInit(value);
   const auto place = static_cast<std::size_t>(index);
-  if (index < 0 || place >= values_.size()) return E_INVALIDARG;
-  return values_[place].CopyTo(value);
+  if (index < 0 || place >= values_.size()) {
+    ::VariantInit(value);
+    return E_INVALIDARG;
+  }
+  const Variant& held = values_[place];
+  if (lendsTexts_ && held.Type() == VT_BSTR) {
+    *value = held.Lent();
+    return S_OK;
+  }
+  return held.CopyTo(value);
 }
 
 HRESULT STDMETHODCALLTYPE EmbeddedRowBuffer::SetValue(LONG index, const VARIANT* value) {
@@ -44,6 +51,11 @@ HRESULT STDMETHODCALLTYPE EmbeddedRowBuffer::SetFields(HostFieldCollection* fiel
   } catch (...) {
     return HResultFromCurrentException();
   }
+}
+
+HRESULT STDMETHODCALLTYPE EmbeddedRowBuffer::LendTexts(VARIANT_BOOL lend) {
+  lendsTexts_ = lend != VARIANT_FALSE;
+  return S_OK;
 }
 
 }  // namespace quenra

@@ -1,4 +1,5 @@
-// The embedded host's row buffer. Without fields until they are set.
+// The embedded host's row buffer. Without fields until they are set; copies its texts until it is
+// told to lend them.
 #pragma once
 
 #include <vector>
@@ -11,7 +12,7 @@
 
 namespace quenra {
 
-class EmbeddedRowBuffer final : public Implements<HostRowBuffer, HostRowBufferEdit> {
+class EmbeddedRowBuffer final : public Implements<HostRowBuffer, HostRowBufferEdit, HostRowBufferLending> {
  public:
   std::u16string_view ClassName() const noexcept override { return u"EmbeddedRowBuffer"; }
   const CLSID* ClassId() const noexcept override { return &CLSID_HostRowBuffer; }
@@ -27,9 +28,13 @@ class EmbeddedRowBuffer final : public Implements<HostRowBuffer, HostRowBufferEd
   // HostRowBufferEdit. E_INVALIDARG for a null collection; nothing changes after a failure.
   HRESULT STDMETHODCALLTYPE SetFields(HostFieldCollection* fields) override;
 
+  // HostRowBufferLending
+  HRESULT STDMETHODCALLTYPE LendTexts(VARIANT_BOOL lend) override;
+
  private:
   ComPtr<HostFieldCollection> fields_;
   std::vector<Variant> values_;
+  bool lendsTexts_ = false;
 };
 
 }  // namespace quenra
