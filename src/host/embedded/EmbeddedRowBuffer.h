@@ -2,7 +2,7 @@
 // told to lend them.
 #pragma once
 
-#include <vector>
+#include <memory>
 
 #include "host/CoreSupport/Variant.h"
 #include "host/com/ComPtr.h"
@@ -12,7 +12,8 @@
 
 namespace quenra {
 
-class EmbeddedRowBuffer final : public Implements<HostRowBuffer, HostRowBufferEdit, HostRowBufferLending> {
+class EmbeddedRowBuffer final
+    : public Implements<HostRowBuffer, HostRowBufferEdit, HostRowBufferLending> {
  public:
   std::u16string_view ClassName() const noexcept override { return u"EmbeddedRowBuffer"; }
   const CLSID* ClassId() const noexcept override { return &CLSID_HostRowBuffer; }
@@ -32,8 +33,12 @@ class EmbeddedRowBuffer final : public Implements<HostRowBuffer, HostRowBufferEd
   HRESULT STDMETHODCALLTYPE LendTexts(VARIANT_BOOL lend) override;
 
  private:
+  // A negative index is too large as well.
+  bool HasField(LONG index) const noexcept { return static_cast<ULONG>(index) < count_; }
+
   ComPtr<HostFieldCollection> fields_;
-  std::vector<Variant> values_;
+  std::unique_ptr<Variant[]> values_;
+  ULONG count_ = 0;
   bool lendsTexts_ = false;
 };
 

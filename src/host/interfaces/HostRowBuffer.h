@@ -6,8 +6,8 @@
 
 namespace quenra {
 
-// One value a field, in the order of the fields; indexes from 0. Values are copied in and out, unless
-// the buffer lends its texts.
+// One value a field, in the order of the fields; indexes from 0. Values are copied in and out,
+// unless the buffer lends its texts.
 struct HostRowBuffer : public IUnknown {
   // The caller releases the collection; it has no field before SetFields.
   virtual HRESULT STDMETHODCALLTYPE GetFields(HostFieldCollection** fields) = 0;
