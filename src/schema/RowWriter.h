@@ -21,6 +21,7 @@
 #include "reading/TextDatasetDescription.h"
 #include "schema/ByteBuffer.h"
 #include "schema/QuotedText.h"
+#include "schema/TextColumns.h"
 
 namespace TextFile {
 
@@ -66,6 +67,8 @@ class RowWriter {
     int digits;                 // kReal
     std::size_t room;           // bytes of a value and what stands around it; not of a text
     std::size_t separatorSize;  // of what stands before the value
+    std::size_t place;          // among the columns
+    std::size_t texts;          // how many of kText begin here, with neighbouring places in a row
   };
 
   enum class Encoding : std::uint8_t { kUtf8, kUtf16LE };
@@ -76,9 +79,10 @@ class RowWriter {
   bool Append();  // opens the file for writing behind its end
   void EndLastLine();
   Way WayOf(const Column& column) const;
-  bool AppendStraight(const Column& column, const VARIANT& value);
-  char* WriteStraight(const Column& column, const VARIANT& value, std::u16string_view text,
-                      char* to) const;
+  bool WriteStraight(const Column& column, const VARIANT& value, char*& to);
+  std::size_t WriteTexts(const Column& first, const VARIANT* row, char*& to);
+  char* WriteSeparator(const Column& column, char* to) const;
+  char* WriteSized(const Column& column, const VARIANT& value, char* to) const;
   void AppendGenerally(const Column& column, const VARIANT& value);
   bool FormatValue(const Column& column, const VARIANT& value);
   bool FormatNumber(const Column& column, const VARIANT& value);
@@ -95,10 +99,13 @@ class RowWriter {
   const std::u16string tableName_;
   const SchemaOptions options_;
   std::vector<Column> columns_;
+  std::size_t fieldCount_ = 0;  // up to the last one that is a column
   bool singleColumn_ = false;
-  std::string delimiter_;            // UTF-8
-  std::string textDelimiter_;        // UTF-8; empty: no quoting
-  QuotedText texts_;                 // kText
+  std::string delimiter_;      // UTF-8
+  std::string textDelimiter_;  // UTF-8; empty: no quoting
+  QuotedText texts_;           // kText
+  WriteTextColumns writeTexts_ = ChooseTextColumns();
+  std::vector<TextColumn> textColumns_;  // as many as columns_, those of kText set
   std::array<char, 4> separator_{};  // the delimiter once more, of a size that is copied at once
   std::string lineEnd_;
 
