@@ -1,7 +1,7 @@
 #include "schema/TextColumns.h"
 
-// GCC for Windows does not align the stack for wide values.
-#if defined(__x86_64__) && !defined(_WIN32)
+// GCC for Windows does not align the stack for wide values, and Clang does not know the pragma.
+#if defined(__x86_64__) && !defined(_WIN32) && !defined(__clang__)
 
 #include <immintrin.h>
 
