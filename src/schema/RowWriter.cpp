@@ -26,9 +26,6 @@ namespace {
 
 namespace fs = boost::filesystem;
 
-// Rows are handed to the system in pieces of about this many bytes.
-constexpr std::size_t kBufferBytes = 256 * 1024;
-
 #ifdef _WIN32
 constexpr std::string_view kLineEnd = "\r\n";
 #else
@@ -370,33 +367,54 @@ bool RowWriter::Write(std::span<const VARIANT> values) {
     buffer_.CutTo(start);
     throw;
   }
-  return buffer_.size() < kBufferBytes || Flush();
+  const std::size_t marked = markCount_ == 0 ? 0 : marks_[markCount_ - 1];
+  if (buffer_.size() - marked < kPieceBytes) return true;
+  if (buffer_.size() >= kBufferBytes) return Flush();
+  marks_[markCount_++] = buffer_.size();
+  return true;
 }
 
 bool RowWriter::Flush() {
-  if (buffer_.size() == 0) return true;
+  const std::string_view rows = buffer_.View();
+  if (rows.empty()) return true;
+  Written written = WriteRows(rows);
+  const std::size_t marks = markCount_;
+  // The bytes stay where they are until more are added.
+  buffer_.CutTo(0);
+  markCount_ = 0;
+  // What there is still room for is written all the same.
+  if (written == Written::kTakenBack && marks != 0) {
+    written = Written::kWhole;
+    std::size_t begin = 0;
+    for (std::size_t i = 0; i <= marks && written == Written::kWhole; ++i) {
+      const std::size_t end = i < marks ? marks_[i] : rows.size();
+      written = WriteRows(rows.substr(begin, end - begin));
+      begin = end;
+    }
+  }
+  return written == Written::kWhole || Fail(u"the rows could not be written");
+}
+
+RowWriter::Written RowWriter::WriteRows(std::string_view rows) {
   const fs::path native(NativeFromFileName(path_));
   boost::system::error_code error;
   const std::uintmax_t before = fs::file_size(native, error);
   std::string encoded;
   if (encoding_ == Encoding::kUtf16LE) {
     UnitBuffer text;
-    DecodeUtf8(buffer_.View(), text);
+    DecodeUtf8(rows, text);
     for (const char16_t unit : text.View()) {
       encoded += static_cast<char>(unit & 0xFF);
       encoded += static_cast<char>(unit >> 8);
     }
   }
-  const std::string_view bytes = encoding_ == Encoding::kUtf16LE ? encoded : buffer_.View();
+  const std::string_view bytes = encoding_ == Encoding::kUtf16LE ? encoded : rows;
   const auto size = static_cast<std::streamsize>(bytes.size());
-  const bool written = file_.sputn(bytes.data(), size) == size && file_.pubsync() == 0;
-  buffer_.CutTo(0);
-  if (written) return true;
+  if (file_.sputn(bytes.data(), size) == size && file_.pubsync() == 0) return Written::kWhole;
   // Part of a row may have reached the file.
   file_.close();
   if (!error) fs::resize_file(native, before, error);
-  Append();
-  return Fail(u"the rows could not be written");
+  return Append() && !error ? Written::kTakenBack : Written::kPartly;
 }
 
 bool RowWriter::Close() {

@@ -73,8 +73,18 @@ class RowWriter {
 
   enum class Encoding : std::uint8_t { kUtf8, kUtf16LE };
 
+  // What has become of rows that were handed to the system; the last one leaves some of them in the
+  // file, or a file that takes no more.
+  enum class Written : std::uint8_t { kWhole, kTakenBack, kPartly };
+
+  // Rows are handed to the system when there are about this many bytes of them, in one piece. When
+  // it does not take all of them, smaller pieces of whole rows are tried.
+  static constexpr std::size_t kBufferBytes = std::size_t{256} * 1024;
+  static constexpr std::size_t kPieceBytes = std::size_t{64} * 1024;
+
   bool Fail(std::u16string_view reason);
   bool Flush();
+  Written WriteRows(std::string_view rows);
   bool FindEncoding();
   bool Append();  // opens the file for writing behind its end
   void EndLastLine();
@@ -111,7 +121,9 @@ class RowWriter {
 
   std::filebuf file_;
   Encoding encoding_ = Encoding::kUtf8;
-  ByteBuffer buffer_;          // whole rows that are not in the file yet, as UTF-8
+  ByteBuffer buffer_;  // whole rows that are not in the file yet, as UTF-8
+  std::array<std::size_t, kBufferBytes / kPieceBytes> marks_;  // ends of rows in it, for pieces
+  std::size_t markCount_ = 0;
   std::string value_;          // the value that is being formatted
   bool leadingQuote_ = false;  // its first character that is not white space is a text delimiter
   std::u16string failure_;
