@@ -323,12 +323,12 @@ inline std::size_t RowWriter::WriteTexts(const Column& first, const VARIANT* row
   const VARIANT* const values = row + first.field;
   TextRun run{to, buffer_.Limit(), 0};
   std::size_t done = writeTexts_(texts_, columns, values, run);
-  while (run.room != 0) [[unlikely]] {
-      run.to = buffer_.RoomAt(run.to, run.room);
-      run.limit = buffer_.Limit();
-      if (done == 0) to = run.to;
-      done += writeTexts_(texts_, columns.subspan(done), values + done, run);
-    }
+  while (run.room != 0) {
+    run.to = buffer_.RoomAt(run.to, run.room);
+    run.limit = buffer_.Limit();
+    if (done == 0) to = run.to;
+    done += writeTexts_(texts_, columns.subspan(done), values + done, run);
+  }
   // A blank line would be no row.
   if (singleColumn_ && done != 0 && run.to == to) *run.to++ = ' ';
   to = run.to;
