@@ -25,8 +25,16 @@ constexpr DateOrder kOrders[] = {DateOrder::kMonthDayYear, DateOrder::kDayMonthY
 // The shorter way gives what the exact way has given.
 void CheckPlainDate(const TextFile::DateFieldFormat& format, std::u16string_view text, bool read,
                     const ParsedDateTime& value) {
+  if (!TextFile::HasPlainDates(format)) return;
+  std::string bytes;
+  for (const char16_t unit : text) bytes += unit < 0x80 ? static_cast<char>(unit) : '\xC3';
   TextFile::PlainDate date;
-  if (!TextFile::HasPlainDates(format) || !TextFile::ReadPlainDate(format, text, date)) return;
+  TextFile::PlainDate ofBytes;
+  const bool isPlain = TextFile::ReadPlainDate(format, text, date);
+  Check(TextFile::ReadPlainDate(format, bytes, ofBytes) == isPlain);
+  if (!isPlain) return;
+  Check(ofBytes.day.year == date.day.year && ofBytes.day.month == date.day.month &&
+        ofBytes.day.day == date.day.day && ofBytes.seconds == date.seconds);
   const SYSTEMTIME& time = value.time;
   Check(read && date.day.year == time.wYear && date.day.month == time.wMonth &&
         date.day.day == time.wDay && time.wMilliseconds == 0 && !value.fractionalSeconds);

@@ -82,6 +82,25 @@ void CheckTypes(const Settings& settings, std::u16string_view text) {
 }
 
 // The shorter ways give what the exact way gives.
+// UTF-16 and UTF-8 are read the same way, and the quickest way is none of its own.
+void CheckPlainNumber(char16_t decimalSymbol, std::u16string_view text) {
+  std::string bytes;
+  for (const char16_t unit : text) bytes += unit < 0x80 ? static_cast<char>(unit) : '\xC3';
+  const std::string padded = bytes + std::string(TextFile::kPlainNumberBytes, '7');
+  const std::string_view view = std::string_view(padded).substr(0, bytes.size());
+  TextFile::PlainNumber ofUnits;
+  TextFile::PlainNumber ofBytes;
+  TextFile::PlainNumber quick;
+  const bool isPlain = TextFile::ReadPlainNumber(decimalSymbol, text, ofUnits);
+  Check(TextFile::ReadPlainNumber(decimalSymbol, bytes, ofBytes) == isPlain);
+  Check(TextFile::QuickestPlainNumberReader()(decimalSymbol, view, quick) == isPlain);
+  if (!isPlain) return;
+  for (const TextFile::PlainNumber& number : {ofBytes, quick})
+    Check(number.digits == ofUnits.digits && number.decimals == ofUnits.decimals &&
+          number.hasDecimalSymbol == ofUnits.hasDecimalSymbol &&
+          number.negative == ofUnits.negative);
+}
+
 void CheckShorterWays(const Settings& settings, std::u16string_view text) {
   for (const FieldType type : {FieldType::kSmallInteger, FieldType::kInteger,
                                FieldType::kBigInteger, FieldType::kSingle, FieldType::kDouble}) {
@@ -96,14 +115,7 @@ void CheckShorterWays(const Settings& settings, std::u16string_view text) {
     else
       Check(exact.integer == quick.value.integer);
   }
-  TextFile::PlainNumber quick;
-  TextFile::PlainNumber portable;
-  const bool isPlain = TextFile::ReadPlainNumber(settings.decimalSymbol, text, portable);
-  Check(TextFile::QuickestPlainNumberReader()(settings.decimalSymbol, text, quick) == isPlain);
-  if (isPlain)
-    Check(quick.digits == portable.digits && quick.decimals == portable.decimals &&
-          quick.hasDecimalSymbol == portable.hasDecimalSymbol &&
-          quick.negative == portable.negative);
+  CheckPlainNumber(settings.decimalSymbol, text);
 }
 
 // What the C library makes of digits, sign, decimal symbol and exponent alone.

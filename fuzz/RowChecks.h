@@ -3,6 +3,7 @@
 #pragma once
 
 #include <algorithm>
+#include <bit>
 #include <cstdint>
 #include <memory>
 #include <string>
@@ -112,6 +113,51 @@ inline void CheckRow(const TextFile::TextDatasetDescription& table, const TextFi
   }
 }
 
+// Walks the table's rows as a cursor does, and converts them from their bytes where it can.
+class PlainWalk {
+ public:
+  explicit PlainWalk(const std::shared_ptr<const TextFile::TextDatasetDescription>& table)
+      : converter_(table, &MessageTemplate), reader_(TextFile::MakeDataReader(*table)) {}
+
+  // `record` is the current one, and `other` has the values that its fields have.
+  void CheckRow(const TextFile::Record& record, TextFile::ConverterWithSlots& other) {
+    Check(plain_ ? row_.size() == record.size() : reader_->record().size() == record.size());
+    TextFile::UnitBuffer buffer;
+    for (std::size_t i = 0; i < record.size(); ++i)
+      Check((plain_ ? row_.Text(i, buffer) : reader_->record()[i]) == record[i]);
+    const std::size_t count =
+        plain_ ? converter_.Convert(row_) : converter_.Convert(reader_->record());
+    Check(other.Convert(record) == count);
+    for (std::size_t i = 0; i < converter_.fieldCount(); ++i) {
+      const Value value(converter_, i);
+      const Value expected(other, i);
+      Check(value->vt == expected->vt);
+      if (value->vt == VT_BSTR) Check(value.Text() == expected.Text());
+      if (value->vt == VT_R8) Check(SameBits(value->dblVal, expected->dblVal));
+      if (value->vt == VT_R4) Check(value->fltVal == expected->fltVal);
+      if (value->vt == VT_I8) Check(value->llVal == expected->llVal);
+      if (value->vt == VT_I4) Check(value->lVal == expected->lVal);
+      if (value->vt == VT_DATE) Check(SameBits(value->date, expected->date));
+    }
+  }
+
+  // False behind the last row.
+  bool Advance() {
+    plain_ = reader_->ReadPlainRow(row_);
+    return plain_ || reader_->ReadRecord();
+  }
+
+ private:
+  static bool SameBits(double a, double b) noexcept {
+    return std::bit_cast<std::uint64_t>(a) == std::bit_cast<std::uint64_t>(b);
+  }
+
+  TextFile::ConverterWithSlots converter_;
+  const TextFile::ReaderPtr reader_;
+  TextFile::PlainRow row_;
+  bool plain_ = false;
+};
+
 // Walks the table's rows. `next` answers each record of the file as a plain reader of the target
 // cuts it, from the header on, and false behind the last one.
 template <class NextPlainRecord>
@@ -123,6 +169,8 @@ void CheckRows(const TextFile::TextDatasetDescription& table, NextPlainRecord ne
   for (std::size_t i = 0; i < table.fields.size(); ++i)
     if (table.fields[i].type == TextFile::FieldType::kString) quick.SetWanted(i, false);
   const bool plainColumns = !HasVirtualFields(table);
+  TextFile::ConverterWithSlots exact(shared, &MessageTemplate);
+  PlainWalk walk(shared);
 
   PlainRecord plain;
   if (table.options.columnNameHeader) next(plain);
@@ -135,7 +183,9 @@ void CheckRows(const TextFile::TextDatasetDescription& table, NextPlainRecord ne
     Check(next(plain) && plain.size() == record.size());
     for (std::size_t i = 0; i < plain.size(); ++i) Check(plain[i] == record[i]);
     CheckRow(table, record, plainColumns, converter, quick);
+    walk.CheckRow(record, exact);
     Check(reader->ReadRecord() == !reader->record().empty());
+    Check(walk.Advance() == !reader->record().empty());
   }
   Check(!next(plain) && reader->AtEnd());
   Check(!reader->ReadRecord());

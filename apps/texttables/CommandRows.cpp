@@ -31,11 +31,11 @@ void CopyRows(const RowJob& job, std::optional<std::uint64_t> limit, bool quiet,
               bool showProgress) {
   Progress progress(showProgress);
   const Terminal::DeferInterrupts defer;
+  VARIANT_BOOL finished = VARIANT_FALSE;
+  Check(job.cursor.AtLastRecord(&finished), u"rows");
+  if (finished != VARIANT_FALSE) return;
   for (std::uint64_t row = 0; !limit || row < *limit; ++row) {
     if (row > 0 && job.cursor.AdvanceRecord() != S_OK) break;
-    VARIANT_BOOL finished = VARIANT_FALSE;
-    Check(job.cursor.AtLastRecord(&finished), u"rows");
-    if (finished != VARIANT_FALSE) break;
     job.slots.Clear();
     Check(job.values.ReadRecordValuesFast(job.slots.Get()), u"rows");
     ReportWarnings(quiet);

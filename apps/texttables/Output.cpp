@@ -15,7 +15,7 @@ constexpr std::size_t kStringBlock = 256;
 }  // namespace
 
 Output::Output(std::size_t blockBytes)
-    : capacity_(blockBytes), buffer_(std::make_unique<char[]>(blockBytes)) {}
+    : capacity_(blockBytes), buffer_(std::make_unique_for_overwrite<char[]>(blockBytes)) {}
 
 void Output::Flush() {
   const std::string_view bytes(buffer_.get(), std::exchange(used_, 0));
@@ -26,7 +26,7 @@ void Output::Flush() {
 void Output::MakeRoom(std::size_t bytes) {
   Flush();
   if (bytes <= capacity_) return;
-  buffer_ = std::make_unique<char[]>(bytes);
+  buffer_ = std::make_unique_for_overwrite<char[]>(bytes);
   capacity_ = bytes;
 }
 

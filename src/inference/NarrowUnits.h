@@ -6,6 +6,7 @@
 #include <bit>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 
 #if defined(__SSE2__)
 #include <emmintrin.h>
@@ -34,6 +35,21 @@ std::uint64_t NarrowUnits(const char16_t* units) noexcept {
   return bytes;
 #endif
 }
+
+// The same of bytes, which are what they are.
+template <std::size_t Count>
+std::uint64_t NarrowUnits(const char* bytes) noexcept {
+  static_assert(Count == 4 || Count == 8);
+  std::uint64_t word = 0;
+  std::memcpy(&word, bytes, Count);
+  return word;
+}
+
+// One character, 255 for any above that.
+constexpr unsigned char NarrowUnit(char16_t unit) noexcept {
+  return static_cast<unsigned char>(unit > 255 ? 255 : unit);
+}
+constexpr unsigned char NarrowUnit(char byte) noexcept { return static_cast<unsigned char>(byte); }
 
 // The character "0" in every byte: what digits are told from by their differences.
 inline constexpr std::uint64_t kDigitZeros = 0x3030303030303030;

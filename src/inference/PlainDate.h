@@ -25,7 +25,8 @@ struct PlainDate {
 namespace PlainDateSteps {
 
 // Two digits; 100 or more for anything else.
-constexpr int TwoDigits(const char16_t* units) noexcept {
+template <class Character>
+constexpr int TwoDigits(const Character* units) noexcept {
   const unsigned tens = static_cast<unsigned>(units[0]) - u'0';
   const unsigned ones = static_cast<unsigned>(units[1]) - u'0';
   return tens <= 9 && ones <= 9 ? static_cast<int>(tens * 10 + ones) : 100;
@@ -48,8 +49,9 @@ struct EightCharacters {
     return static_cast<unsigned>(differences >> (8 * index) & 0xFF);
   }
 };
-inline bool ReadEight(const char16_t* units, unsigned first, unsigned second,
-                      EightCharacters& eight) noexcept {
+template <class Character>
+[[gnu::always_inline]] inline bool ReadEight(const Character* units, unsigned first,
+                                             unsigned second, EightCharacters& eight) noexcept {
   eight.differences = NarrowUnits<8>(units) ^ kDigitZeros;
   if (NotBelowTen(eight.differences) != (ByteAt(first, 0x80) | ByteAt(second, 0x80))) return false;
   const std::uint64_t digits = eight.differences & ~(ByteAt(first, 0xFF) | ByteAt(second, 0xFF));
@@ -58,7 +60,9 @@ inline bool ReadEight(const char16_t* units, unsigned first, unsigned second,
 }
 
 // Ten characters: "2024-02-29".
-inline bool ReadDayFromYear(const char16_t* units, quenra::CivilDay& day) noexcept {
+template <class Character>
+[[gnu::always_inline]] inline bool ReadDayFromYear(const Character* units,
+                                                   quenra::CivilDay& day) noexcept {
   EightCharacters eight;
   if (!ReadEight(units, 4, 7, eight)) return false;
   constexpr unsigned kFirstSeparator = u'-' ^ u'0';  // "-", "." and "/" follow one another
@@ -70,7 +74,8 @@ inline bool ReadDayFromYear(const char16_t* units, quenra::CivilDay& day) noexce
 }
 
 // Eight characters: "10:30:00".
-inline bool ReadTimeToSecond(const char16_t* units, int& seconds) noexcept {
+template <class Character>
+[[gnu::always_inline]] inline bool ReadTimeToSecond(const Character* units, int& seconds) noexcept {
   EightCharacters eight;
   constexpr unsigned kColon = u':' ^ u'0';
   if (!ReadEight(units, 2, 5, eight) || eight.Difference(2) != kColon ||
@@ -81,9 +86,11 @@ inline bool ReadTimeToSecond(const char16_t* units, int& seconds) noexcept {
 }
 
 // Ten characters: "2024-02-29", or with the year at the end.
-inline bool ReadDay(DateOrder order, const char16_t* units, quenra::CivilDay& day) noexcept {
+template <class Character>
+[[gnu::always_inline]] inline bool ReadDay(DateOrder order, const Character* units,
+                                           quenra::CivilDay& day) noexcept {
   if (order == DateOrder::kYearMonthDay) return ReadDayFromYear(units, day);
-  const char16_t separator = units[2];
+  const Character separator = units[2];
   if (separator != u'-' && separator != u'.' && separator != u'/') return false;
   if (units[5] != separator) return false;
 
@@ -98,7 +105,9 @@ inline bool ReadDay(DateOrder order, const char16_t* units, quenra::CivilDay& da
 }
 
 // "T10:30", " 10:30" or the same with seconds.
-inline bool ReadTimeOfDay(std::u16string_view text, int& seconds) noexcept {
+template <class Character>
+[[gnu::always_inline]] inline bool ReadTimeOfDay(std::basic_string_view<Character> text,
+                                                 int& seconds) noexcept {
   if ((text.size() != 6 && text.size() != 9) || (text[0] != u'T' && text[0] != u' ')) return false;
   if (text.size() == 9) return ReadTimeToSecond(text.data() + 1, seconds);
   if (text[3] != u':') return false;
@@ -106,6 +115,18 @@ inline bool ReadTimeOfDay(std::u16string_view text, int& seconds) noexcept {
   const int minute = TwoDigits(text.data() + 4);
   seconds = (hour * 60 + minute) * 60;
   return hour <= 23 && minute <= 59;
+}
+
+template <class Character>
+[[gnu::always_inline]] inline bool Read(const DateFieldFormat& format,
+                                        std::basic_string_view<Character> text,
+                                        PlainDate& date) noexcept {
+  constexpr std::size_t kDayLength = 10;
+  if (text.size() < kDayLength) return false;
+  if (!ReadDay(format.order, text.data(), date.day)) return false;
+  text.remove_prefix(kDayLength);
+  if (format.type == FieldType::kDateOnly) return text.empty();
+  return ReadTimeOfDay(text, date.seconds);
 }
 
 }  // namespace PlainDateSteps
@@ -120,12 +141,12 @@ constexpr bool HasPlainDates(const DateFieldFormat& format) noexcept {
 // text, which says nothing about whether it is a date; `date`, a fresh one, is then unspecified.
 inline bool ReadPlainDate(const DateFieldFormat& format, std::u16string_view text,
                           PlainDate& date) noexcept {
-  constexpr std::size_t kDayLength = 10;
-  if (text.size() < kDayLength) return false;
-  if (!PlainDateSteps::ReadDay(format.order, text.data(), date.day)) return false;
-  text.remove_prefix(kDayLength);
-  if (format.type == FieldType::kDateOnly) return text.empty();
-  return PlainDateSteps::ReadTimeOfDay(text, date.seconds);
+  return PlainDateSteps::Read(format, text, date);
+}
+// The same of the bytes of UTF-8.
+inline bool ReadPlainDate(const DateFieldFormat& format, std::string_view text,
+                          PlainDate& date) noexcept {
+  return PlainDateSteps::Read(format, text, date);
 }
 
 }  // namespace TextFile

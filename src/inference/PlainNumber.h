@@ -23,10 +23,10 @@ namespace TextFile {
 
 // A number of the value digits / 10^decimals.
 struct PlainNumber {
-  std::uint64_t digits = 0;  // below 10^16
-  unsigned decimals = 0;     // at most 16
-  bool hasDecimalSymbol = false;
-  bool negative = false;
+  std::uint64_t digits;  // below 10^16
+  unsigned decimals;     // at most 16
+  bool hasDecimalSymbol;
+  bool negative;
 };
 
 namespace PlainNumberSteps {
@@ -107,18 +107,15 @@ constexpr bool ReadUpToSixteen(std::uint64_t first, std::uint64_t second, unsign
   return true;
 }
 
-}  // namespace PlainNumberSteps
-
-// Whether `text` is a plain number with this decimal symbol. False for every other text, which
-// says nothing about whether it is a number; `number`, a fresh one, is then unspecified.
-inline bool ReadPlainNumber(char16_t decimalSymbol, std::u16string_view text,
-                            PlainNumber& number) noexcept {
-  using namespace PlainNumberSteps;
+template <class Character>
+bool Read(char16_t decimalSymbol, std::basic_string_view<Character> text,
+          PlainNumber& number) noexcept {
+  number = {};
   if (decimalSymbol != u'.' && decimalSymbol != u',') return false;
   const auto symbolByte = static_cast<unsigned char>(decimalSymbol ^ u'0');
-  number.negative = !text.empty() && text.front() == u'-';
+  number.negative = !text.empty() && text.front() == Character{'-'};
   text.remove_prefix(number.negative);
-  const char16_t* const units = text.data();
+  const Character* const units = text.data();
   const std::size_t size = text.size();
   const auto length = static_cast<unsigned>(size);
   if (size > 16 || size == 0) return false;
@@ -134,9 +131,23 @@ inline bool ReadPlainNumber(char16_t decimalSymbol, std::u16string_view text,
             (NarrowUnits<4>(units + size - 4) ^ (kDigitZeros & 0xFFFFFFFF)) << (8 * (length - 4));
   } else {
     for (std::size_t i = size; i-- > 0;)
-      bytes = bytes << 8 | static_cast<std::uint64_t>(units[i] > 255 ? 255 : units[i] ^ u'0');
+      bytes = bytes << 8 | static_cast<std::uint64_t>(NarrowUnit(units[i]) ^ u'0');
   }
   return ReadUpToEight(bytes, length, symbolByte, number);
+}
+
+}  // namespace PlainNumberSteps
+
+// Whether `text` is a plain number with this decimal symbol. False for every other text, which says
+// nothing about whether it is a number; `number` is then unspecified.
+inline bool ReadPlainNumber(char16_t decimalSymbol, std::u16string_view text,
+                            PlainNumber& number) noexcept {
+  return PlainNumberSteps::Read(decimalSymbol, text, number);
+}
+// The same of the bytes of UTF-8.
+inline bool ReadPlainNumber(char16_t decimalSymbol, std::string_view text,
+                            PlainNumber& number) noexcept {
+  return PlainNumberSteps::Read(decimalSymbol, text, number);
 }
 
 // The value as a whole number. False with a decimal symbol, and beyond the type's range.
@@ -153,13 +164,18 @@ constexpr bool PlainInteger(const PlainNumber& number, Integer& value) noexcept 
   return true;
 }
 
+// Whether the digits are exact in the type.
+constexpr bool IsPlainDouble(const PlainNumber& number) noexcept {
+  return number.digits <= std::uint64_t{1} << 53;
+}
+
 // The value, correctly rounded: both the digits and the power of ten are exact, so the one
 // division rounds once (W. D. Clinger, How to read floating point numbers accurately, 1990).
 // False when the digits are not exact in the type.
 inline bool PlainDouble(const PlainNumber& number, double& value) noexcept {
   static constexpr double kPowers[] = {1e0, 1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7, 1e8,
                                        1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15, 1e16};
-  if (number.digits > std::uint64_t{1} << 53) return false;
+  if (!IsPlainDouble(number)) return false;
   const double magnitude =
       static_cast<double>(static_cast<std::int64_t>(number.digits)) / kPowers[number.decimals];
   // The sign is put in without a branch, which in many columns nothing could foretell.

@@ -15,23 +15,16 @@ namespace TextFile {
 namespace {
 
 constexpr std::size_t kLanes = 16;
-constexpr std::size_t kLeast = 4;  // characters: two loads of four units can take their places
 using Lanes = std::array<std::uint8_t, kLanes>;
 constexpr std::uint8_t kNothing = 0x80;  // a lane that a shuffle makes zero
 
-// Where the characters of a number of each length stand after the two loads: the first half of the
-// lanes holds its beginning, the second its end. Moves them to the last lanes.
-constexpr std::array<Lanes, kLanes - kLeast + 1> AlignmentsByLength() {
-  std::array<Lanes, kLanes - kLeast + 1> alignments{};
-  for (std::size_t length = kLeast; length <= kLanes; ++length) {
-    const std::size_t loaded = length >= 8 ? 8 : 4;  // units a load
+// Moves the characters of a number, by its length less one, from the first lanes to the last.
+constexpr std::array<Lanes, kLanes> AlignmentsByLength() {
+  std::array<Lanes, kLanes> alignments{};
+  for (std::size_t length = 1; length <= kLanes; ++length) {
     for (std::size_t lane = 0; lane < kLanes; ++lane) {
-      const std::size_t character = lane + length - kLanes;  // wraps in front of the number
-      std::uint8_t from = kNothing;
-      if (lane + length >= kLanes)
-        from = static_cast<std::uint8_t>(character < loaded ? character
-                                                            : 8 + character + loaded - length);
-      alignments[length - kLeast][lane] = from;
+      const std::size_t from = lane + length >= kLanes ? lane + length - kLanes : kNothing;
+      alignments[length - 1][lane] = static_cast<std::uint8_t>(from);
     }
   }
   return alignments;
@@ -67,33 +60,28 @@ alignas(16) constexpr auto kDrops = DropsByLane();
   return (both & 0xFFFFFFFF) * 100000000 + (both >> 32);
 }
 
-[[gnu::target("sse4.1")]] bool ReadPlainNumberAtOnce(char16_t decimalSymbol,
-                                                     std::u16string_view text,
+[[gnu::target("sse4.1")]] bool ReadPlainNumberAtOnce(char16_t decimalSymbol, std::string_view text,
                                                      PlainNumber& number) noexcept {
-  const char16_t* units = text.data();
+  const char* bytes = text.data();
   std::size_t length = text.size();
-  const bool negative = length != 0 && *units == u'-';
-  units += negative;
+  const bool negative = length != 0 && *bytes == '-';
+  bytes += negative;
   length -= negative;
-  if (length < kLeast || length > kLanes || (decimalSymbol != u'.' && decimalSymbol != u','))
-    return ReadPlainNumber(decimalSymbol, text, number);
+  if (length - 1 >= kLanes || (decimalSymbol != u'.' && decimalSymbol != u',')) return false;
 
-  const auto* const begin = reinterpret_cast<const __m128i*>(units);
-  const __m128i loaded =
-      length >= 8
-          ? _mm_packus_epi16(_mm_loadu_si128(begin),
-                             _mm_loadu_si128(reinterpret_cast<const __m128i*>(units + length - 8)))
-          : _mm_packus_epi16(_mm_loadl_epi64(begin),
-                             _mm_loadl_epi64(reinterpret_cast<const __m128i*>(units + length - 4)));
-  __m128i digits = Shuffle(_mm_sub_epi8(loaded, _mm_set1_epi8('0')), kAlignments[length - kLeast]);
+  const __m128i loaded = _mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes));
+  const __m128i differences = _mm_sub_epi8(loaded, _mm_set1_epi8('0'));
+  __m128i digits = Shuffle(differences, kAlignments[length - 1]);
   const __m128i areDigits = _mm_cmpeq_epi8(_mm_min_epu8(digits, _mm_set1_epi8(9)), digits);
   const auto others = static_cast<std::uint32_t>(_mm_movemask_epi8(areDigits)) ^ 0xFFFF;
+  number.hasDecimalSymbol = others != 0;
+  number.decimals = 0;
   if (others != 0) {
     const auto lane = static_cast<std::size_t>(std::countr_zero(others));
-    if ((others & (others - 1)) != 0 || units[lane + length - kLanes] != decimalSymbol)
+    const char symbol = bytes[lane + length - kLanes];
+    if ((others & (others - 1)) != 0 || symbol != static_cast<char>(decimalSymbol) || length == 1)
       return false;
     digits = Shuffle(digits, kDrops[lane]);
-    number.hasDecimalSymbol = true;
     number.decimals = static_cast<unsigned>(kLanes - 1 - lane);
   }
   number.negative = negative;
@@ -104,7 +92,8 @@ alignas(16) constexpr auto kDrops = DropsByLane();
 }  // namespace
 
 PlainNumberReader QuickestPlainNumberReader() noexcept {
-  return __builtin_cpu_supports("sse4.1") ? &ReadPlainNumberAtOnce : &ReadPlainNumber;
+  if (__builtin_cpu_supports("sse4.1")) return &ReadPlainNumberAtOnce;
+  return &ReadPlainNumber;
 }
 
 #else

@@ -1,5 +1,6 @@
 #include "inference/RowConverter.h"
 
+#include <algorithm>
 #include <new>
 
 #include "host/CoreSupport/CharacterClasses.h"
@@ -12,7 +13,6 @@
 #include "inference/NumberParsing.h"
 #include "inference/PlainDate.h"
 #include "platform/OleText.h"
-#include "platform/ProcessorClones.h"
 
 namespace TextFile {
 
@@ -64,7 +64,7 @@ void SetNumber(VARIANT& value, FieldType type, const NumberValue& number) noexce
 }
 
 // False, and `value` stays empty, when the type cannot hold the number or not by this way.
-bool SetPlainNumber(FieldType type, const PlainNumber& number, VARIANT& value) noexcept {
+inline bool SetPlainNumber(FieldType type, const PlainNumber& number, VARIANT& value) noexcept {
   switch (type) {
     case FieldType::kDouble:
       if (!PlainDouble(number, value.dblVal)) return false;
@@ -81,9 +81,19 @@ bool SetPlainNumber(FieldType type, const PlainNumber& number, VARIANT& value) n
   }
 }
 
+// Whether SetPlainNumber would set it.
+inline bool IsPlainValue(FieldType type, const PlainNumber& number) noexcept {
+  if (type == FieldType::kDouble) return IsPlainDouble(number);
+  LONG integer = 0;
+  LONGLONG bigInteger = 0;
+  return type == FieldType::kInteger ? PlainInteger(number, integer)
+                                     : PlainInteger(number, bigInteger);
+}
+
 // False, and `value` stays empty, for any text that is not a plain date.
-bool ConvertPlainDate(const DateFieldFormat& format, std::u16string_view text,
-                      VARIANT& value) noexcept {
+template <class Character>
+inline bool ConvertPlainDate(const DateFieldFormat& format, std::basic_string_view<Character> text,
+                             VARIANT& value) noexcept {
   PlainDate date;
   if (!ReadPlainDate(format, text, date) ||
       !quenra::OleDateOf(date.day, date.seconds * 1000, value.date))
@@ -102,6 +112,13 @@ IUnknown* MakeTimestamp(DATE date, SHORT offsetMinutes) noexcept {
   return nullptr;
 }
 
+std::u16string_view TextOf(const Record& record, std::size_t column, UnitBuffer&) noexcept {
+  return record[column];
+}
+std::u16string_view TextOf(const PlainRow& row, std::size_t column, UnitBuffer& buffer) {
+  return row.Text(column, buffer);
+}
+
 }  // namespace
 
 RowConverter::RowConverter(std::shared_ptr<const TextDatasetDescription> table,
@@ -111,77 +128,140 @@ RowConverter::RowConverter(std::shared_ptr<const TextDatasetDescription> table,
       reported_(reported),
       decimalSymbol_(table_->options.number.decimalSymbol) {
   ::VariantInit(&unwanted_);
-  MakePlan();
+  for (const FieldDefinition& field : table_->fields) fields_.push_back({&unwanted_, field.type});
 }
 
-void RowConverter::MakePlan() {
+// Of a field of the file.
+RowConverter::Way RowConverter::WayOf(std::size_t field) const noexcept {
   const std::vector<FieldDefinition>& fields = table_->fields;
-  const auto isVirtual = [&](std::size_t field, bool pair) {
-    return field < fields.size() && fields[field].isCoordinate && fields[field].isPair == pair;
+  const auto isVirtual = [&fields](std::size_t i, bool pair) {
+    return i < fields.size() && fields[i].isCoordinate && fields[i].isPair == pair;
   };
-  for (std::size_t i = 0; i < fields.size(); ++i) {
-    Companions companions = Companions::kNone;
-    if (fields[i].type == FieldType::kString && isVirtual(i + 1, false))
-      companions = Companions::kOneText;
-    else if (fields[i].type == FieldType::kString && isVirtual(i + 2, true) &&
-             !fields[i + 1].isCoordinate)
-      companions = Companions::kTwoTexts;
-    const FieldType type = fields[i].type;
-    const bool mayBePlainNumber =
-        type == FieldType::kDouble || type == FieldType::kInteger || type == FieldType::kBigInteger;
-    const DateFieldFormat& dates = fields[i].dateFormat;
-    const DateFieldFormat* const plainDate =
-        dates.type == type && HasPlainDates(dates) ? &dates : nullptr;
-    plan_.push_back({&unwanted_, type, companions, mayBePlainNumber, plainDate});
+  switch (fields[field].type) {
+    case FieldType::kString:
+      if (isVirtual(field + 1, false)) return Way::kCoordinates;
+      if (isVirtual(field + 2, true) && !fields[field + 1].isCoordinate) return Way::kTwoTexts;
+      return Way::kText;
+    case FieldType::kDouble:
+    case FieldType::kInteger:
+    case FieldType::kBigInteger:
+      return Way::kNumber;
+    default:
+      const DateFieldFormat& dates = fields[field].dateFormat;
+      return dates.type == fields[field].type && HasPlainDates(dates) ? Way::kDate : Way::kOther;
   }
 }
 
-CLONED_FOR_PROCESSORS
-std::size_t RowConverter::Convert(const Record& record) {
+void RowConverter::MakeSteps() {
+  steps_.clear();
+  fieldsOfColumns_.clear();
+  stepsFit_ = true;
+  for (std::size_t field = 0; field < fields_.size();) {
+    const Way way = WayOf(field);
+    const std::size_t columns = way == Way::kTwoTexts ? 2 : 1;
+    const std::size_t fields = columns + (way >= Way::kCoordinates ? 2 : 0);
+    const std::size_t column = fieldsOfColumns_.size();
+    if (NeedsStep(field, fields))
+      steps_.push_back({fields_[field].slot, &table_->fields[field].dateFormat, column, field,
+                        fields_[field].type, way, IsWanted(field)});
+    field += fields;
+    fieldsOfColumns_.insert(fieldsOfColumns_.end(), columns, field);
+  }
+}
+
+// Whether anything has to be done for a column with these fields: texts that nobody asks for fit.
+bool RowConverter::NeedsStep(std::size_t field, std::size_t fields) const noexcept {
+  if (fields_[field].type != FieldType::kString) return true;
+  for (std::size_t i = field; i < field + fields; ++i)
+    if (IsWanted(i)) return true;
+  return false;
+}
+
+// How many fields have texts in a record of so many columns.
+std::size_t RowConverter::FieldsOf(std::size_t columns) const noexcept {
+  const std::size_t known = std::min(columns, fieldsOfColumns_.size());
+  return known == 0 ? 0 : fieldsOfColumns_[known - 1];
+}
+
+template <class Row>
+[[gnu::always_inline]] inline std::size_t RowConverter::ConvertRow(const Row& row) {
+  static_assert(kPlainNumberBytes <= kPlainRowPadding);
   if (!messages_.empty()) messages_.clear();
   if (!mismatches_.empty()) mismatches_.clear();
-  const std::size_t columns = record.size();
-  const std::size_t fields = plan_.size();
-  std::size_t field = 0;
-  for (std::size_t column = 0; column < columns && field < fields; ++column) {
-    const FieldPlan& plan = plan_[field];
-    const std::u16string_view text = record[column];
-    VARIANT& value = *plan.slot;
+  if (!stepsFit_) MakeSteps();
+  const std::size_t columns = row.size();
+  for (const Step& step : steps_) {
+    if (step.column >= columns) break;
+    const auto text = row[step.column];
+    if (!step.wanted && FitsPlainly(step, text)) continue;
+    VARIANT& value = *step.slot;
     quenra::ClearVariant(value);
-    if (text.empty() && plan.companions == Companions::kNone) {
+    if (step.way >= Way::kCoordinates) {
+      ConvertCoordinates(step, row);
+    } else if (text.empty()) {
       SetNull(value);
-    } else if (plan.type != FieldType::kString) {
-      if (!ConvertPlainly(plan, text, value)) ConvertCell({field, column, text}, value);
-    } else if (plan.companions != Companions::kNone) {
-      field = ConvertCoordinateText(field, record, column);
-      continue;
-    } else if (quenra::IsBlank(text)) {
-      SetNull(value);
-    } else if (&value != &unwanted_) {
-      SetText(value, text);
+    } else if (step.way == Way::kText) {
+      ConvertText(row, step.column, value);
+    } else if (!ConvertPlainly(step, text, value)) {
+      ConvertCell({step.field, step.column, TextOf(row, step.column, text_)}, value);
     }
-    ++field;
   }
   if (!mismatches_.empty()) ReportAll();
-  return field;
+  return FieldsOf(columns);
+}
+
+// Whether a value that nobody asks for is a plain one of its type, or blank. False says nothing
+// about the text.
+template <class Character>
+[[gnu::always_inline]] inline bool RowConverter::FitsPlainly(
+    const Step& step, std::basic_string_view<Character> text) const noexcept {
+  if (step.way == Way::kNumber) {
+    PlainNumber number;
+    return text.empty() || (ReadNumber(text, number) && IsPlainValue(step.type, number));
+  }
+  PlainDate date;
+  return step.way == Way::kDate &&
+         (text.empty() || (ReadPlainDate(*step.dates, text, date) && quenra::IsOleDay(date.day)));
 }
 
 // The short ways of plain numbers and dates. False leaves `value` empty and says nothing about the
 // text.
-inline bool RowConverter::ConvertPlainly(const FieldPlan& plan, std::u16string_view text,
-                                         VARIANT& value) const noexcept {
-  if (plan.mayBePlainNumber) {
+template <class Character>
+[[gnu::always_inline]] inline bool RowConverter::ConvertPlainly(
+    const Step& step, std::basic_string_view<Character> text, VARIANT& value) const noexcept {
+  if (step.way == Way::kNumber) {
     PlainNumber number;
-    return readPlainNumber_(decimalSymbol_, text, number) &&
-           SetPlainNumber(plan.type, number, value);
+    return ReadNumber(text, number) && SetPlainNumber(step.type, number, value);
   }
-  return plan.plainDate != nullptr && ConvertPlainDate(*plan.plainDate, text, value);
+  return step.way == Way::kDate && ConvertPlainDate(*step.dates, text, value);
+}
+
+// A text that is not empty and is asked for; `value` is empty.
+inline void RowConverter::ConvertText(const Record& record, std::size_t column, VARIANT& value) {
+  const std::u16string_view text = record[column];
+  if (quenra::IsBlank(text))
+    SetNull(value);
+  else
+    SetText(value, text);
+}
+
+inline void RowConverter::ConvertText(const PlainRow& row, std::size_t column, VARIANT& value) {
+  static_assert(kShortField <= kPlainRowPadding);
+  const std::string_view bytes = row[column];
+  char16_t units[kShortField];
+  if (bytes.front() > ' ' && bytes.front() != row.textDelimiter() && WidenShortAscii(bytes, units))
+    return SetText(value, {units, bytes.size()});
+  const std::u16string_view text = row.Text(column, text_);
+  if (quenra::IsBlank(text))
+    SetNull(value);
+  else
+    SetText(value, text);
 }
 
 // Any text, for any type but kString; `value` is empty.
 void RowConverter::ConvertCell(const Cell& cell, VARIANT& value) {
   if (quenra::IsBlank(cell.text)) return SetNull(value);
-  switch (plan_[cell.field].type) {
+  switch (fields_[cell.field].type) {
     case FieldType::kSmallInteger:
     case FieldType::kInteger:
     case FieldType::kSingle:
@@ -203,7 +283,7 @@ void RowConverter::ConvertCell(const Cell& cell, VARIANT& value) {
 // A number that the type cannot hold is delivered as the Double that it is, and reported.
 void RowConverter::ConvertNumber(const Cell& cell, VARIANT& value) {
   const NumberFormat::Settings& settings = table_->options.number;
-  const FieldType type = plan_[cell.field].type;
+  const FieldType type = fields_[cell.field].type;
   NumberValue number;
   if (NumberFormat::ConvertOther(settings, cell.text, type, number)) {
     SetNumber(value, type, number);
@@ -240,7 +320,7 @@ void RowConverter::ConvertDate(const Cell& cell, VARIANT& value) {
 
 // False for a day that does not exist.
 bool RowConverter::SetDate(std::size_t field, const ParsedDateTime& parsed, VARIANT& value) {
-  const FieldType type = plan_[field].type;
+  const FieldType type = fields_[field].type;
   DATE date = 0;
   if (type == FieldType::kTimeOnly)
     date = FractionOfDay(parsed.time);
@@ -260,26 +340,30 @@ bool RowConverter::SetDate(std::size_t field, const ParsedDateTime& parsed, VARI
   return true;
 }
 
+std::size_t RowConverter::Convert(const Record& record) { return ConvertRow(record); }
+
+std::size_t RowConverter::Convert(const PlainRow& row) { return ConvertRow(row); }
+
 // A text column whose values hold coordinates, with its virtual fields, and in the form with two
-// texts its neighbour with them. Answers the field behind them, and moves `column` to the last
-// one used. The slot of `field` is empty.
-std::size_t RowConverter::ConvertCoordinateText(std::size_t field, const Record& record,
-                                                std::size_t& column) {
+// texts its neighbour with them.
+template <class Row>
+void RowConverter::ConvertCoordinates(const Step& step, const Row& row) {
   const auto deliver = [this](std::size_t to, std::u16string_view text) {
-    if (IsWanted(to)) SetText(*plan_[to].slot, text);
+    if (IsWanted(to)) SetText(*fields_[to].slot, text);
   };
-  const std::u16string_view text = record[column];
+  const std::size_t field = step.field;
+  const std::u16string_view text = TextOf(row, step.column, text_);
   const bool blank = quenra::IsBlank(text);
   if (blank)
-    SetNull(*plan_[field].slot);
+    SetNull(*step.slot);
   else
     deliver(field, text);
 
-  const bool twoTexts = plan_[field].companions == Companions::kTwoTexts;
+  const bool twoTexts = step.way == Way::kTwoTexts;
   const std::size_t virtualField = field + (twoTexts ? 2 : 1);
-  for (std::size_t i = field + 1; i < virtualField + 2; ++i) quenra::ClearVariant(*plan_[i].slot);
-  VARIANT& firstValue = *plan_[virtualField].slot;
-  VARIANT& secondValue = *plan_[virtualField + 1].slot;
+  for (std::size_t i = field + 1; i < virtualField + 2; ++i) quenra::ClearVariant(*fields_[i].slot);
+  VARIANT& firstValue = *fields_[virtualField].slot;
+  VARIANT& secondValue = *fields_[virtualField + 1].slot;
   const bool parse = !blank && (IsWanted(virtualField) || IsWanted(virtualField + 1));
 
   double first = 0;
@@ -288,9 +372,9 @@ std::size_t RowConverter::ConvertCoordinateText(std::size_t field, const Record&
   if (!twoTexts) {
     parsed =
         parse && latLong_.ParseLatLong(text, table_->fields[field].coordinateFormat, first, second);
-  } else if (++column < record.size()) {
+  } else if (step.column + 1 < row.size()) {
     // Even a blank text of the second column is delivered as it stands.
-    const std::u16string_view neighbour = record[column];
+    const std::u16string_view neighbour = TextOf(row, step.column + 1, neighbour_);
     deliver(field + 1, neighbour);
     parsed =
         parse && latLong_.ParseLatLong(text, neighbour, table_->fields[field + 1].coordinateFormat,
@@ -303,27 +387,28 @@ std::size_t RowConverter::ConvertCoordinateText(std::size_t field, const Record&
     SetNull(firstValue);
     SetNull(secondValue);
   }
-  return virtualField + 2;
 }
 
 void RowConverter::Report(const Cell& cell, FieldType found, VARIANT& value) {
-  if (plan_[cell.field].reported) return;
+  if (fields_[cell.field].reported) return;
   Mismatch mismatch;
   mismatch.fileColumn = cell.column;
   mismatch.fieldName = table_->fields[cell.field].name;
-  mismatch.text = cell.text;
   mismatch.found = found;
   if (reported_ == Reported::kNull) SetNull(value);
-  mismatches_.push_back({cell.field, mismatch});
+  mismatches_.push_back({cell.field, std::u16string(cell.text), mismatch});
 }
 
 // Together, since schema.ini is written anew each time.
 void RowConverter::ReportAll() {
   std::vector<Mismatch> mismatches;
-  for (const FieldMismatch& found : mismatches_) mismatches.push_back(found.mismatch);
+  for (const FieldMismatch& found : mismatches_) {
+    mismatches.push_back(found.mismatch);
+    mismatches.back().text = found.text;
+  }
   std::vector<std::u16string> messages = ReportMismatches(*table_, mismatches, loadMessage_);
   for (std::size_t i = 0; i < messages.size(); ++i) {
-    plan_[mismatches_[i].field].reported = true;
+    fields_[mismatches_[i].field].reported = true;
     messages_[mismatches_[i].field] = std::move(messages[i]);
   }
 }

@@ -24,7 +24,10 @@ TextFileCursorHelper::TextFileCursorHelper(
       converter_(std::move(table), &LoadResourceString, TextFile::RowConverter::Reported::kNull) {}
 
 HRESULT STDMETHODCALLTYPE TextFileCursorHelper::AdvanceRecord() try {
-  if (!finished_) finished_ = !reader_->ReadRecord();
+  if (!finished_) {
+    onPlainRow_ = reader_->ReadPlainRow(plainRow_);
+    finished_ = !onPlainRow_ && !reader_->ReadRecord();
+  }
   return finished_ ? S_FALSE : S_OK;
 } catch (...) {
   finished_ = true;
@@ -48,7 +51,10 @@ HRESULT STDMETHODCALLTYPE TextFileCursorHelper::ReadRecordShape(IUnknown* geomet
 HRESULT STDMETHODCALLTYPE TextFileCursorHelper::ReadRecordValuesFast(HostFieldValue* values) try {
   if (values == nullptr) return E_POINTER;
   if (values != values_) AimAt(values);
-  converter_.Convert(reader_->record());
+  if (onPlainRow_)
+    converter_.Convert(plainRow_);
+  else
+    converter_.Convert(reader_->record());
   // A value that does not fit never stops the cursor: the host finds the text in the error chain.
   for (const auto& [field, message] : converter_.messages())
     if (SlotOf(field) >= 0) ChainTextFileError(kFieldValueError, message);

@@ -41,6 +41,8 @@ class TextFileCursorHelper final : public Implements<IPlugInCursorHelper, IPlugI
   const FieldMap map_;
   bool finished_;
   const TextFile::ReaderPtr reader_;
+  TextFile::PlainRow plainRow_;
+  bool onPlainRow_ = false;  // the current record is plainRow_, or else the reader's
   TextFile::RowConverter converter_;
   HostFieldValue* values_ = nullptr;  // whose slots the converter fills
 };

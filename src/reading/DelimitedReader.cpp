@@ -13,14 +13,29 @@ namespace {
 
 constexpr char16_t kCandidates[] = {u',', u';', u'\t', u'|', u' '};
 
+bool EndsLines(char16_t unit) noexcept { return unit == u'\n' || unit == u'\r'; }
+
+// Whether a character is a byte of its own wherever it stands.
+bool IsByte(char16_t unit) noexcept { return unit != 0 && unit < 0x80; }
+
 }  // namespace
 
 DelimitedReader::DelimitedReader(const TextDatasetDescription& description)
     : Reader(description),
       delimiter_(description.options.delimiter),
       textDelimiter_(description.options.textDelimiter) {
-  // Lines of such files are not only ended by zeros, or a quote would be taken for a delimiter.
-  if (LinesMayHoldTerminator() || delimiter_ == textDelimiter_) SplitExactly();
+  // Lines of such files are not only ended by zeros, or what ends them would be a delimiter, or a
+  // quote would be taken for one.
+  if (LinesMayHoldTerminator() || EndsLines(delimiter_) || EndsLines(textDelimiter_) ||
+      delimiter_ == textDelimiter_)
+    SplitExactly();
+  else if (IsByte(delimiter_) && (textDelimiter_ == 0 || IsByte(textDelimiter_)))
+    plainRows_.emplace(PlainRowDialect{.delimiter = static_cast<char>(delimiter_),
+                                       .textDelimiter = static_cast<char>(textDelimiter_)});
+}
+
+bool DelimitedReader::ReadPlainRow(PlainRow& row) {
+  return plainRows_.has_value() && TakePlainRow(*plainRows_, row);
 }
 
 bool DelimitedReader::ReadRecord() {

@@ -1,6 +1,9 @@
 // Records whose fields are separated by one character and may be quoted.
 #pragma once
 
+#include <optional>
+
+#include "reading/PlainRowScan.h"
 #include "reading/Reader.h"
 
 namespace TextFile {
@@ -18,9 +21,13 @@ class DelimitedReader final : public Reader {
   explicit DelimitedReader(const TextDatasetDescription& description);
 
   bool ReadRecord() override;
+  bool ReadPlainRow(PlainRow& row) override;
 
   // Splits character by character only, for comparison with the way that looks for delimiters.
-  void SplitExactly() noexcept { exact_ = true; }
+  void SplitExactly() noexcept {
+    exact_ = true;
+    plainRows_.reset();
+  }
 
   // Tries the current delimiter, then ",", ";", tab, "|" and blank.
   bool Scan(SchemaOptions& options, std::vector<FieldDefinition>& fields,
@@ -50,7 +57,8 @@ class DelimitedReader final : public Reader {
 
   bool exact_ = false;
   char16_t delimiter_;
-  char16_t textDelimiter_;  // 0: no quoting
+  char16_t textDelimiter_;                 // 0: no quoting
+  std::optional<PlainRowScan> plainRows_;  // none where bytes do not tell the fields
 };
 
 }  // namespace TextFile

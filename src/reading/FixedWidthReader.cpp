@@ -27,6 +27,30 @@ bool FixedWidthReader::ReadRecord() {
   }
 }
 
+// Beyond ASCII the widths would count other things than bytes.
+bool FixedWidthReader::ReadPlainRow(PlainRow& row) {
+  if (exact_ || widths_.empty() || !TakePlainRow(plainLines_, plainLine_)) return false;
+  CutPlainLine(row);
+  return true;
+}
+
+CLONED_FOR_PROCESSORS
+void FixedWidthReader::CutPlainLine(PlainRow& row) const {
+  std::string_view line = plainLine_[0];
+  row.Begin(PlainRow::Bounds::kOwn, '\0');
+  PlainRow::Bound* bound = row.Places(2 * widths_.size());
+  for (const std::int64_t width : widths_) {
+    if (line.empty()) break;
+    const bool whole = width > 0 && static_cast<std::uint64_t>(width) <= line.size();
+    const std::size_t length = whole ? static_cast<std::size_t>(width) : line.size();
+    const std::string_view kept = TrimBlanksInSteps(line.data(), length);
+    *bound++ = kept.data() - 1;
+    *bound++ = kept.data() + kept.size();
+    line.remove_prefix(length);
+  }
+  row.End(bound);
+}
+
 void FixedWidthReader::TakeFields() {
   if (exact_ || LinesMayHoldTerminator())
     TakeFieldsExactly();

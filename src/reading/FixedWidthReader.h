@@ -1,6 +1,7 @@
 // Records cut into fields by the declared widths of the columns.
 #pragma once
 
+#include "reading/PlainRowScan.h"
 #include "reading/Reader.h"
 
 namespace TextFile {
@@ -16,6 +17,7 @@ class FixedWidthReader final : public Reader {
   void CutExactly() noexcept { exact_ = true; }
 
   bool ReadRecord() override;
+  bool ReadPlainRow(PlainRow& row) override;
   bool Scan(SchemaOptions& options, std::vector<FieldDefinition>& fields,
             const OpenOptions& openOptions) override;
 
@@ -24,8 +26,11 @@ class FixedWidthReader final : public Reader {
   void TakeFields();
   void TakeFieldsOfLine();
   void TakeFieldsExactly();
+  void CutPlainLine(PlainRow& row) const;
 
   bool exact_ = false;
+  PlainRowScan plainLines_{{.delimiter = '\0', .textDelimiter = '\0', .asciiOnly = true}};
+  PlainRow plainLine_;                // as one field
   std::vector<std::int64_t> widths_;  // of the file's columns, left to right
 };
 

@@ -28,6 +28,10 @@ class Reader {
   // is then empty.
   virtual bool ReadRecord() = 0;
 
+  // Takes the next row when it is a plain one; no record is then held. False for any other row, and
+  // at the end: nothing is taken, and ReadRecord goes on from there.
+  virtual bool ReadPlainRow(PlainRow&) { return false; }
+
   // Reads the beginning of the file to settle delimiter, decimal symbol, record terminator, header
   // and columns, and writes them to `options` and `fields`. False when the file cannot be read as
   // a table of this kind; `options` may then hold what was tried last.
@@ -89,6 +93,13 @@ class Reader {
   char16_t PeekCharacter() const noexcept {
     const char16_t unit = lineUsedUp_ ? u'\0' : line_.data()[cursor_];
     return unit != u'\0' ? unit : TerminatorUnit();
+  }
+
+  // ReadPlainRow of the rows that `scan` finds.
+  bool TakePlainRow(const PlainRowScan& scan, PlainRow& row) {
+    if (!lineUsedUp_ || !stream_.TakePlainRow(scan, row)) return false;
+    record_.Clear();
+    return true;
   }
 
   // For readers that look at the line as a whole: its characters, ended by a zero with

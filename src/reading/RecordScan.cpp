@@ -3,106 +3,13 @@
 #include <algorithm>
 
 #include "host/CoreSupport/CharacterClasses.h"
+#include "reading/ByteBlock.h"
 #include "reading/RecordScanKernel.h"
 #include "reading/RecordScanVector.h"
-
-#if defined(__SSE2__)
-#include <emmintrin.h>
-#endif
 
 namespace TextFile {
 
 namespace {
-
-// For processors that nothing is known of, and the measure for the others.
-class PlainBlock {
- public:
-  explicit PlainBlock(const char* bytes) noexcept : bytes_(bytes) {}
-
-  std::uint64_t Equal(char byte) const noexcept {
-    std::uint64_t mask = 0;
-    for (unsigned i = 0; i < 64; ++i) mask |= static_cast<std::uint64_t>(bytes_[i] == byte) << i;
-    return mask;
-  }
-  std::uint64_t AboveAscii() const noexcept {
-    std::uint64_t mask = 0;
-    for (unsigned i = 0; i < 64; ++i)
-      mask |= static_cast<std::uint64_t>(static_cast<unsigned char>(bytes_[i]) >> 7) << i;
-    return mask;
-  }
-  static bool AnyEqual(const PlainBlock (&blocks)[4], char byte) noexcept {
-    std::uint64_t all = 0;
-    for (const PlainBlock& block : blocks) all |= block.Equal(byte);
-    return all != 0;
-  }
-  static bool AnyAboveAscii(const PlainBlock (&blocks)[4]) noexcept {
-    std::uint64_t all = 0;
-    for (const PlainBlock& block : blocks) all |= block.AboveAscii();
-    return all != 0;
-  }
-  static std::uint64_t PrefixXor(std::uint64_t bits) noexcept {
-    for (unsigned step = 1; step < 64; step *= 2) bits ^= bits << step;
-    return bits;
-  }
-
- private:
-  const char* bytes_;
-};
-
-#if defined(__SSE2__)
-
-// Every x86-64 processor has these instructions.
-class Sse2Block {
- public:
-  explicit Sse2Block(const char* bytes) noexcept {
-    for (int i = 0; i < 4; ++i)
-      parts_[i] = _mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes) + i);
-  }
-
-  std::uint64_t Equal(char byte) const noexcept {
-    const __m128i wanted = _mm_set1_epi8(byte);
-    std::uint64_t mask = 0;
-    for (int i = 0; i < 4; ++i) mask |= Bits(_mm_cmpeq_epi8(parts_[i], wanted)) << 16 * i;
-    return mask;
-  }
-  std::uint64_t AboveAscii() const noexcept {
-    std::uint64_t mask = 0;
-    for (int i = 0; i < 4; ++i) mask |= Bits(parts_[i]) << 16 * i;
-    return mask;
-  }
-  static bool AnyEqual(const Sse2Block (&blocks)[4], char byte) noexcept {
-    const __m128i wanted = _mm_set1_epi8(byte);
-    __m128i hits = _mm_setzero_si128();
-    for (const Sse2Block& block : blocks)
-      for (const __m128i& part : block.parts_)
-        hits = _mm_or_si128(hits, _mm_cmpeq_epi8(part, wanted));
-    return Bits(hits) != 0;
-  }
-  static bool AnyAboveAscii(const Sse2Block (&blocks)[4]) noexcept {
-    __m128i all = _mm_setzero_si128();
-    for (const Sse2Block& block : blocks)
-      for (const __m128i& part : block.parts_) all = _mm_or_si128(all, part);
-    return Bits(all) != 0;
-  }
-  static std::uint64_t PrefixXor(std::uint64_t bits) noexcept {
-    return PlainBlock::PrefixXor(bits);
-  }
-
- private:
-  static std::uint64_t Bits(__m128i bytes) noexcept {
-    return static_cast<std::uint32_t>(_mm_movemask_epi8(bytes));
-  }
-
-  __m128i parts_[4];
-};
-
-using BaselineBlock = Sse2Block;
-
-#else
-
-using BaselineBlock = PlainBlock;
-
-#endif
 
 template <class Block>
 void Run(const RecordDialect& dialect, RecordScanState& state, std::string_view bytes, bool last) {

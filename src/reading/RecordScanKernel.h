@@ -6,13 +6,7 @@
 // start of its field, or right behind one that has just turned it off: that is a doubled quote.
 // The others are judged one by one.
 //
-// A Block has
-//   explicit Block(const char* bytes);  // 64 of them
-//   std::uint64_t Equal(char byte) const;
-//   std::uint64_t AboveAscii() const;
-//   static bool AnyEqual(const Block (&blocks)[4], char byte);
-//   static bool AnyAboveAscii(const Block (&blocks)[4]);
-//   static std::uint64_t PrefixXor(std::uint64_t bits);  // bit i: xor of the bits 0 to i
+// ByteBlock.h tells what a Block is.
 #pragma once
 
 #include <cstddef>
@@ -57,9 +51,7 @@ class RecordScanKernel {
 
   // What there is in a group of blocks.
   struct Summary {
-    Summary(const char* bytes, char quote) noexcept {
-      const Block blocks[] = {Block(bytes), Block(bytes + kBlockBytes),
-                              Block(bytes + 2 * kBlockBytes), Block(bytes + 3 * kBlockBytes)};
+    Summary(const Block (&blocks)[kGroupBlocks], char quote) noexcept {
       quotes = Block::AnyEqual(blocks, quote);
       zeros = Block::AnyEqual(blocks, '\0');
       nonAscii = Block::AnyAboveAscii(blocks);
@@ -93,20 +85,90 @@ class RecordScanKernel {
   // Most files either have hardly any quotes or some in every line, so asking for several blocks
   // together gives the same answer time after time.
   [[gnu::always_inline]] inline bool TakeGroup() noexcept {
-    const Summary group(Next(), dialect_.textDelimiter);
+    const char* const bytes = Next();
+    const Block blocks[] = {Block(bytes), Block(bytes + kBlockBytes),
+                            Block(bytes + 2 * kBlockBytes), Block(bytes + 3 * kBlockBytes)};
+    const Summary group(blocks, dialect_.textDelimiter);
     state_.sawNonAscii |= group.nonAscii;
-    if (group.zeros || group.quotes || state_.quoting != 0) {
-      for (std::size_t i = 0; i < kGroupBlocks; ++i)
-        if (!TakeBlock(Block(Next()), Next()[kBlockBytes], group.zeros)) return false;
+    // A record of quotes alone may end behind them.
+    const bool quotes = group.quotes || state_.quoting != 0 || state_.quotes >> 62 != 0;
+    if (!group.zeros && (quotes ? TakeOrdinaryGroup(blocks) : TakeGroupWithoutQuotes(blocks)))
       return true;
-    }
+    for (std::size_t i = 0; i < kGroupBlocks; ++i)
+      if (!TakeBlock(Block(Next()), Next()[kBlockBytes], group.zeros)) return false;
+    return true;
+  }
+
+  // TakeBlock for all of a group without zeros, when each quote that turns quoting on stands where
+  // it may, and no record is so short that it might be blank. False when that is not so; nothing is
+  // taken then.
+  [[gnu::always_inline]] inline bool TakeOrdinaryGroup(
+      const Block (&blocks)[kGroupBlocks]) noexcept {
+    const char* const bytes = Next();
+    Mask ends[kGroupBlocks];
+    Mask quotes = 0;
+    Mask quoteStarts = state_.quoteStarts;
+    Mask quoting = state_.quoting;
+    Mask odd = 0;
     for (std::size_t i = 0; i < kGroupBlocks; ++i) {
-      const Block block(Next());
-      const Mask ends = Ends(block, Next()[kBlockBytes]);
-      CountEnds(ends, Crowded(ends) ? BlankEnds(block, ends) : 0);
+      quotes = blocks[i].Equal(dialect_.textDelimiter);
+      const Mask allEnds = Ends(blocks[i], bytes[(i + 1) * kBlockBytes]);
+      const Mask starts = blocks[i].Equal(dialect_.delimiter) | allEnds | quotes;
+      const Mask quoted = Block::PrefixXor(quotes) ^ quoting;
+      odd |= quotes & quoted & ~Behind<1>(starts, quoteStarts);
+      ends[i] = allEnds & ~quoted;
+      quoteStarts = starts;
+      quoting = 0 - (quoted >> 63);
+    }
+    if (odd != 0 || !CountGroup(ends)) return false;
+    state_.quotes = quotes;
+    state_.quoteStarts = quoteStarts;
+    state_.quoting = quoting;
+    return true;
+  }
+
+  // The same for a group without quotes.
+  [[gnu::always_inline]] inline bool TakeGroupWithoutQuotes(
+      const Block (&blocks)[kGroupBlocks]) noexcept {
+    const char* const bytes = Next();
+    Mask ends[kGroupBlocks];
+    Mask any = 0;
+    for (std::size_t i = 0; i < kGroupBlocks; ++i) {
+      ends[i] = Ends(blocks[i], bytes[(i + 1) * kBlockBytes]);
+      any |= ends[i];
+    }
+    if (any == 0) {
+      state_.ends = 0;
+      state_.scanned += kGroupBytes;
+    } else if (!CountGroup(ends)) {
+      return false;
     }
     state_.quotes = 0;
     state_.quoteStarts = state_.ends | static_cast<Mask>(Next()[-1] == dialect_.delimiter) << 63;
+    return true;
+  }
+
+  // CountEnds for a group, unless some of its records may be blank. In which block a record ends is
+  // not to be guessed, so that no branch asks for it.
+  [[gnu::always_inline]] inline bool CountGroup(const Mask (&ends)[kGroupBlocks]) noexcept {
+    Mask before = state_.ends;
+    Mask close = 0;
+    Mask blocksWithEnds = 0;
+    int records = 0;
+    for (std::size_t i = 0; i < kGroupBlocks; ++i) {
+      close |= CloseEnds(ends[i], before);
+      before = ends[i];
+      blocksWithEnds |= static_cast<Mask>(ends[i] != 0) << i;
+      records += __builtin_popcountll(ends[i]);
+    }
+    if (close != 0) return false;
+    if (blocksWithEnds != 0) {
+      const unsigned block = PositionOf(blocksWithEnds);
+      state_.recordStart = state_.scanned + block * kBlockBytes + PositionOf(ends[block]) + 1;
+    }
+    state_.records += records;
+    state_.ends = before;
+    state_.scanned += kGroupBytes;
     return true;
   }
 
@@ -186,12 +248,13 @@ class RecordScanKernel {
     return {bytes_ + start, state_.scanned + PositionOf(at) - start};
   }
 
-  // Whether a record may have fewer than four bytes. Only those may be blank.
-  [[gnu::always_inline]] inline bool Crowded(Mask ends) const noexcept {
+  // Ends of records that may have fewer than four bytes. Only those may be blank.
+  static Mask CloseEnds(Mask ends, Mask endsBefore) noexcept {
     const Mask two = ends << 1 | ends << 2;
-    const Mask first = state_.ends >> 60 != 0 ? 0xF : 0;
-    return (ends & (two | two << 2 | first)) != 0;
+    const Mask first = endsBefore >> 60 != 0 ? 0xF : 0;
+    return ends & (two | two << 2 | first);
   }
+  bool Crowded(Mask ends) const noexcept { return CloseEnds(ends, state_.ends) != 0; }
 
   // The ends of records that may be two quotes, which make a blank record.
   [[gnu::always_inline]] inline Mask DoubtfulEnds(Mask ends, Mask quotes) const noexcept {

@@ -50,6 +50,25 @@ std::size_t WidenStep(const char* bytes, char16_t* text) noexcept {
 #endif
 }
 
+static_assert(kFieldStep == kStep);
+
+// The same for the first byte that is above 127 or `quote`.
+std::size_t WidenFieldStep(const char* bytes, char quote, char16_t* text) noexcept {
+#if defined(__SSE2__)
+  const __m128i narrow = _mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes));
+  StoreWidened(narrow, text);
+  const __m128i quotes = _mm_cmpeq_epi8(narrow, _mm_set1_epi8(quote));
+  const auto special =
+      static_cast<std::uint32_t>(_mm_movemask_epi8(_mm_or_si128(narrow, quotes))) | 0x10000;
+  return static_cast<std::size_t>(std::countr_zero(special));
+#else
+  std::size_t i = 0;
+  for (; i < kStep && static_cast<unsigned char>(bytes[i]) < 0x80 && bytes[i] != quote; ++i)
+    text[i] = static_cast<unsigned char>(bytes[i]);
+  return i;
+#endif
+}
+
 // Widens `bytes` up to the first byte above 127 and answers how many there are. `text` has room
 // for all of them.
 std::size_t WidenAscii(std::string_view bytes, char16_t* text) noexcept {
@@ -106,6 +125,21 @@ std::size_t WriteCharacter(char32_t character, char16_t* text) noexcept {
   text[0] = static_cast<char16_t>(0xD7C0 + (character >> 10));
   text[1] = static_cast<char16_t>(0xDC00 + (character & 0x3FF));
   return 2;
+}
+
+// Takes the character at `at`, which is one beyond ASCII of well-formed UTF-8. The rest is that of
+// WriteCharacter.
+std::size_t TakeCharacter(const char*& at, char16_t* text) noexcept {
+  const auto take = [&at] { return static_cast<unsigned char>(*at++); };
+  const unsigned char lead = take();
+  if (lead < 0xE0) {
+    text[0] = static_cast<char16_t>((lead & 0x1Fu) << 6 | (take() & 0x3Fu));
+    return 1;
+  }
+  char32_t character = lead & (lead < 0xF0 ? 0x0Fu : 0x07u);
+  for (int more = lead < 0xF0 ? 2 : 3; more > 0; --more)
+    character = character << 6 | (take() & 0x3Fu);
+  return WriteCharacter(character, text);
 }
 
 // Converts well-formed UTF-8 and answers how many units it makes; kIllFormed for other bytes.
@@ -191,6 +225,34 @@ std::size_t WidenLine(std::string_view bytes, bool asUtf8, UnitBuffer& line) {
   }
 #endif
   return kNoPlainLine;
+}
+
+CLONED_FOR_PROCESSORS
+void WidenField(std::string_view bytes, char textDelimiter, UnitBuffer& text) {
+  const char* at = bytes.data();
+  const char* const end = at + bytes.size();
+  const bool quoted = at != end && *at == textDelimiter && textDelimiter != '\0';
+  const char quote = quoted ? textDelimiter : '\0';
+  at += quoted;
+  char16_t* const begin = text.Overwrite(bytes.size() + kFieldStep);
+  char16_t* out = begin;
+  for (;;) {
+    const std::size_t plain = WidenFieldStep(at, quote, out);
+    const auto left = static_cast<std::size_t>(end - at);
+    if (plain >= left) {
+      out += left;
+      break;
+    }
+    at += plain;
+    out += plain;
+    if (plain == kFieldStep) continue;
+    if (*at != quote) {
+      out += TakeCharacter(at, out);
+    } else if (++at != end && *at == quote) {
+      *out++ = static_cast<unsigned char>(*at++);
+    }
+  }
+  text.Shorten(static_cast<std::size_t>(out - begin));
 }
 
 void DecodeUtf8(std::string_view bytes, UnitBuffer& line) {

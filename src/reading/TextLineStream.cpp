@@ -8,6 +8,7 @@
 
 #include "platform/FileNames.h"
 #include "reading/ByteSearch.h"
+#include "reading/PlainRowScan.h"
 #include "reading/RecordScan.h"
 #include "reading/TextDecoding.h"
 
@@ -103,7 +104,7 @@ bool TextLineStream::ReadMore() {
   if (capacity_ - end_ < readSize_) {
     // Doubling keeps the cost of a record of any length linear in its length.
     const std::size_t capacity = std::max(end_ + readSize_, 2 * capacity_);
-    auto larger = std::make_unique_for_overwrite<char[]>(capacity);
+    auto larger = std::make_unique_for_overwrite<char[]>(capacity + kPlainRowPadding);
     if (end_ != 0) std::memcpy(larger.get(), block_.get(), end_);
     block_ = std::move(larger);
     capacity_ = capacity;
@@ -120,6 +121,7 @@ bool TextLineStream::ReadMore() {
     return false;
   }
   end_ += static_cast<std::size_t>(count);
+  std::memset(block_.get() + end_, 0, kPlainRowPadding);
   // Whoever reads on this far reads on further.
   readSize_ = std::min(2 * readSize_, blockSize_);
   return true;
@@ -170,6 +172,15 @@ bool TextLineStream::TakePlainLine(UnitBuffer& line) {
   next_ += length + 1;
   tookNonAscii_ |= line.size() != length;
   if (EndsIn(line, u'\r')) line.DropLast();
+  return true;
+}
+
+bool TextLineStream::TakePlainRow(const PlainRowScan& scan, PlainRow& row) {
+  if (!Is8Bit() || lineDelimiter_ != '\n') return false;
+  const PlainRowEnd end = scan.Take({block_.get() + next_, end_ - next_}, row);
+  if (end.length == 0 || (end.nonAscii && encoding_ == TextEncoding::kAnsi)) return false;
+  next_ += end.length;
+  tookNonAscii_ |= end.nonAscii;
   return true;
 }
 

@@ -22,6 +22,8 @@
 
 namespace TextFile {
 
+class PlainRow;
+class PlainRowScan;
 class RecordScan;
 
 enum class TextEncoding : std::int32_t {
@@ -61,6 +63,10 @@ class TextLineStream {
   // A file without a mark that was UTF-8 to its end becomes kUtf8 there.
   bool ReadLine(UnitBuffer& line);
   bool ReadLine(std::u16string& line);
+
+  // Takes the next line, if `scan` finds a plain row in it. The row is valid until the next read.
+  // False for other lines, and nothing is then taken.
+  bool TakePlainRow(const PlainRowScan& scan, PlainRow& row);
 
   // Goes on before the next `byte` of the data (in UTF-16 files: before the next such unit). False
   // when there is none: the stream is then at its end. Skipped text does not decide the encoding.

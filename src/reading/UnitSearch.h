@@ -66,6 +66,38 @@ inline std::u16string_view TrimBlanksInSteps(const char16_t* text, std::size_t l
 #endif
 }
 
+// The same of bytes, behind which 32 more can be read.
+inline std::string_view TrimBlanksInSteps(const char* text, std::size_t length) noexcept {
+#if defined(__SSE2__)
+  constexpr std::size_t kStep = 32;
+  const __m128i blanks = _mm_set1_epi8(' ');
+  const auto areBlank = [blanks](const char* bytes) {
+    const __m128i loaded = _mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes));
+    return static_cast<std::uint32_t>(_mm_movemask_epi8(_mm_cmpeq_epi8(loaded, blanks)));
+  };
+  // A bit for each byte of a step that is no blank.
+  const auto others = [areBlank](const char* bytes) {
+    return ~(areBlank(bytes) | areBlank(bytes + kStep / 2) << kStep / 2);
+  };
+  while (length > kStep && others(text) == 0) {
+    text += kStep;
+    length -= kStep;
+  }
+  while (length > kStep && others(text + length - kStep) == 0) length -= kStep;
+  if (length <= kStep) {
+    const std::uint32_t found =
+        others(text) & static_cast<std::uint32_t>((std::uint64_t{1} << length) - 1);
+    if (found == 0) return {text + length, 0};
+    const auto begin = static_cast<std::size_t>(std::countr_zero(found));
+    return {text + begin, static_cast<std::size_t>(std::bit_width(found)) - begin};
+  }
+#endif
+  std::string_view kept(text, length);
+  while (!kept.empty() && kept.front() == ' ') kept.remove_prefix(1);
+  while (!kept.empty() && kept.back() == ' ') kept.remove_suffix(1);
+  return kept;
+}
+
 // Where the special units among kBlockUnits stand, a bit each, the first unit lowest.
 struct SpecialUnits {
   std::uint32_t delimiters;

@@ -7,6 +7,7 @@
 #include "inference/DateParsing.h"
 #include "inference/PlainDate.h"
 #include "support/ShowText.h"
+#include "support/TestText.h"
 
 namespace TextFile {
 namespace {
@@ -28,8 +29,17 @@ bool ExpectBothWaysAgree(const std::u16string& text) {
         format.version = version;
         ParsedDateTime exact;
         PlainDate date;
-        if (!HasPlainDates(format) || !ReadPlainDate(format, text, date)) continue;
+        PlainDate ofBytes;
+        if (!HasPlainDates(format)) continue;
+        const bool isPlain = ReadPlainDate(format, text, date);
+        EXPECT_EQ(ReadPlainDate(format, quenra::test::ToUtf8(text), ofBytes), isPlain)
+            << Show(text);
+        if (!isPlain) continue;
         plain = true;
+        EXPECT_EQ(ofBytes.day.year, date.day.year) << Show(text);
+        EXPECT_EQ(ofBytes.day.month, date.day.month) << Show(text);
+        EXPECT_EQ(ofBytes.day.day, date.day.day) << Show(text);
+        EXPECT_EQ(ofBytes.seconds, date.seconds) << Show(text);
         EXPECT_TRUE(ParseDateTime(format, text, exact)) << Show(text);
         const SYSTEMTIME& time = exact.time;
         EXPECT_EQ(date.day.year, time.wYear) << Show(text);

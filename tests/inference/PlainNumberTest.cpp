@@ -9,6 +9,7 @@
 #include "inference/NumberParsing.h"
 #include "inference/PlainNumberVector.h"
 #include "support/ShowText.h"
+#include "support/TestText.h"
 
 namespace TextFile {
 namespace {
@@ -27,17 +28,25 @@ std::uint64_t BitsOf(FieldType type, const NumberValue& value) {
   return bits;
 }
 
-// Whatever the processor can do gives what can be done everywhere.
+// UTF-16 and UTF-8 are read the same way, and whatever the processor can do gives what can be done
+// everywhere.
 void ExpectSamePlainNumber(char16_t decimalSymbol, const std::u16string& text) {
+  const std::string bytes = quenra::test::ToUtf8(text);
+  const std::string padded = bytes + std::string(kPlainNumberBytes, '7');
+  PlainNumber ofUnits;
+  PlainNumber ofBytes;
   PlainNumber quick;
-  PlainNumber portable;
-  const bool isPlain = ReadPlainNumber(decimalSymbol, text, portable);
-  ASSERT_EQ(QuickestPlainNumberReader()(decimalSymbol, text, quick), isPlain) << Show(text);
+  const bool isPlain = ReadPlainNumber(decimalSymbol, text, ofUnits);
+  ASSERT_EQ(ReadPlainNumber(decimalSymbol, bytes, ofBytes), isPlain) << Show(text);
+  const std::string_view view = std::string_view(padded).substr(0, bytes.size());
+  ASSERT_EQ(QuickestPlainNumberReader()(decimalSymbol, view, quick), isPlain) << Show(text);
   if (!isPlain) return;
-  ASSERT_EQ(quick.digits, portable.digits) << Show(text);
-  ASSERT_EQ(quick.decimals, portable.decimals) << Show(text);
-  ASSERT_EQ(quick.hasDecimalSymbol, portable.hasDecimalSymbol) << Show(text);
-  ASSERT_EQ(quick.negative, portable.negative) << Show(text);
+  for (const PlainNumber& number : {ofBytes, quick}) {
+    ASSERT_EQ(number.digits, ofUnits.digits) << Show(text);
+    ASSERT_EQ(number.decimals, ofUnits.decimals) << Show(text);
+    ASSERT_EQ(number.hasDecimalSymbol, ofUnits.hasDecimalSymbol) << Show(text);
+    ASSERT_EQ(number.negative, ofUnits.negative) << Show(text);
+  }
 }
 
 void ExpectBothWaysAgree(const NumberFormat::Settings& settings, const std::u16string& text) {

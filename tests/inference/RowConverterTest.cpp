@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <initializer_list>
 #include <memory>
+#include <random>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -471,6 +472,101 @@ TEST_F(RowConverterTest, AWholeFileIsConverted) {
   EXPECT_EQ(rows, (std::vector<std::string>{"I4 1, BSTR \"Ann\", DATE 43835, R8 1.5",
                                             "I4 2, NULL, DATE 43836, NULL",
                                             "I4 3, BSTR \"a, b\", NULL, R8 2"}));
+}
+
+// What values look like in files, for every type.
+std::string RandomValue(std::mt19937& random) {
+  constexpr const char* kValues[] = {"",
+                                     " ",
+                                     "1",
+                                     "-17",
+                                     "40000",
+                                     "3000000000",
+                                     "1234567890123456789",
+                                     "12.5",
+                                     "-.5",
+                                     "1e3",
+                                     "0.04250929956315441",
+                                     "$1,250.50",
+                                     "\"7\"",
+                                     "\"\"",
+                                     "\"1,5\"",
+                                     "2024-02-29",
+                                     "2023-02-29",
+                                     "2024-02-29 10:30:00",
+                                     "2024-02-29T23:59",
+                                     "29.02.2024",
+                                     "10:30",
+                                     "2024-02-29 10:30 +0100",
+                                     "text",
+                                     "  text in blanks ",
+                                     "a text that is longer than most of the texts in a table are",
+                                     "Z\xC3\xBCrich",
+                                     "\xE2\x82\xAC 5",
+                                     "\"quoted, with \"\"quotes\"\"\"",
+                                     "\xC2\xA0",
+                                     "40.5N 79.75W",
+                                     "5\" pipe"};
+  return kValues[random() % std::size(kValues)];
+}
+
+// A slot of the host as text.
+std::string TakeShown(ConverterWithSlots& converter, std::size_t field) {
+  VARIANT slot;
+  ::VariantInit(&slot);
+  converter.MoveValue(field, slot);
+  return ShowVariant(slot);
+}
+
+TEST_F(RowConverterTest, PlainRowsConvertAsTheirRecordsDo) {
+  constexpr FieldType kTypes[] = {
+      FieldType::kString,     FieldType::kSmallInteger,   FieldType::kInteger,
+      FieldType::kBigInteger, FieldType::kSingle,         FieldType::kDouble,
+      FieldType::kDate,       FieldType::kDateOnly,       FieldType::kTimeOnly,
+      FieldType::kString,     FieldType::kTimestampOffset};
+  std::mt19937 random(47);
+  for (int round = 0; round < 60; ++round) {
+    std::string bytes;
+    for (int row = 0; row < 20; ++row) {
+      for (std::size_t columns = random() % 14; columns > 0; --columns)
+        bytes += RandomValue(random) + ",";
+      bytes += "x\n";
+    }
+    folder_.Write("p.csv", bytes);
+    auto table = std::make_shared<TextDatasetDescription>();
+    table->name = u"p.csv";
+    table->path = folder_.Path(u"p.csv");
+    for (std::size_t i = 0; i < std::size(kTypes); ++i) {
+      table->fields.push_back(Field(u"f" + std::u16string(1, static_cast<char16_t>(u'a' + i)),
+                                    kTypes[random() % std::size(kTypes)]));
+      table->fields.back().dateFormat.order = DateOrder::kYearMonthDay;
+    }
+    if (round % 3 == 0) {
+      table->fields[0] = Field(u"c", FieldType::kString);
+      table->fields[1] = Virtual(u"c_X", false);
+      table->fields[2] = Virtual(u"c_Y", false);
+    }
+    ConverterWithSlots ofRows(table, &LoadTestMessage);
+    ConverterWithSlots ofRecords(table, &LoadTestMessage);
+    const std::size_t unwanted = random() % table->fields.size();
+    ofRows.SetWanted(unwanted, false);
+    ofRecords.SetWanted(unwanted, false);
+    const ReaderPtr rows = MakeReader(*table);
+    const ReaderPtr records = MakeReader(*table);
+    PlainRow row;
+    while (records->ReadRecord()) {
+      const bool plain = rows->ReadPlainRow(row);
+      if (!plain) {
+        ASSERT_TRUE(rows->ReadRecord());
+      }
+      const std::size_t count = plain ? ofRows.Convert(row) : ofRows.Convert(rows->record());
+      ASSERT_EQ(ofRecords.Convert(records->record()), count);
+      for (std::size_t i = 0; i < table->fields.size(); ++i) {
+        EXPECT_EQ(TakeShown(ofRows, i), TakeShown(ofRecords, i)) << bytes;
+        EXPECT_EQ(ofRows.MessageOf(i) != nullptr, ofRecords.MessageOf(i) != nullptr);
+      }
+    }
+  }
 }
 
 }  // namespace

@@ -1,6 +1,7 @@
 // The locale calls elsewhere than on Windows, where ICU's values are brought to Windows' forms.
 #ifndef _WIN32
 
+#include <dlfcn.h>
 #include <gtest/gtest.h>
 
 #include <cstdlib>
@@ -10,6 +11,7 @@
 
 #include "platform/CodePages.h"
 #include "platform/LocaleInfo.h"
+#include "platform/icu/IcuServices.h"
 
 namespace {
 
@@ -26,6 +28,25 @@ std::u16string NameOf(LCID lcid) {
   char16_t name[LOCALE_NAME_MAX_LENGTH];
   const int count = ::LCIDToLocaleName(lcid, name, LOCALE_NAME_MAX_LENGTH, 0);
   return count == 0 ? u"(failed)" : std::u16string(name, static_cast<std::size_t>(count) - 1);
+}
+
+DWORD NumberOf(LCID lcid, LCTYPE type) {
+  DWORD number = 0;
+  EXPECT_EQ(::GetLocaleInfoW(lcid, type | LOCALE_RETURN_NUMBER, reinterpret_cast<LPWSTR>(&number),
+                             sizeof number / sizeof(WCHAR)),
+            2);
+  return number;
+}
+
+// The library that the platform loads; it stays loaded.
+const IcuServices* IcuLibrary() {
+  // Any other locale makes the platform load it.
+  EXPECT_NE(::LocaleNameToLCID(u"de-DE", 0), 0u);
+  void* const library = ::dlopen("libquenraIcu.so", RTLD_LAZY | RTLD_NOLOAD);
+  if (library == nullptr) return nullptr;
+  const auto entry =
+      reinterpret_cast<decltype(&quenraIcuServices)>(::dlsym(library, kIcuServicesEntry));
+  return entry == nullptr ? nullptr : entry();
 }
 
 using Variables = std::map<std::string, std::string>;
@@ -112,6 +133,31 @@ TEST(LocaleInfoTest, LocalesFollowTable) {
     EXPECT_EQ(value(LOCALE_IDIGITS), u"2");
     EXPECT_EQ(value(LOCALE_ILZERO), u"1");
   }
+}
+
+// The values of en-US are known without ICU. They are no others than those that it has.
+TEST(LocaleInfoTest, DefaultLocaleIsAsInIcu) {
+  const IcuServices* const library = IcuLibrary();
+  ASSERT_NE(library, nullptr);
+  const IcuServices& icu = *library;
+  const LCID lcid = 0x0409;
+  EXPECT_EQ(icu.lcidOf("en_US"), lcid);
+  EXPECT_EQ(icu.localeFromLcid(lcid), "en_US");
+  EXPECT_EQ(icu.localeFromTag("en-US"), "en_US");
+  EXPECT_EQ(icu.withRegion("en_US"), "en_US");
+  EXPECT_EQ(icu.tagOf("en_US"), "en-US");
+  const LocaleValues values = icu.readLocale("en_US");
+  EXPECT_EQ(Value(lcid, LOCALE_SDECIMAL), values.decimal);
+  EXPECT_EQ(Value(lcid, LOCALE_STHOUSAND), values.thousand);
+  EXPECT_EQ(Value(lcid, LOCALE_SCURRENCY), values.currency);
+  EXPECT_EQ(Value(lcid, LOCALE_SSHORTDATE), values.shortDate);
+  EXPECT_EQ(Value(lcid, LOCALE_STIMEFORMAT), values.timeFormat);
+  EXPECT_EQ(Value(lcid, LOCALE_S1159), values.beforeNoon);
+  EXPECT_EQ(Value(lcid, LOCALE_S2359), values.afterNoon);
+  EXPECT_EQ(NumberOf(lcid, LOCALE_ICURRDIGITS), static_cast<DWORD>(values.currencyDigits));
+  EXPECT_EQ(NumberOf(lcid, LOCALE_IDATE), static_cast<DWORD>(values.dateOrder));
+  EXPECT_EQ(NumberOf(lcid, LOCALE_IDEFAULTANSICODEPAGE), values.ansiCodePage);
+  EXPECT_EQ(NumberOf(lcid, LOCALE_IDEFAULTCODEPAGE), values.oemCodePage);
 }
 
 TEST(LocaleInfoTest, InvariantLocaleHasFixedValues) {

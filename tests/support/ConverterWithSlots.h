@@ -37,6 +37,10 @@ class ConverterWithSlots {
     ClearSlots();
     return converter_.Convert(record);
   }
+  std::size_t Convert(const PlainRow& row) {
+    ClearSlots();
+    return converter_.Convert(row);
+  }
 
   // Moves a value of the row converted last into `slot`, whose old value is not cleared.
   void MoveValue(std::size_t field, VARIANT& slot) noexcept {

@@ -41,14 +41,18 @@ constexpr int DaysFromCivil(CivilDay day) noexcept {
 
 inline constexpr int kOleEpoch = DaysFromCivil({1899, 12, 30});
 
-// The date of a day and the milliseconds since its midnight, below kMillisecondsPerDay. Before the
-// epoch the fraction counts away from zero. False, and `date` is left alone, for a day that does
-// not exist or a year that OLE dates do not reach.
-constexpr bool OleDateOf(CivilDay day, int milliseconds, DATE& date) noexcept {
+// Whether the day exists, in a year that OLE dates reach.
+constexpr bool IsOleDay(CivilDay day) noexcept {
   if (day.year < kFirstYear || day.year > kLastYear || day.month < 1 || day.month > 12)
     return false;
   // Only days from 29 on need the calendar.
-  if (day.day < 1 || (day.day > 28 && day.day > DaysInMonth(day.year, day.month))) return false;
+  return day.day >= 1 && (day.day <= 28 || day.day <= DaysInMonth(day.year, day.month));
+}
+
+// The date of a day and the milliseconds since its midnight, below kMillisecondsPerDay. Before the
+// epoch the fraction counts away from zero. False, and `date` is left alone, for any other day.
+constexpr bool OleDateOf(CivilDay day, int milliseconds, DATE& date) noexcept {
+  if (!IsOleDay(day)) return false;
   const int oleDay = DaysFromCivil(day) - kOleEpoch;
   const double fraction = static_cast<double>(milliseconds) / kMillisecondsPerDay;
   date = oleDay < 0 ? oleDay - fraction : oleDay + fraction;

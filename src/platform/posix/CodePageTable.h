@@ -20,6 +20,9 @@ class CodePageTable {
   // Safe from any thread; the table lives until the process ends.
   static const CodePageTable* Find(UINT codePage);
 
+  // Makes the table, or null as above. Part of the library that uses ICU (see IcuServices.h).
+  static std::unique_ptr<CodePageTable> Load(UINT codePage);
+
   bool IsLead(unsigned char byte) const { return !pairs_.empty() && pairIndex_[byte] != 0; }
   char16_t Single(unsigned char byte) const { return single_[byte]; }
   // `lead` must be a lead byte.
@@ -37,7 +40,6 @@ class CodePageTable {
 
  private:
   CodePageTable() = default;
-  static std::unique_ptr<CodePageTable> Load(UINT codePage);
 
   std::array<char16_t, 256> single_{};
   std::array<std::uint8_t, 256> pairIndex_{};  // 0 for no lead byte, else 1 + row in pairs_

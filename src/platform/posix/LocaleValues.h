@@ -1,4 +1,4 @@
-// What a locale answers, brought from ICU's forms to Windows'.
+// What a locale answers, in Windows' forms.
 //
 //   const LocaleValues& values = LocaleValues::Of("de_DE");
 //   values.shortDate;  // u"dd.MM.yyyy"
@@ -25,11 +25,3 @@ struct LocaleValues {
   // Safe from any thread; the values live until the process ends.
   static const LocaleValues& Of(const std::string& locale);
 };
-
-// The forms in which Windows writes ICU's date and time patterns: a day, month and year with the
-// letters d, M and y, the year with four digits, tt for the day period, plain blanks for U+00A0,
-// U+202F and U+2009, no direction marks. Quoted text stays as it is.
-std::u16string WindowsPattern(std::u16string_view pattern);
-
-// 0, 1 or 2 (LOCALE_IDATE) by the first of month, day and year in a Windows date pattern.
-int DateOrderOf(std::u16string_view pattern);

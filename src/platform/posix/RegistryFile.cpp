@@ -1,7 +1,6 @@
 #include "platform/posix/RegistryFile.h"
 
 #include <sys/stat.h>
-#include <unicode/uchar.h>
 
 #include <algorithm>
 #include <cerrno>
@@ -11,6 +10,7 @@
 
 #include "platform/ExclusiveFile.h"
 #include "platform/FileNames.h"
+#include "platform/icu/IcuServices.h"
 #include "platform/posix/Utf8Conversion.h"
 
 namespace {
@@ -19,6 +19,10 @@ constexpr char kHeader[] =
     "; The classes of this user's data sources. Changed by the programs that register them.\n";
 
 bool IsSurrogate(char16_t unit) { return (unit & 0xF800) == 0xD800; }
+char16_t UpperCase(char16_t unit) {
+  if (unit >= 0x80) return Icu().toUpper(unit);
+  return unit >= u'a' && unit <= u'z' ? static_cast<char16_t>(unit - 0x20) : unit;
+}
 bool IsControl(char16_t unit) { return unit < 0x20 || (unit >= 0x7F && unit < 0xA0); }
 
 // Whether the surrogate at `i` has its other half behind it.
@@ -86,13 +90,20 @@ void AppendKey(std::string& bytes, const RegistryKey& key, const std::u16string&
 // Reading
 // ---------------------------------------------------------------------------------------------
 
+std::optional<unsigned> HexDigit(char16_t unit) {
+  if (unit >= u'0' && unit <= u'9') return unit - u'0';
+  if (unit >= u'A' && unit <= u'F') return unit - u'A' + 10u;
+  if (unit >= u'a' && unit <= u'f') return unit - u'a' + 10u;
+  return std::nullopt;
+}
+
 std::optional<char16_t> ReadEscape(std::u16string_view digits) {
   unsigned value = 0;
   if (digits.size() < 4) return std::nullopt;
   for (const char16_t digit : digits.substr(0, 4)) {
-    const int number = u_digit(digit, 16);
-    if (number < 0) return std::nullopt;
-    value = value * 16 + static_cast<unsigned>(number);
+    const std::optional<unsigned> number = HexDigit(digit);
+    if (!number) return std::nullopt;
+    value = value * 16 + *number;
   }
   return static_cast<char16_t>(value);
 }
@@ -217,7 +228,7 @@ LSTATUS ReadFile(const std::string& path, RegistryKey& root) {
 bool RegistryNameOrder::operator()(std::u16string_view a, std::u16string_view b) const noexcept {
   return std::lexicographical_compare(
       a.begin(), a.end(), b.begin(), b.end(),
-      [](char16_t x, char16_t y) { return u_toupper(x) < u_toupper(y); });
+      [](char16_t x, char16_t y) { return UpperCase(x) < UpperCase(y); });
 }
 
 RegistryKey* RegistryKey::Find(const std::vector<std::u16string>& path) {

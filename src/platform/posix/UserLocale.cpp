@@ -41,54 +41,74 @@ UserLocale Resolve(const Environment& environment) {
   return user;
 }
 
-struct Cache {
-  std::mutex mutex;
-  bool filled = false;
-  Environment environment;
+struct Values {
   UserLocale user;
   LCID lcid = 0;
   UINT ansi = 0;
   UINT oem = 0;
 };
 
-// Calls `read` with the cache brought up to date, under its lock.
+Environment ReadEnvironment() {
+  Environment environment;
+  for (std::size_t i = 0; i < kVariables.size(); ++i) environment[i] = Variable(i);
+  return environment;
+}
+
+Values ValuesOf(const Environment& environment) {
+  Values result;
+  result.user = Resolve(environment);
+  result.lcid = LcidOf(result.user.language);
+  const LocaleValues& values = LocaleValues::Of(result.user.language);
+  // A Windows whose user writes a language without ANSI code page runs with the western one.
+  result.ansi = values.ansiCodePage != 0 ? values.ansiCodePage : 1252;
+  result.oem = values.ansiCodePage != 0 ? values.oemCodePage : 437;
+  return result;
+}
+
+struct Cache {
+  std::mutex mutex;
+  bool filled = false;
+  Environment environment;
+  Values values;
+};
+
+// Calls `read` with the values of the environment as it is now. Nothing is locked while they are
+// made, since that may load a library.
 template <typename Read>
-auto WithCache(Read read) {
+auto WithValues(Read read) {
   static Cache& cache = *new Cache;
+  const auto isCurrent = [](const Environment& environment) {
+    for (std::size_t i = 0; i < kVariables.size(); ++i)
+      if (environment[i] != Variable(i)) return false;
+    return true;
+  };
+  {
+    const std::lock_guard<std::mutex> guard(cache.mutex);
+    if (cache.filled && isCurrent(cache.environment)) return read(cache.values);
+  }
+  Environment environment = ReadEnvironment();
+  const Values values = ValuesOf(environment);
   const std::lock_guard<std::mutex> guard(cache.mutex);
-  bool changed = !cache.filled;
-  for (std::size_t i = 0; i < kVariables.size(); ++i) {
-    const char* const value = Variable(i);
-    if (cache.environment[i] == value) continue;
-    cache.environment[i] = value;
-    changed = true;
-  }
-  if (changed) {
-    cache.user = Resolve(cache.environment);
-    cache.lcid = LcidOf(cache.user.language);
-    const LocaleValues& values = LocaleValues::Of(cache.user.language);
-    // A Windows whose user writes a language without ANSI code page runs with the western one.
-    cache.ansi = values.ansiCodePage != 0 ? values.ansiCodePage : 1252;
-    cache.oem = values.ansiCodePage != 0 ? values.oemCodePage : 437;
-    cache.filled = true;
-  }
-  return read(cache);
+  cache.environment = std::move(environment);
+  cache.values = values;
+  cache.filled = true;
+  return read(values);
 }
 
 }  // namespace
 
 UserLocale UserLocale::Current() {
-  return WithCache([](const Cache& cache) { return cache.user; });
+  return WithValues([](const Values& values) { return values.user; });
 }
 
 LCID GetUserDefaultLCID() {
-  return WithCache([](const Cache& cache) { return cache.lcid; });
+  return WithValues([](const Values& values) { return values.lcid; });
 }
 
 UINT GetACP() {
-  return WithCache([](const Cache& cache) { return cache.ansi; });
+  return WithValues([](const Values& values) { return values.ansi; });
 }
 
 UINT GetOEMCP() {
-  return WithCache([](const Cache& cache) { return cache.oem; });
+  return WithValues([](const Values& values) { return values.oem; });
 }
