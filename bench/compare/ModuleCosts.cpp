@@ -4,9 +4,10 @@
 //       wall microseconds of opening the table, and bytes read by the last opening
 //   module_costs scan TABLE
 //       CPU nanoseconds of walking all rows with all values, from opening a cursor to releasing it
-//   module_costs write TABLE NEWTABLE ROWS
+//   module_costs write TABLE NEWTABLE ROWS [--copied]
 //       CPU seconds of loading so many rows into a new table with the fields of the first one;
-//       they are its first ones (100,000 cells at most), over and over
+//       they are its first ones (100,000 cells at most), over and over; the host's row buffers lend
+//       their texts, or make a copy of each for the loader
 //   module_costs cursors TABLE COUNT
 //       peak of resident memory with so many cursors in the table at the same time
 //   module_costs run PROGRAM [ARGUMENT...]
@@ -226,23 +227,26 @@ void Scan(const Module& module, const char* path) {
   std::printf("scan_ns %.0f rows %lld columns %lld\n", seconds * 1e9, rows, columns);
 }
 
-ComPtr<quenra::HostRowBuffer> RowOf(const AllValues& values) {
+ComPtr<quenra::HostRowBuffer> RowOf(const AllValues& values, bool lent) {
   ComPtr<quenra::HostRowBuffer> row;
   Require(quenra::CreateComponentInstance(quenra::CLSID_HostRowBuffer, row.Receive()), "row");
   Require(row.As<quenra::HostRowBufferEdit>()->SetFields(values.Fields().Get()), "row");
   LONG index = 0;
   for (const quenra::HostFieldValue& slot : values.Slots())
     Require(row->SetValue(index++, &slot.value), "row");
+  Require(row.As<quenra::HostRowBufferLending>()->LendTexts(lent ? VARIANT_TRUE : VARIANT_FALSE),
+          "row");
   return row;
 }
 
-void Write(const Module& module, const char* path, const char* newPath, long long count) {
+void Write(const Module& module, const char* path, const char* newPath, long long count,
+           bool lent) {
   constexpr std::size_t kMostCells = 100000;
   const auto source = module.OpenTable(path);
   AllValues values(*source);
   std::vector<ComPtr<quenra::HostRowBuffer>> rows;
   while (rows.size() * values.Slots().size() < kMostCells && values.Read()) {
-    rows.push_back(RowOf(values));
+    rows.push_back(RowOf(values, lent));
     values.Advance();
   }
 
@@ -293,6 +297,7 @@ int Run(char** command) {
 }
 
 int Main(int argc, char** argv) {
+  constexpr std::string_view kCopied = "--copied";
   const std::string_view mode = argc > 2 ? argv[1] : "";
   if (mode == "run") return Run(argv + 2);
   const Module module;
@@ -305,8 +310,8 @@ int Main(int argc, char** argv) {
   module.LeaveOutCoordinates();
   if (mode == "scan")
     Scan(module, argv[2]);
-  else if (mode == "write" && argc == 5)
-    Write(module, argv[2], argv[3], std::atoll(argv[4]));
+  else if (mode == "write" && (argc == 5 || (argc == 6 && argv[5] == kCopied)))
+    Write(module, argv[2], argv[3], std::atoll(argv[4]), argc == 5);
   else if (mode == "cursors" && argc == 4)
     Cursors(module, argv[2], std::atoll(argv[3]));
   else

@@ -21,8 +21,11 @@ class TextFileLoader::Fetched {
 
   HRESULT From(HostRowBuffer& row) noexcept {
     LONG index = 0;
-    for (VARIANT& value : values_)
-      if (const HRESULT result = row.GetValue(index++, &value); FAILED(result)) return result;
+    for (VARIANT& value : values_) {
+      const HRESULT result = row.GetValue(index++, &value);
+      if (FAILED(result)) [[unlikely]]
+        return result;
+    }
     return S_OK;
   }
 
@@ -50,7 +53,8 @@ HRESULT STDMETHODCALLTYPE TextFileLoader::LoadRow(HostRowBuffer* row) try {
     if (const HRESULT result = fields->GetFieldCount(&count); FAILED(result)) return result;
   }
   if (count < 0) return E_INVALIDARG;
-  values_.resize(static_cast<std::size_t>(count));
+  if (values_.size() != static_cast<std::size_t>(count))
+    values_.resize(static_cast<std::size_t>(count));
   Fetched values(values_);
   if (const HRESULT result = values.From(*row); FAILED(result)) return result;
   if (!writer_->Write(values_)) return ChainTextFileError(E_FAIL, writer_->failure());

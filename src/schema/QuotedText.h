@@ -6,9 +6,10 @@
 //   }
 #pragma once
 
-#include <array>
 #include <cstddef>
 #include <string_view>
+
+#include "schema/CleanUnits.h"
 
 namespace TextFile {
 
@@ -24,25 +25,26 @@ class QuotedText {
   static constexpr std::size_t Room(std::size_t units) noexcept { return 3 * units + 2; }
 
   // What stands between values and around texts.
-  QuotedText(char delimiter, char quote) noexcept;
+  QuotedText(char delimiter, char quote) noexcept : clean_(delimiter, quote) {}
 
   // Writes `text` as UTF-8 with each quote doubled, between quotes when it holds the delimiter or a
   // line end, or when the first character that is not white space is a quote. A lone surrogate
   // becomes U+FFFD. Answers the end; null, and nothing of use is written, when a character is to be
   // dropped (a zero or a byte 1A): its neighbours may make one character then. `to` has
   // Room(text.size()).
-  char* Write(std::u16string_view text, char* to) const noexcept;
+  char* Write(std::u16string_view text, char* to) const noexcept {
+    const std::size_t clean = clean_.Write(text.data(), text.size(), to);
+    return clean == text.size() ? to + clean : Finish(text, clean, to);
+  }
+
+  // Write, where the first `done` units are clean and written, and the next one is not.
+  char* Finish(std::u16string_view text, std::size_t done, char* to) const noexcept;
+
+  char Delimiter() const noexcept { return clean_.Delimiter(); }
+  char Quote() const noexcept { return clean_.Quote(); }
 
  private:
-  using Vector = std::array<char, 16>;
-
-  bool IsClean(char16_t unit) const noexcept;
-  std::size_t WriteClean(const char16_t* text, std::size_t size, char* to) const noexcept;
-  char* WriteRest(std::u16string_view text, std::size_t done, char* to) const noexcept;
-
-  // The same character in each place, to be compared with sixteen at once.
-  Vector delimiters_;
-  Vector quotes_;
+  CleanUnits clean_;
 };
 
 }  // namespace TextFile

@@ -26,9 +26,6 @@ namespace {
 
 namespace fs = boost::filesystem;
 
-// Rows are handed to the system in pieces of about this many bytes.
-constexpr std::size_t kBufferBytes = 64 * 1024;
-
 #ifdef _WIN32
 constexpr std::string_view kLineEnd = "\r\n";
 #else
@@ -159,7 +156,17 @@ RowWriter::RowWriter(const TextDatasetDescription& table)
     column.room = column.way == Way::kDate ? column.pattern.Room() : kFixedRoom;
     column.room += separator_.size() + 1;
     column.separatorSize = columns_.empty() || options_.fixedLength ? 0 : delimiter_.size();
+    column.texts = 0;
+    column.place = columns_.size();
+    textColumns_.push_back({column.width, column.separatorSize});
     columns_.push_back(std::move(column));
+    fieldCount_ = i + 1;
+  }
+  for (std::size_t i = columns_.size(); i-- > 0;) {
+    Column& column = columns_[i];
+    const Column* const next = i + 1 < columns_.size() ? &columns_[i + 1] : nullptr;
+    const bool goesOn = next != nullptr && next->field == column.field + 1;
+    column.texts = column.way == Way::kText ? 1 + (goesOn ? next->texts : 0) : 0;
   }
   delimiter_.copy(separator_.data(), separator_.size());
   singleColumn_ = columns_.size() == 1;
@@ -269,34 +276,14 @@ void RowWriter::EndLastLine() {
   if (size < before) fs::resize_file(native, static_cast<std::uintmax_t>(size), ignored);
 }
 
-// A usual value of a usual table and the separator before it, with what AppendGenerally would
-// append. False, and nothing is appended, for any other.
-inline bool RowWriter::AppendStraight(const Column& column, const VARIANT& value) {
-  if (column.way == Way::kGeneral) return false;
-  const bool isNull = IsNull(value);
-  // A host that spares itself the copy lends its text.
-  const bool isLent =
-      column.way == Way::kText && value.vt == (VT_BSTR | VT_BYREF) && value.pbstrVal != nullptr;
-  if (!isNull && !isLent && value.vt != column.wanted) return false;
-  std::u16string_view text;
-  if (column.way == Way::kText && !isNull) {
-    text = ViewOf(isLent ? *value.pbstrVal : value.bstrVal);
-    if (text.size() > column.width) text = CutText(text, column.width);
-  }
-  char* const place = buffer_.Room(column.room + QuotedText::Room(text.size()));
-  std::memcpy(place, separator_.data(), separator_.size());
-  char* const start = place + column.separatorSize;
-  char* end = isNull ? start : WriteStraight(column, value, text, start);
-  if (end == nullptr) return false;
-  // A blank line would be no row.
-  if (end == start && singleColumn_) *end++ = ' ';
-  buffer_.EndAt(end);
-  return true;
+// Answers where the value begins.
+inline char* RowWriter::WriteSeparator(const Column& column, char* to) const {
+  std::memcpy(to, separator_.data(), separator_.size());
+  return to + column.separatorSize;
 }
 
-// The end of what has been written to `to`; null when the value is not a usual one.
-inline char* RowWriter::WriteStraight(const Column& column, const VARIANT& value,
-                                      std::u16string_view text, char* to) const {
+// The end of a value that takes no more than its column's room; null when it is not a usual one.
+inline char* RowWriter::WriteSized(const Column& column, const VARIANT& value, char* to) const {
   SYSTEMTIME time;
   switch (column.way) {
     case Way::kInteger:
@@ -307,53 +294,127 @@ inline char* RowWriter::WriteStraight(const Column& column, const VARIANT& value
     case Way::kDate:
       return quenra::DatetimeHelper::FromOADate(value.date, time) ? column.pattern.Write(time, to)
                                                                   : nullptr;
-    case Way::kText:
-      return texts_.Write(text, to);
     default:
       return nullptr;
   }
 }
 
+// Writes a usual value of a usual table and the separator before it to `to`, the end of what is in
+// the buffer: what AppendGenerally would append. False, and `to` is the same end, for any other.
+// The column is none of texts.
+inline bool RowWriter::WriteStraight(const Column& column, const VARIANT& value, char*& to) {
+  if (column.way == Way::kGeneral) return false;
+  const bool isNull = IsNull(value);
+  if (!isNull && value.vt != column.wanted) return false;
+  to = buffer_.RoomAt(to, column.room);
+  char* const start = WriteSeparator(column, to);
+  char* end = isNull ? start : WriteSized(column, value, start);
+  if (end == nullptr) return false;
+  // A blank line would be no row.
+  if (end == start && singleColumn_) *end++ = ' ';
+  to = end;
+  return true;
+}
+
+// WriteStraight for the texts that stand one behind the other from a column on. Answers how many of
+// them it has written.
+inline std::size_t RowWriter::WriteTexts(const Column& first, const VARIANT* row, char*& to) {
+  const std::span<const TextColumn> columns(textColumns_.data() + first.place, first.texts);
+  const VARIANT* const values = row + first.field;
+  TextRun run{to, buffer_.Limit(), 0};
+  std::size_t done = writeTexts_(texts_, columns, values, run);
+  while (run.room != 0) {
+    run.to = buffer_.RoomAt(run.to, run.room);
+    run.limit = buffer_.Limit();
+    if (done == 0) to = run.to;
+    done += writeTexts_(texts_, columns.subspan(done), values + done, run);
+  }
+  // A blank line would be no row.
+  if (singleColumn_ && done != 0 && run.to == to) *run.to++ = ' ';
+  to = run.to;
+  return done;
+}
+
 bool RowWriter::Write(std::span<const VARIANT> values) {
-  static const VARIANT kMissing{};
+  if (values.size() < fieldCount_) {
+    std::vector<VARIANT> all(values.begin(), values.end());
+    all.resize(fieldCount_);
+    return Write(all);
+  }
+  const VARIANT* const row = values.data();
   const std::size_t start = buffer_.size();
   try {
-    for (const Column& column : columns_) {
-      const VARIANT& value = column.field < values.size() ? values[column.field] : kMissing;
-      if (!AppendStraight(column, value)) AppendGenerally(column, value);
+    char* to = buffer_.Room(0);
+    const Column* const end = columns_.data() + columns_.size();
+    for (const Column* column = columns_.data(); column != end; ++column) {
+      if (column->texts != 0) {
+        const std::size_t done = WriteTexts(*column, row, to);
+        const bool all = done == column->texts;
+        column += all ? done - 1 : done;
+        if (all) continue;
+      } else if (WriteStraight(*column, row[column->field], to)) {
+        continue;
+      }
+      buffer_.EndAt(to);
+      AppendGenerally(*column, row[column->field]);
+      to = buffer_.Room(0);
     }
-    buffer_.Append(lineEnd_);
+    // Both of its bytes, or the one and the text's own zero.
+    to = buffer_.RoomAt(to, 2);
+    std::memcpy(to, lineEnd_.c_str(), 2);
+    buffer_.EndAt(to + lineEnd_.size());
   } catch (...) {
     buffer_.CutTo(start);
     throw;
   }
-  return buffer_.size() < kBufferBytes || Flush();
+  const std::size_t marked = markCount_ == 0 ? 0 : marks_[markCount_ - 1];
+  if (buffer_.size() - marked < kPieceBytes) return true;
+  if (buffer_.size() >= kBufferBytes) return Flush();
+  marks_[markCount_++] = buffer_.size();
+  return true;
 }
 
 bool RowWriter::Flush() {
-  if (buffer_.size() == 0) return true;
+  const std::string_view rows = buffer_.View();
+  if (rows.empty()) return true;
+  Written written = WriteRows(rows);
+  const std::size_t marks = markCount_;
+  // The bytes stay where they are until more are added.
+  buffer_.CutTo(0);
+  markCount_ = 0;
+  // What there is still room for is written all the same.
+  if (written == Written::kTakenBack && marks != 0) {
+    written = Written::kWhole;
+    std::size_t begin = 0;
+    for (std::size_t i = 0; i <= marks && written == Written::kWhole; ++i) {
+      const std::size_t end = i < marks ? marks_[i] : rows.size();
+      written = WriteRows(rows.substr(begin, end - begin));
+      begin = end;
+    }
+  }
+  return written == Written::kWhole || Fail(u"the rows could not be written");
+}
+
+RowWriter::Written RowWriter::WriteRows(std::string_view rows) {
   const fs::path native(NativeFromFileName(path_));
   boost::system::error_code error;
   const std::uintmax_t before = fs::file_size(native, error);
   std::string encoded;
   if (encoding_ == Encoding::kUtf16LE) {
     UnitBuffer text;
-    DecodeUtf8(buffer_.View(), text);
+    DecodeUtf8(rows, text);
     for (const char16_t unit : text.View()) {
       encoded += static_cast<char>(unit & 0xFF);
       encoded += static_cast<char>(unit >> 8);
     }
   }
-  const std::string_view bytes = encoding_ == Encoding::kUtf16LE ? encoded : buffer_.View();
+  const std::string_view bytes = encoding_ == Encoding::kUtf16LE ? encoded : rows;
   const auto size = static_cast<std::streamsize>(bytes.size());
-  const bool written = file_.sputn(bytes.data(), size) == size && file_.pubsync() == 0;
-  buffer_.CutTo(0);
-  if (written) return true;
+  if (file_.sputn(bytes.data(), size) == size && file_.pubsync() == 0) return Written::kWhole;
   // Part of a row may have reached the file.
   file_.close();
   if (!error) fs::resize_file(native, before, error);
-  Append();
-  return Fail(u"the rows could not be written");
+  return Append() && !error ? Written::kTakenBack : Written::kPartly;
 }
 
 bool RowWriter::Close() {

@@ -21,6 +21,7 @@
 #include "reading/TextDatasetDescription.h"
 #include "schema/ByteBuffer.h"
 #include "schema/QuotedText.h"
+#include "schema/TextColumns.h"
 
 namespace TextFile {
 
@@ -66,19 +67,32 @@ class RowWriter {
     int digits;                 // kReal
     std::size_t room;           // bytes of a value and what stands around it; not of a text
     std::size_t separatorSize;  // of what stands before the value
+    std::size_t place;          // among the columns
+    std::size_t texts;          // how many of kText begin here, with neighbouring places in a row
   };
 
   enum class Encoding : std::uint8_t { kUtf8, kUtf16LE };
 
+  // What has become of rows that were handed to the system; the last one leaves some of them in the
+  // file, or a file that takes no more.
+  enum class Written : std::uint8_t { kWhole, kTakenBack, kPartly };
+
+  // Rows are handed to the system when there are about this many bytes of them, in one piece. When
+  // it does not take all of them, smaller pieces of whole rows are tried.
+  static constexpr std::size_t kBufferBytes = std::size_t{256} * 1024;
+  static constexpr std::size_t kPieceBytes = std::size_t{64} * 1024;
+
   bool Fail(std::u16string_view reason);
   bool Flush();
+  Written WriteRows(std::string_view rows);
   bool FindEncoding();
   bool Append();  // opens the file for writing behind its end
   void EndLastLine();
   Way WayOf(const Column& column) const;
-  bool AppendStraight(const Column& column, const VARIANT& value);
-  char* WriteStraight(const Column& column, const VARIANT& value, std::u16string_view text,
-                      char* to) const;
+  bool WriteStraight(const Column& column, const VARIANT& value, char*& to);
+  std::size_t WriteTexts(const Column& first, const VARIANT* row, char*& to);
+  char* WriteSeparator(const Column& column, char* to) const;
+  char* WriteSized(const Column& column, const VARIANT& value, char* to) const;
   void AppendGenerally(const Column& column, const VARIANT& value);
   bool FormatValue(const Column& column, const VARIANT& value);
   bool FormatNumber(const Column& column, const VARIANT& value);
@@ -95,16 +109,21 @@ class RowWriter {
   const std::u16string tableName_;
   const SchemaOptions options_;
   std::vector<Column> columns_;
+  std::size_t fieldCount_ = 0;  // up to the last one that is a column
   bool singleColumn_ = false;
-  std::string delimiter_;            // UTF-8
-  std::string textDelimiter_;        // UTF-8; empty: no quoting
-  QuotedText texts_;                 // kText
+  std::string delimiter_;      // UTF-8
+  std::string textDelimiter_;  // UTF-8; empty: no quoting
+  QuotedText texts_;           // kText
+  WriteTextColumns writeTexts_ = ChooseTextColumns();
+  std::vector<TextColumn> textColumns_;  // as many as columns_, those of kText set
   std::array<char, 4> separator_{};  // the delimiter once more, of a size that is copied at once
   std::string lineEnd_;
 
   std::filebuf file_;
   Encoding encoding_ = Encoding::kUtf8;
-  ByteBuffer buffer_;          // whole rows that are not in the file yet, as UTF-8
+  ByteBuffer buffer_;  // whole rows that are not in the file yet, as UTF-8
+  std::array<std::size_t, kBufferBytes / kPieceBytes> marks_;  // ends of rows in it, for pieces
+  std::size_t markCount_ = 0;
   std::string value_;          // the value that is being formatted
   bool leadingQuote_ = false;  // its first character that is not white space is a text delimiter
   std::u16string failure_;

@@ -96,6 +96,24 @@ TEST_F(LoaderTest, ARowOfNoFieldsIsARowOfNulls) {
   EXPECT_THAT(Rows(table), ElementsAre("NULL|NULL"));
 }
 
+TEST_F(LoaderTest, LentTextsStayTheBuffers) {
+  const auto table = Create(u"t.csv", MakeFields({{u"Id", 1}, {u"Name", 4}}));
+  const auto fields = FieldsOf(table);
+  std::vector<Variant> values;
+  values.emplace_back(LONG{1});
+  values.emplace_back(u"a, \"b\" and c\u00E9");
+  const auto row = MakeRow(fields, values);
+  EXPECT_EQ(row.As<HostRowBufferLending>()->LendTexts(VARIANT_TRUE), S_OK);
+  auto loader = Loader(table);
+  EXPECT_EQ(loader->LoadRow(row.Get()), S_OK);
+  EXPECT_EQ(loader->LoadRow(row.Get()), S_OK);
+  EXPECT_EQ(row->SetValue(1, Variant(u"another").Address()), S_OK);
+  EXPECT_EQ(loader->LoadRow(row.Get()), S_OK);
+  loader.Reset();
+  EXPECT_THAT(Rows(table), ElementsAre("I4:1|BSTR:a, \"b\" and c\xC3\xA9",
+                                       "I4:1|BSTR:a, \"b\" and c\xC3\xA9", "I4:1|BSTR:another"));
+}
+
 TEST_F(LoaderTest, BadArgumentsAreRefused) {
   const auto table = Create(u"t.csv", MakeFields({{u"Id", 1}}));
   EXPECT_EQ(table.As<IPlugInDatasetLoad>()->CreateLoader(nullptr, nullptr), E_POINTER);

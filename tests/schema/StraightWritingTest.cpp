@@ -219,6 +219,39 @@ TEST_F(StraightWritingTest, RandomRowsOfRandomTablesLookTheSameBothWays) {
   }
 }
 
+// Each text alone is wider than what is usually kept for rows.
+TEST_F(StraightWritingTest, TextsOfAnySizeLookTheSameBothWays) {
+  TextDatasetDescription table;
+  table.name = u"t.csv";
+  table.path = folder_.Path() + u"/t.csv";
+  for (int i = 0; i < 4; ++i) {
+    FieldDefinition field;
+    field.name = u"F";
+    field.type = i == 2 ? FieldType::kInteger : FieldType::kString;
+    field.width = 1'000'000;
+    table.fields.push_back(std::move(field));
+  }
+  std::vector<std::vector<Variant>> kept(12);
+  std::vector<std::vector<VARIANT>> values(kept.size());
+  std::vector<std::vector<VARIANT>> references(kept.size());
+  for (std::size_t row = 0; row < kept.size(); ++row) {
+    for (const FieldDefinition& field : table.fields) {
+      std::u16string text(random_() % (Sometimes(3) ? 400'000 : 30), u'x');
+      if (Sometimes(2)) text += RandomText();
+      kept[row].push_back(field.type == FieldType::kString ? Variant(text) : Variant(LONG{-12}));
+    }
+    for (const Variant& value : kept[row]) values[row].push_back(value.Get());
+    for (VARIANT& value : values[row]) references[row].push_back(ReferenceTo(value));
+  }
+  EXPECT_EQ(Written(table, values), Written(table, references));
+  // Values that are missing are null, also where the row is handed over without them.
+  for (std::vector<VARIANT>& row : values) row.resize(random_() % 4);
+  for (std::vector<VARIANT>& row : references) row.resize(4);
+  for (std::size_t row = 0; row < kept.size(); ++row)
+    for (std::size_t i = values[row].size(); i < 4; ++i) references[row][i] = VARIANT{};
+  EXPECT_EQ(Written(table, values), Written(table, references));
+}
+
 // What is written of a text, or "-" when it is left to the general way.
 std::string Quoted(std::u16string_view text) {
   std::string bytes(QuotedText::Room(text.size()), '?');

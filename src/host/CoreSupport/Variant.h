@@ -13,14 +13,48 @@
 
 namespace quenra {
 
+// Whether a variant is its own copy, and needs no clearing: a number, a date, what another variant
+// lends. False for some more that would be.
+inline bool IsPlain(const VARIANT& value) noexcept {
+  if ((value.vt & VT_BYREF) != 0) [[likely]]
+    return true;
+  return value.vt < VT_BSTR || value.vt == VT_I8;
+}
+
 // VariantClear, without its judging of the type for what rows are made of. The variant is a valid
 // one.
 inline void ClearVariant(VARIANT& value) noexcept {
-  if (value.vt == VT_BSTR)
-    ::SysFreeString(value.bstrVal);
-  else if (value.vt > VT_BSTR && value.vt != VT_I8)
-    ::VariantClear(&value);
+  if (!IsPlain(value)) {
+    if (value.vt == VT_BSTR)
+      ::SysFreeString(value.bstrVal);
+    else
+      ::VariantClear(&value);
+  }
   value.vt = VT_EMPTY;
+}
+
+// CopyVariant of any value.
+[[gnu::noinline]] inline HRESULT CopyWholeVariant(const VARIANT& source, VARIANT& target) noexcept {
+  target = VARIANT{};
+  if (source.vt == VT_BSTR && source.bstrVal != nullptr) {
+    target.bstrVal = ::SysAllocStringByteLen(reinterpret_cast<LPCSTR>(source.bstrVal),
+                                             ::SysStringByteLen(source.bstrVal));
+    if (target.bstrVal == nullptr) return E_OUTOFMEMORY;
+    target.vt = VT_BSTR;
+    return S_OK;
+  }
+  // The call's parameter is not const, though it reads alone.
+  VARIANT shallow = source;
+  return ::VariantCopy(&target, &shallow);
+}
+
+// Puts a copy of `source`, a valid variant, into `target`, whatever that held: VariantCopy to an
+// empty variant, without its judging of the type for what rows are made of. After a failure
+// `target` is VT_EMPTY.
+inline HRESULT CopyVariant(const VARIANT& source, VARIANT& target) noexcept {
+  if (!IsPlain(source)) return CopyWholeVariant(source, target);
+  target = source;
+  return S_OK;
 }
 
 class Variant {
@@ -88,9 +122,16 @@ class Variant {
   // failure it is VT_EMPTY.
   HRESULT CopyTo(VARIANT* result) const noexcept {
     if (result == nullptr) return E_POINTER;
-    ::VariantInit(result);
-    VARIANT shallow = value_;
-    return ::VariantCopy(result, &shallow);
+    return CopyVariant(value_, *result);
+  }
+
+  // Makes `result`, whatever that held, the text of a VT_BSTR as VT_BSTR | VT_BYREF, which owns
+  // nothing; valid until the next change.
+  void LendTextTo(VARIANT& result) const noexcept {
+    result.vt = VT_BSTR | VT_BYREF;
+    result.wReserved1 = result.wReserved2 = result.wReserved3 = 0;
+    // Whoever it is lent to only reads it.
+    result.pbstrVal = const_cast<BSTR*>(&value_.bstrVal);
   }
 
   // The value as another type, by OLE's conversion rules; this becomes VT_EMPTY after a failure.

@@ -3,6 +3,7 @@
 #include "host/com/ClassIDImpl.h"
 #include "host/com/ErrorInfoImpl.h"
 #include "host/com/LiveObjects.h"
+#include "platform/SingleThread.h"
 
 namespace quenra {
 namespace {
@@ -10,6 +11,23 @@ namespace {
 // References of an object that is being destroyed. What it holds may take and drop a reference to
 // it on its way out (an aggregated object does); the count must not reach zero a second time.
 constexpr ULONG kDestroying = 0x40000000;
+
+// Both answer the new count. While there is one thread, the bus need not be locked, which takes
+// longer than all else that a call does.
+
+ULONG Increment(std::atomic<ULONG>& count) noexcept {
+  if (!IsOnlyThread()) return count.fetch_add(1, std::memory_order_relaxed) + 1;
+  const ULONG now = count.load(std::memory_order_relaxed) + 1;
+  count.store(now, std::memory_order_relaxed);
+  return now;
+}
+
+ULONG Decrement(std::atomic<ULONG>& count) noexcept {
+  if (!IsOnlyThread()) return count.fetch_sub(1, std::memory_order_acq_rel) - 1;
+  const ULONG now = count.load(std::memory_order_relaxed) - 1;
+  count.store(now, std::memory_order_relaxed);
+  return now;
+}
 
 }  // namespace
 
@@ -50,12 +68,10 @@ HRESULT Unknown::OwnQueryInterface(REFIID iid, void** result) noexcept {
   return QueryOther(iid, result);
 }
 
-ULONG Unknown::OwnAddRef() noexcept {
-  return references_.fetch_add(1, std::memory_order_relaxed) + 1;
-}
+ULONG Unknown::OwnAddRef() noexcept { return Increment(references_); }
 
 ULONG Unknown::OwnRelease() noexcept {
-  const ULONG left = references_.fetch_sub(1, std::memory_order_acq_rel) - 1;
+  const ULONG left = Decrement(references_);
   if (left == 0) {
     references_.store(kDestroying, std::memory_order_relaxed);
     delete this;

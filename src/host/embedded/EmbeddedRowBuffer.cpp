@@ -16,18 +16,21 @@ HRESULT STDMETHODCALLTYPE EmbeddedRowBuffer::GetFields(HostFieldCollection** fie
 
 HRESULT STDMETHODCALLTYPE EmbeddedRowBuffer::GetValue(LONG index, VARIANT* value) {
   if (value == nullptr) return E_POINTER;
-  ::VariantInit(value);
-  const auto place = static_cast<std::size_t>(index);
-  if (index < 0 || place >= values_.size()) return E_INVALIDARG;
-  return values_[place].CopyTo(value);
+  if (!HasField(index)) {
+    ::VariantInit(value);
+    return E_INVALIDARG;
+  }
+  const Variant& held = values_[static_cast<std::size_t>(index)];
+  if (!lendsTexts_ || held.Type() != VT_BSTR) return CopyVariant(held.Get(), *value);
+  held.LendTextTo(*value);
+  return S_OK;
 }
 
 HRESULT STDMETHODCALLTYPE EmbeddedRowBuffer::SetValue(LONG index, const VARIANT* value) {
-  const auto place = static_cast<std::size_t>(index);
-  if (value == nullptr || index < 0 || place >= values_.size()) return E_INVALIDARG;
+  if (value == nullptr || !HasField(index)) return E_INVALIDARG;
   Variant copy;
   const HRESULT result = copy.CopyFrom(*value);
-  if (SUCCEEDED(result)) values_[place] = std::move(copy);
+  if (SUCCEEDED(result)) values_[static_cast<std::size_t>(index)] = std::move(copy);
   return result;
 }
 
@@ -37,13 +40,19 @@ HRESULT STDMETHODCALLTYPE EmbeddedRowBuffer::SetFields(HostFieldCollection* fiel
   const HRESULT result = fields->GetFieldCount(&count);
   if (FAILED(result)) return result;
   try {
-    std::vector<Variant> values(static_cast<std::size_t>(count < 0 ? 0 : count));
-    values_.swap(values);
+    const auto places = static_cast<ULONG>(count < 0 ? 0 : count);
+    values_ = std::make_unique<Variant[]>(places);
+    count_ = places;
     fields_ = ComPtr<HostFieldCollection>(fields);
     return S_OK;
   } catch (...) {
     return HResultFromCurrentException();
   }
+}
+
+HRESULT STDMETHODCALLTYPE EmbeddedRowBuffer::LendTexts(VARIANT_BOOL lend) {
+  lendsTexts_ = lend != VARIANT_FALSE;
+  return S_OK;
 }
 
 }  // namespace quenra

@@ -1,7 +1,8 @@
-// The embedded host's row buffer. Without fields until they are set.
+// The embedded host's row buffer. Without fields until they are set; copies its texts until it is
+// told to lend them.
 #pragma once
 
-#include <vector>
+#include <memory>
 
 #include "host/CoreSupport/Variant.h"
 #include "host/com/ComPtr.h"
@@ -11,7 +12,8 @@
 
 namespace quenra {
 
-class EmbeddedRowBuffer final : public Implements<HostRowBuffer, HostRowBufferEdit> {
+class EmbeddedRowBuffer final
+    : public Implements<HostRowBuffer, HostRowBufferEdit, HostRowBufferLending> {
  public:
   std::u16string_view ClassName() const noexcept override { return u"EmbeddedRowBuffer"; }
   const CLSID* ClassId() const noexcept override { return &CLSID_HostRowBuffer; }
@@ -27,9 +29,17 @@ class EmbeddedRowBuffer final : public Implements<HostRowBuffer, HostRowBufferEd
   // HostRowBufferEdit. E_INVALIDARG for a null collection; nothing changes after a failure.
   HRESULT STDMETHODCALLTYPE SetFields(HostFieldCollection* fields) override;
 
+  // HostRowBufferLending
+  HRESULT STDMETHODCALLTYPE LendTexts(VARIANT_BOOL lend) override;
+
  private:
+  // A negative index is too large as well.
+  bool HasField(LONG index) const noexcept { return static_cast<ULONG>(index) < count_; }
+
   ComPtr<HostFieldCollection> fields_;
-  std::vector<Variant> values_;
+  std::unique_ptr<Variant[]> values_;
+  ULONG count_ = 0;
+  bool lendsTexts_ = false;
 };
 
 }  // namespace quenra

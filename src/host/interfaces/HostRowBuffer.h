@@ -6,12 +6,14 @@
 
 namespace quenra {
 
-// One value a field, in the order of the fields; indexes from 0. Values are copied in and out.
+// One value a field, in the order of the fields; indexes from 0. Values are copied in and out,
+// unless the buffer lends its texts.
 struct HostRowBuffer : public IUnknown {
   // The caller releases the collection; it has no field before SetFields.
   virtual HRESULT STDMETHODCALLTYPE GetFields(HostFieldCollection** fields) = 0;
   // E_INVALIDARG and VT_EMPTY when `index` is outside the fields; the caller clears `value`, whose
-  // former contents are not looked at.
+  // former contents are not looked at. A lent text is VT_BSTR | VT_BYREF, and there until the
+  // buffer's values are set anew; clearing it leaves it to the buffer.
   virtual HRESULT STDMETHODCALLTYPE GetValue(LONG index, VARIANT* value) = 0;
   virtual HRESULT STDMETHODCALLTYPE SetValue(LONG index, const VARIANT* value) = 0;
 };
@@ -31,5 +33,16 @@ inline constexpr IID IID_HostRowBufferEdit = {
     0xb0b38ccf, 0x72f9, 0x4930, {0x98, 0x39, 0x39, 0x5c, 0x94, 0x5e, 0x45, 0x3d}};
 template <>
 inline constexpr const IID& kInterfaceId<HostRowBufferEdit> = IID_HostRowBufferEdit;
+
+// Sparing the copies of texts that the caller only looks at, as a loader does.
+struct HostRowBufferLending : public IUnknown {
+  // Whether GetValue lends texts from now on. A buffer begins by copying them.
+  virtual HRESULT STDMETHODCALLTYPE LendTexts(VARIANT_BOOL lend) = 0;
+};
+
+inline constexpr IID IID_HostRowBufferLending = {
+    0x5b8d1f46, 0x93c2, 0x4e07, {0x8a, 0x6e, 0x2d, 0x41, 0xf7, 0x0c, 0xb9, 0x58}};
+template <>
+inline constexpr const IID& kInterfaceId<HostRowBufferLending> = IID_HostRowBufferLending;
 
 }  // namespace quenra

@@ -120,6 +120,34 @@ TEST_F(EmbeddedRowBufferTest, ValuesAreCopied) {
   EXPECT_EQ(References(object.Get()), 1u);
 }
 
+TEST_F(EmbeddedRowBufferTest, LendsItsTextsWhenToldTo) {
+  const auto row = Make<HostRowBuffer>(CLSID_HostRowBuffer);
+  ASSERT_EQ(row.As<HostRowBufferEdit>()->SetFields(MakeFields(3).Get()), S_OK);
+  EXPECT_EQ(row->SetValue(0, Variant(u"text").Address()), S_OK);
+  EXPECT_EQ(row->SetValue(1, Variant(7.5).Address()), S_OK);
+  const auto lending = row.As<HostRowBufferLending>();
+  EXPECT_EQ(lending->LendTexts(VARIANT_TRUE), S_OK);
+  VARIANT first;
+  VARIANT again;
+  EXPECT_EQ(row->GetValue(0, &first), S_OK);
+  EXPECT_EQ(row->GetValue(0, &again), S_OK);
+  ASSERT_EQ(first.vt, VT_BSTR | VT_BYREF);
+  EXPECT_EQ(ViewOf(*first.pbstrVal), u"text");
+  EXPECT_EQ(*again.pbstrVal, *first.pbstrVal) << "the buffer's own text";
+  EXPECT_EQ(::VariantClear(&first), S_OK);
+  EXPECT_EQ(ViewOf(*again.pbstrVal), u"text") << "it stays the buffer's";
+  Variant value;
+  EXPECT_EQ(row->GetValue(1, value.Receive()), S_OK);
+  EXPECT_EQ(value.Type(), VT_R8) << "other values are copied";
+  EXPECT_EQ(row->GetValue(2, value.Receive()), S_OK);
+  EXPECT_EQ(value.Type(), VT_EMPTY);
+
+  EXPECT_EQ(lending->LendTexts(VARIANT_FALSE), S_OK);
+  EXPECT_EQ(row->GetValue(0, value.Receive()), S_OK);
+  EXPECT_EQ(value.Type(), VT_BSTR);
+  EXPECT_EQ(value.Text(), u"text");
+}
+
 TEST_F(EmbeddedRowBufferTest, RefusesBadArguments) {
   const auto row = Make<HostRowBuffer>(CLSID_HostRowBuffer);
   ASSERT_EQ(row.As<HostRowBufferEdit>()->SetFields(MakeFields(1).Get()), S_OK);
