@@ -24,12 +24,10 @@ inline bool IsPlain(const VARIANT& value) noexcept {
 // VariantClear, without its judging of the type for what rows are made of. The variant is a valid
 // one.
 inline void ClearVariant(VARIANT& value) noexcept {
-  if (!IsPlain(value)) {
-    if (value.vt == VT_BSTR)
-      ::SysFreeString(value.bstrVal);
-    else
-      ::VariantClear(&value);
-  }
+  if (value.vt == VT_BSTR)
+    ::SysFreeString(value.bstrVal);
+  else if (!IsPlain(value))
+    ::VariantClear(&value);
   value.vt = VT_EMPTY;
 }
 
