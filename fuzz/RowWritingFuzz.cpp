@@ -98,7 +98,10 @@ Variant ValueOf(std::string_view line) {
 
 VARIANT Lent(const Variant& value) {
   VARIANT lent = value.Get();
-  if (value.Type() == VT_BSTR) value.LendTextTo(lent);
+  if (value.Type() == VT_BSTR) {
+    lent.vt = VT_BSTR | VT_BYREF;
+    lent.pbstrVal = const_cast<BSTR*>(&value.Get().bstrVal);
+  }
   return lent;
 }
 

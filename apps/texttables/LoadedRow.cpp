@@ -50,9 +50,6 @@ LoadedRow::LoadedRow(quenra::HostFieldCollection& collection, const std::vector<
         u"row buffer");
   const auto edit = buffer_.As<quenra::HostRowBufferEdit>();
   Check(edit ? edit->SetFields(&collection) : E_NOINTERFACE, u"row buffer");
-  // A row is loaded before the next one is read.
-  if (const auto lending = buffer_.As<quenra::HostRowBufferLending>())
-    lending->LendTexts(VARIANT_TRUE);
   for (std::size_t i = 0; i < fields_.size(); ++i) {
     if (!IsVirtualCoordinate(fields_[i])) columns_.push_back(i);
     exact_.emplace(fields_[i].name, i);

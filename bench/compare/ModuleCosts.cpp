@@ -35,6 +35,7 @@
 #include "host/CoreSupport/QUENRALocale.h"
 #include "host/CoreSupport/Variant.h"
 #include "host/com/ComPtr.h"
+#include "host/com/Implements.h"
 #include "host/interfaces/DataSourceClasses.h"
 #include "host/interfaces/HostClasses.h"
 #include "host/interfaces/PlugInWorkspaceFactory.h"
@@ -227,6 +228,26 @@ void Scan(const Module& module, const char* path) {
   std::printf("scan_ns %.0f rows %lld columns %lld\n", seconds * 1e9, rows, columns);
 }
 
+// A row buffer that hands out copies alone.
+class CopyingRow final : public quenra::Implements<quenra::HostRowBuffer> {
+ public:
+  explicit CopyingRow(ComPtr<quenra::HostRowBuffer> row) : row_(std::move(row)) {}
+
+  std::u16string_view ClassName() const noexcept override { return u"CopyingRow"; }
+  HRESULT STDMETHODCALLTYPE GetFields(quenra::HostFieldCollection** fields) override {
+    return row_->GetFields(fields);
+  }
+  HRESULT STDMETHODCALLTYPE GetValue(LONG index, VARIANT* value) override {
+    return row_->GetValue(index, value);
+  }
+  HRESULT STDMETHODCALLTYPE SetValue(LONG index, const VARIANT* value) override {
+    return row_->SetValue(index, value);
+  }
+
+ private:
+  const ComPtr<quenra::HostRowBuffer> row_;
+};
+
 ComPtr<quenra::HostRowBuffer> RowOf(const AllValues& values, bool lent) {
   ComPtr<quenra::HostRowBuffer> row;
   Require(quenra::CreateComponentInstance(quenra::CLSID_HostRowBuffer, row.Receive()), "row");
@@ -234,9 +255,8 @@ ComPtr<quenra::HostRowBuffer> RowOf(const AllValues& values, bool lent) {
   LONG index = 0;
   for (const quenra::HostFieldValue& slot : values.Slots())
     Require(row->SetValue(index++, &slot.value), "row");
-  Require(row.As<quenra::HostRowBufferLending>()->LendTexts(lent ? VARIANT_TRUE : VARIANT_FALSE),
-          "row");
-  return row;
+  if (lent) return row;
+  return quenra::MakeObject<CopyingRow>(row).As<quenra::HostRowBuffer>();
 }
 
 void Write(const Module& module, const char* path, const char* newPath, long long count,

@@ -46,8 +46,20 @@ std::u16string_view TextFileLoader::HelpFile() const noexcept { return kHelpFile
 
 HRESULT STDMETHODCALLTYPE TextFileLoader::LoadRow(HostRowBuffer* row) try {
   if (row == nullptr) return E_INVALIDARG;
+  ComPtr<HostRowBufferLending> lending;
+  const VARIANT* values = nullptr;
+  LONG count = 0;
+  if (SUCCEEDED(row->QueryInterface(IID_HostRowBufferLending, lending.ReceiveVoid())) && lending &&
+      SUCCEEDED(lending->LendValues(&values, &count)))
+    return Write({values, static_cast<std::size_t>(count)});
+  return FetchAndWrite(*row);
+} catch (...) {
+  return HResultFromCurrentException();
+}
+
+HRESULT TextFileLoader::FetchAndWrite(HostRowBuffer& row) {
   ComPtr<HostFieldCollection> fields;
-  if (const HRESULT result = row->GetFields(fields.Receive()); FAILED(result)) return result;
+  if (const HRESULT result = row.GetFields(fields.Receive()); FAILED(result)) return result;
   LONG count = 0;
   if (fields) {
     if (const HRESULT result = fields->GetFieldCount(&count); FAILED(result)) return result;
@@ -56,11 +68,12 @@ HRESULT STDMETHODCALLTYPE TextFileLoader::LoadRow(HostRowBuffer* row) try {
   if (values_.size() != static_cast<std::size_t>(count))
     values_.resize(static_cast<std::size_t>(count));
   Fetched values(values_);
-  if (const HRESULT result = values.From(*row); FAILED(result)) return result;
-  if (!writer_->Write(values_)) return ChainTextFileError(E_FAIL, writer_->failure());
-  return S_OK;
-} catch (...) {
-  return HResultFromCurrentException();
+  if (const HRESULT result = values.From(row); FAILED(result)) return result;
+  return Write(values_);
+}
+
+HRESULT TextFileLoader::Write(std::span<const VARIANT> values) {
+  return writer_->Write(values) ? S_OK : ChainTextFileError(E_FAIL, writer_->failure());
 }
 
 }  // namespace quenra

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <memory>
+#include <span>
 #include <vector>
 
 #include "host/com/Implements.h"
@@ -29,8 +30,11 @@ class TextFileLoader final : public Implements<IPlugInDatasetLoader> {
  private:
   class Fetched;
 
+  HRESULT FetchAndWrite(HostRowBuffer& row);
+  HRESULT Write(std::span<const VARIANT> values);
+
   const std::unique_ptr<TextFile::RowWriter> writer_;
-  std::vector<VARIANT> values_;  // of the row at hand, else VT_EMPTY
+  std::vector<VARIANT> values_;  // of a row that does not lend its own, else VT_EMPTY
 };
 
 }  // namespace quenra

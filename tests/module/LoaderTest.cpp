@@ -4,6 +4,7 @@
 
 #include "host/CoreSupport/DatetimeHelper.h"
 #include "host/CoreSupport/QUENRALocale.h"
+#include "host/com/Implements.h"
 #include "module/ModuleTest.h"
 #include "support/HostTables.h"
 
@@ -14,6 +15,27 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 
 constexpr DATE kNoonOf5January2020 = 43835.5;
+
+// A row buffer of a host that hands out copies, and fails where it is told to.
+class CopyingRow final : public Implements<HostRowBuffer> {
+ public:
+  CopyingRow(ComPtr<HostRowBuffer> row, LONG failing) : row_(std::move(row)), failing_(failing) {}
+
+  std::u16string_view ClassName() const noexcept override { return u"CopyingRow"; }
+  HRESULT STDMETHODCALLTYPE GetFields(HostFieldCollection** fields) override {
+    return row_->GetFields(fields);
+  }
+  HRESULT STDMETHODCALLTYPE GetValue(LONG index, VARIANT* value) override {
+    return index == failing_ ? E_ACCESSDENIED : row_->GetValue(index, value);
+  }
+  HRESULT STDMETHODCALLTYPE SetValue(LONG index, const VARIANT* value) override {
+    return row_->SetValue(index, value);
+  }
+
+ private:
+  const ComPtr<HostRowBuffer> row_;
+  const LONG failing_;
+};
 
 class LoaderTest : public ModuleTest {
  protected:
@@ -96,14 +118,13 @@ TEST_F(LoaderTest, ARowOfNoFieldsIsARowOfNulls) {
   EXPECT_THAT(Rows(table), ElementsAre("NULL|NULL"));
 }
 
-TEST_F(LoaderTest, LentTextsStayTheBuffers) {
+TEST_F(LoaderTest, LentValuesStayTheBuffers) {
   const auto table = Create(u"t.csv", MakeFields({{u"Id", 1}, {u"Name", 4}}));
   const auto fields = FieldsOf(table);
   std::vector<Variant> values;
   values.emplace_back(LONG{1});
   values.emplace_back(u"a, \"b\" and c\u00E9");
   const auto row = MakeRow(fields, values);
-  EXPECT_EQ(row.As<HostRowBufferLending>()->LendTexts(VARIANT_TRUE), S_OK);
   auto loader = Loader(table);
   EXPECT_EQ(loader->LoadRow(row.Get()), S_OK);
   EXPECT_EQ(loader->LoadRow(row.Get()), S_OK);
@@ -112,6 +133,30 @@ TEST_F(LoaderTest, LentTextsStayTheBuffers) {
   loader.Reset();
   EXPECT_THAT(Rows(table), ElementsAre("I4:1|BSTR:a, \"b\" and c\xC3\xA9",
                                        "I4:1|BSTR:a, \"b\" and c\xC3\xA9", "I4:1|BSTR:another"));
+}
+
+TEST_F(LoaderTest, RowsThatLendNothingAreCopied) {
+  const auto table = Create(u"t.csv", MakeFields({{u"Id", 1}, {u"Name", 4}}));
+  std::vector<Variant> values;
+  values.emplace_back(LONG{1});
+  values.emplace_back(u"text");
+  const auto row = MakeRow(FieldsOf(table), values);
+  EXPECT_EQ(Loader(table)->LoadRow(MakeObject<CopyingRow>(row, -1).Get()), S_OK);
+  EXPECT_EQ(Loader(table)->LoadRow(MakeObject<CopyingRow>(row, 1).Get()), E_ACCESSDENIED);
+  EXPECT_THAT(Rows(table), ElementsAre("I4:1|BSTR:text"));
+}
+
+TEST_F(LoaderTest, FieldsAddedBehindTheValuesAreRefused) {
+  const auto table = Create(u"t.csv", MakeFields({{u"Id", 1}}));
+  const auto fields = MakeFields({{u"Id", 1}});
+  std::vector<Variant> values;
+  values.emplace_back(LONG{1});
+  const auto row = MakeRow(fields, values);
+  ComPtr<HostField> added;
+  ASSERT_EQ(MakeFields({{u"More", 1}})->GetField(0, added.Receive()), S_OK);
+  ASSERT_EQ(fields.As<HostFieldCollectionEdit>()->AddField(added.Get()), S_OK);
+  EXPECT_EQ(Loader(table)->LoadRow(row.Get()), E_INVALIDARG);
+  EXPECT_THAT(Rows(table), IsEmpty());
 }
 
 TEST_F(LoaderTest, BadArgumentsAreRefused) {

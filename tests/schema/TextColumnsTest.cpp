@@ -97,7 +97,8 @@ class Row {
       default:
         kept_.emplace_back(std::u16string_view(text));
         if (random() % 2 == 0) return kept_.back().Get();
-        kept_.back().LendTextTo(value);
+        value.vt = VT_BSTR | VT_BYREF;
+        value.pbstrVal = const_cast<BSTR*>(&kept_.back().Get().bstrVal);
         return value;
     }
   }

@@ -13,12 +13,10 @@
 
 namespace quenra {
 
-// Whether a variant is its own copy, and needs no clearing: a number, a date, what another variant
-// lends. False for some more that would be.
+// Whether a variant is its own copy, and needs no clearing: a number, a date, a reference. False
+// for some more that would be.
 inline bool IsPlain(const VARIANT& value) noexcept {
-  if ((value.vt & VT_BYREF) != 0) [[likely]]
-    return true;
-  return value.vt < VT_BSTR || value.vt == VT_I8;
+  return value.vt < VT_BSTR || value.vt == VT_I8 || (value.vt & VT_BYREF) != 0;
 }
 
 // VariantClear, without its judging of the type for what rows are made of. The variant is a valid
@@ -121,15 +119,6 @@ class Variant {
   HRESULT CopyTo(VARIANT* result) const noexcept {
     if (result == nullptr) return E_POINTER;
     return CopyVariant(value_, *result);
-  }
-
-  // Makes `result`, whatever that held, the text of a VT_BSTR as VT_BSTR | VT_BYREF, which owns
-  // nothing; valid until the next change.
-  void LendTextTo(VARIANT& result) const noexcept {
-    result.vt = VT_BSTR | VT_BYREF;
-    result.wReserved1 = result.wReserved2 = result.wReserved3 = 0;
-    // Whoever it is lent to only reads it.
-    result.pbstrVal = const_cast<BSTR*>(&value_.bstrVal);
   }
 
   // The value as another type, by OLE's conversion rules; this becomes VT_EMPTY after a failure.

@@ -5,6 +5,8 @@
 
 namespace quenra {
 
+static_assert(sizeof(Variant) == sizeof(VARIANT), "an array of the one is one of the other");
+
 EmbeddedRowBuffer::EmbeddedRowBuffer()
     : fields_(MakeObject<EmbeddedFieldCollection>().As<HostFieldCollection>()) {}
 
@@ -20,10 +22,7 @@ HRESULT STDMETHODCALLTYPE EmbeddedRowBuffer::GetValue(LONG index, VARIANT* value
     ::VariantInit(value);
     return E_INVALIDARG;
   }
-  const Variant& held = values_[static_cast<std::size_t>(index)];
-  if (!lendsTexts_ || held.Type() != VT_BSTR) return CopyVariant(held.Get(), *value);
-  held.LendTextTo(*value);
-  return S_OK;
+  return CopyVariant(values_[static_cast<std::size_t>(index)].Get(), *value);
 }
 
 HRESULT STDMETHODCALLTYPE EmbeddedRowBuffer::SetValue(LONG index, const VARIANT* value) {
@@ -50,8 +49,17 @@ HRESULT STDMETHODCALLTYPE EmbeddedRowBuffer::SetFields(HostFieldCollection* fiel
   }
 }
 
-HRESULT STDMETHODCALLTYPE EmbeddedRowBuffer::LendTexts(VARIANT_BOOL lend) {
-  lendsTexts_ = lend != VARIANT_FALSE;
+HRESULT STDMETHODCALLTYPE EmbeddedRowBuffer::LendValues(const VARIANT** values, LONG* count) {
+  if (values == nullptr || count == nullptr) return E_POINTER;
+  *values = nullptr;
+  *count = 0;
+  LONG fields = 0;
+  const HRESULT result = fields_->GetFieldCount(&fields);
+  if (FAILED(result)) return result;
+  if (fields < 0 || static_cast<ULONG>(fields) != count_) return E_FAIL;
+  if (count_ == 0) return S_OK;
+  *values = values_[0].Address();
+  *count = fields;
   return S_OK;
 }
 

@@ -1,5 +1,4 @@
-// The embedded host's row buffer. Without fields until they are set; copies its texts until it is
-// told to lend them.
+// The embedded host's row buffer. Without fields until they are set.
 #pragma once
 
 #include <memory>
@@ -30,7 +29,7 @@ class EmbeddedRowBuffer final
   HRESULT STDMETHODCALLTYPE SetFields(HostFieldCollection* fields) override;
 
   // HostRowBufferLending
-  HRESULT STDMETHODCALLTYPE LendTexts(VARIANT_BOOL lend) override;
+  HRESULT STDMETHODCALLTYPE LendValues(const VARIANT** values, LONG* count) override;
 
  private:
   // A negative index is too large as well.
@@ -39,7 +38,6 @@ class EmbeddedRowBuffer final
   ComPtr<HostFieldCollection> fields_;
   std::unique_ptr<Variant[]> values_;
   ULONG count_ = 0;
-  bool lendsTexts_ = false;
 };
 
 }  // namespace quenra

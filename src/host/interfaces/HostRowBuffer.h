@@ -6,14 +6,12 @@
 
 namespace quenra {
 
-// One value a field, in the order of the fields; indexes from 0. Values are copied in and out,
-// unless the buffer lends its texts.
+// One value a field, in the order of the fields; indexes from 0. Values are copied in and out.
 struct HostRowBuffer : public IUnknown {
   // The caller releases the collection; it has no field before SetFields.
   virtual HRESULT STDMETHODCALLTYPE GetFields(HostFieldCollection** fields) = 0;
   // E_INVALIDARG and VT_EMPTY when `index` is outside the fields; the caller clears `value`, whose
-  // former contents are not looked at. A lent text is VT_BSTR | VT_BYREF, and there until the
-  // buffer's values are set anew; clearing it leaves it to the buffer.
+  // former contents are not looked at.
   virtual HRESULT STDMETHODCALLTYPE GetValue(LONG index, VARIANT* value) = 0;
   virtual HRESULT STDMETHODCALLTYPE SetValue(LONG index, const VARIANT* value) = 0;
 };
@@ -34,10 +32,11 @@ inline constexpr IID IID_HostRowBufferEdit = {
 template <>
 inline constexpr const IID& kInterfaceId<HostRowBufferEdit> = IID_HostRowBufferEdit;
 
-// Sparing the copies of texts that the caller only looks at, as a loader does.
+// Looking at the values where they are, for those who only read them, as a loader does.
 struct HostRowBufferLending : public IUnknown {
-  // Whether GetValue lends texts from now on. A buffer begins by copying them.
-  virtual HRESULT STDMETHODCALLTYPE LendTexts(VARIANT_BOOL lend) = 0;
+  // The values of all fields, which stay the buffer's and are there until one is set anew. E_FAIL
+  // when the fields have become more or fewer since SetFields: GetValue tells what is there.
+  virtual HRESULT STDMETHODCALLTYPE LendValues(const VARIANT** values, LONG* count) = 0;
 };
 
 inline constexpr IID IID_HostRowBufferLending = {

@@ -120,32 +120,40 @@ TEST_F(EmbeddedRowBufferTest, ValuesAreCopied) {
   EXPECT_EQ(References(object.Get()), 1u);
 }
 
-TEST_F(EmbeddedRowBufferTest, LendsItsTextsWhenToldTo) {
+TEST_F(EmbeddedRowBufferTest, LendsItsValues) {
   const auto row = Make<HostRowBuffer>(CLSID_HostRowBuffer);
+  const auto lending = row.As<HostRowBufferLending>();
+  const VARIANT* values = nullptr;
+  LONG count = -1;
+  EXPECT_EQ(lending->LendValues(&values, &count), S_OK);
+  EXPECT_EQ(count, 0);
+
   ASSERT_EQ(row.As<HostRowBufferEdit>()->SetFields(MakeFields(3).Get()), S_OK);
   EXPECT_EQ(row->SetValue(0, Variant(u"text").Address()), S_OK);
   EXPECT_EQ(row->SetValue(1, Variant(7.5).Address()), S_OK);
-  const auto lending = row.As<HostRowBufferLending>();
-  EXPECT_EQ(lending->LendTexts(VARIANT_TRUE), S_OK);
-  VARIANT first;
-  VARIANT again;
-  EXPECT_EQ(row->GetValue(0, &first), S_OK);
-  EXPECT_EQ(row->GetValue(0, &again), S_OK);
-  ASSERT_EQ(first.vt, VT_BSTR | VT_BYREF);
-  EXPECT_EQ(ViewOf(*first.pbstrVal), u"text");
-  EXPECT_EQ(*again.pbstrVal, *first.pbstrVal) << "the buffer's own text";
-  EXPECT_EQ(::VariantClear(&first), S_OK);
-  EXPECT_EQ(ViewOf(*again.pbstrVal), u"text") << "it stays the buffer's";
-  Variant value;
-  EXPECT_EQ(row->GetValue(1, value.Receive()), S_OK);
-  EXPECT_EQ(value.Type(), VT_R8) << "other values are copied";
-  EXPECT_EQ(row->GetValue(2, value.Receive()), S_OK);
-  EXPECT_EQ(value.Type(), VT_EMPTY);
+  EXPECT_EQ(lending->LendValues(&values, &count), S_OK);
+  ASSERT_EQ(count, 3);
+  ASSERT_EQ(values[0].vt, VT_BSTR);
+  EXPECT_EQ(ViewOf(values[0].bstrVal), u"text");
+  ASSERT_EQ(values[1].vt, VT_R8);
+  EXPECT_EQ(values[1].dblVal, 7.5);
+  EXPECT_EQ(values[2].vt, VT_EMPTY);
+  EXPECT_EQ(row->SetValue(0, Variant(u"another").Address()), S_OK);
+  EXPECT_EQ(ViewOf(values[0].bstrVal), u"another") << "the buffer's own";
 
-  EXPECT_EQ(lending->LendTexts(VARIANT_FALSE), S_OK);
-  EXPECT_EQ(row->GetValue(0, value.Receive()), S_OK);
-  EXPECT_EQ(value.Type(), VT_BSTR);
-  EXPECT_EQ(value.Text(), u"text");
+  EXPECT_EQ(lending->LendValues(nullptr, &count), E_POINTER);
+  EXPECT_EQ(lending->LendValues(&values, nullptr), E_POINTER);
+}
+
+TEST_F(EmbeddedRowBufferTest, LendsNothingWhenItsFieldsHaveChanged) {
+  const auto row = Make<HostRowBuffer>(CLSID_HostRowBuffer);
+  const auto fields = MakeFields(1);
+  ASSERT_EQ(row.As<HostRowBufferEdit>()->SetFields(fields.Get()), S_OK);
+  const auto added = Make<HostField>(CLSID_HostField);
+  ASSERT_EQ(fields.As<HostFieldCollectionEdit>()->AddField(added.Get()), S_OK);
+  const VARIANT* values = nullptr;
+  LONG count = 0;
+  EXPECT_EQ(row.As<HostRowBufferLending>()->LendValues(&values, &count), E_FAIL);
 }
 
 TEST_F(EmbeddedRowBufferTest, RefusesBadArguments) {
