@@ -101,8 +101,10 @@ bool TextLineStream::ReadMore() {
     next_ = 0;
   }
   if (capacity_ - end_ < readSize_) {
+    // Room for whole reads behind what is left of a line, from the first one on: memory costs
+    // nothing before it is written to, and moving into more of it costs more than reading does.
     // Doubling keeps the cost of a record of any length linear in its length.
-    const std::size_t capacity = std::max(end_ + readSize_, 2 * capacity_);
+    const std::size_t capacity = std::max(end_ + blockSize_ + blockSize_ / 8, 2 * capacity_);
     auto larger = std::make_unique_for_overwrite<char[]>(capacity + kPlainRowPadding);
     if (end_ != 0) std::memcpy(larger.get(), block_.get(), end_);
     block_ = std::move(larger);
