@@ -2,8 +2,9 @@
 //
 //   module_costs open TABLE [--no-lat-long-fields]
 //       wall microseconds of opening the table, and bytes read by the last opening
-//   module_costs scan TABLE
-//       CPU nanoseconds of walking all rows with all values, from opening a cursor to releasing it
+//   module_costs scan TABLE...
+//       CPU nanoseconds of walking all rows of all tables with all values, one table after the
+//       other, from opening its cursor to releasing it
 //   module_costs write TABLE NEWTABLE ROWS [--copied]
 //       CPU seconds of loading so many rows into a new table with the fields of the first one;
 //       they are its first ones (100,000 cells at most), over and over; the host's row buffers lend
@@ -213,14 +214,16 @@ void Open(const Module& module, const char* path) {
   std::printf("open_us %.1f read %lld\n", seconds * 1e6, read);
 }
 
-void Scan(const Module& module, const char* path) {
-  const auto dataset = module.OpenTable(path);
+void Scan(const Module& module, char** paths) {
+  std::vector<ComPtr<quenra::IPlugInDatasetHelper>> tables;
+  for (; *paths != nullptr; ++paths) tables.push_back(module.OpenTable(*paths));
   long long rows = 0, columns = 0;
   const double seconds = MedianOf([&] {
+    rows = 0;
     const double start = Seconds(CLOCK_PROCESS_CPUTIME_ID);
-    {
-      AllValues values(*dataset);
-      for (rows = 0; values.Read(); ++rows) values.Advance();
+    for (const auto& table : tables) {
+      AllValues values(*table);
+      for (; values.Read(); ++rows) values.Advance();
       columns = static_cast<long long>(values.Slots().size());
     }
     return Seconds(CLOCK_PROCESS_CPUTIME_ID) - start;
@@ -329,7 +332,7 @@ int Main(int argc, char** argv) {
   }
   module.LeaveOutCoordinates();
   if (mode == "scan")
-    Scan(module, argv[2]);
+    Scan(module, argv + 2);
   else if (mode == "write" && (argc == 5 || (argc == 6 && argv[5] == kCopied)))
     Write(module, argv[2], argv[3], std::atoll(argv[4]), argc == 5);
   else if (mode == "cursors" && argc == 4)

@@ -19,6 +19,7 @@ speed of a machine that others use too drifts, but not between two runs of a pai
 The tables are made in build/compare and kept. Needs an x86-64 with AVX2 for the floor.
 """
 import argparse
+import itertools
 import json
 import os
 import re
@@ -172,6 +173,22 @@ class Tables:
                     out.write(lines.readline())
 
         return self.make(name, write)
+
+    def pieces(self, name, source, rows, count):
+        """So many tables of so many rows each, one behind the other in `source`."""
+        folder = self.folder / name
+        if not folder.exists():
+            print("making %s" % name, file=sys.stderr, flush=True)
+            making = self.folder / (name + ".part")
+            shutil.rmtree(making, ignore_errors=True)
+            making.mkdir(parents=True)
+            with open(source, "rb") as lines:
+                header = lines.readline()
+                for i in range(count):
+                    piece = b"".join([header, *itertools.islice(lines, rows)])
+                    (making / ("%d.csv" % i)).write_bytes(piece)
+            making.rename(folder)
+        return [folder / ("%d.csv" % i) for i in range(count)]
 
     def lines(self, name, lines):
         def write(path):
@@ -407,16 +424,17 @@ class Comparison:
             yield "write, " + name, goal, lambda n=name: measure(n), 1.5, "x"
 
     def growth(self):
-        def per_cell(table, header):
-            """Nanoseconds, without what a table of no rows costs."""
-            said = run([COSTS, "scan", table])
+        def per_cell(tables, header):
+            """Nanoseconds, without what tables of no rows cost."""
+            said = run([COSTS, "scan", *tables])
             cost, rows, columns = (float(x) for x in re.findall(r" ([0-9]+)", said))
-            return (cost - figure([COSTS, "scan", header], "scan_ns")) / (rows * columns)
+            idle = len(tables) * figure([COSTS, "scan", header], "scan_ns")
+            return (cost - idle) / (rows * columns)
 
         def spread(tables_and_headers):
             """The dearest beside the cheapest, each the median of several rounds."""
             rounds = [
-                [per_cell(table, header) for table, header in tables_and_headers]
+                [per_cell(tables, header) for tables, header in tables_and_headers]
                 for _ in range(self.runs)
             ]
             costs = [statistics.median(costs) for costs in zip(*rounds)]
@@ -426,18 +444,21 @@ class Comparison:
             source = self.tables.set("mixed")
             whole = int(generate.ROWS["mixed"] * self.tables.scale)
             header = self.tables.head("mixed-0.csv", source, 0)
+            # Small tables in such numbers that the processor cannot learn their rows by heart.
+            tenth = whole // 10
             tables = [
-                self.tables.head("mixed-%d.csv" % n, source, n) for n in (1000, 10_000, whole // 10)
+                self.tables.pieces("mixed-%d" % rows, source, rows, max(1, tenth // rows))
+                for rows in (1000, 10_000, tenth)
             ]
-            tables += [source, self.tables.repeated("mixed-tenfold.csv", source, 10)]
-            return spread([(table, header) for table in tables])
+            tables += [[source], [self.tables.repeated("mixed-tenfold.csv", source, 10)]]
+            return spread([(some, header) for some in tables])
 
         def columns():
             cells = int(5_000_000 * self.tables.scale)
             pairs = []
             for n in (10, 100, 1000):
                 table = self.tables.generated("wide-%d" % n, "wide", max(1, cells // n), n)
-                pairs.append((table, self.tables.head("wide-%d-0.csv" % n, table, 0)))
+                pairs.append(([table], self.tables.head("wide-%d-0.csv" % n, table, 0)))
             return spread(pairs)
 
         most = 10_000_000 * self.tables.scale

@@ -3,9 +3,8 @@
 #include <algorithm>
 
 #include "reading/ByteBlock.h"
-#include "reading/PlainRowIndexVector.h"
 #include "reading/PlainRowKernel.h"
-#include "reading/RecordScanVector.h"
+#include "reading/VectorKernels.h"
 
 namespace TextFile {
 
@@ -23,8 +22,8 @@ PlainRowIndex::PlainRowIndex(const PlainRowDialect& dialect, Code code) noexcept
 
 PlainRowIndex::Kernel PlainRowIndex::Choose(Code code) noexcept {
   if (code == Code::kPlain) return &IndexRows<PlainBlock>;
-  if (code == Code::kBest && HasAvx512Scan()) return &IndexRowsAvx512;
-  if (code != Code::kBaseline && HasAvx2Scan()) return &IndexRowsAvx2;
+  if (code == Code::kBest && HasAvx512Kernels()) return &IndexRowsAvx512;
+  if (code != Code::kBaseline && HasAvx2Kernels()) return &IndexRowsAvx2;
   return &IndexRows<BaselineBlock>;
 }
 

@@ -5,7 +5,7 @@
 #include "host/CoreSupport/CharacterClasses.h"
 #include "reading/ByteBlock.h"
 #include "reading/RecordScanKernel.h"
-#include "reading/RecordScanVector.h"
+#include "reading/VectorKernels.h"
 
 namespace TextFile {
 
@@ -52,8 +52,8 @@ RecordScan::RecordScan(const RecordDialect& dialect, Code code) noexcept
 
 RecordScan::Kernel RecordScan::Choose(Code code) noexcept {
   if (code == Code::kPlain) return &Run<PlainBlock>;
-  if (code == Code::kBest && HasAvx512Scan()) return &RunAvx512Scan;
-  if (code != Code::kBaseline && HasAvx2Scan()) return &RunAvx2Scan;
+  if (code == Code::kBest && HasAvx512Kernels()) return &RunAvx512Scan;
+  if (code != Code::kBaseline && HasAvx2Kernels()) return &RunAvx2Scan;
   return &Run<BaselineBlock>;
 }
 

@@ -94,6 +94,7 @@ void TextLineStream::ProbeByteOrderMark() {
 // Reads one block behind what has not been handed out yet. False when nothing came.
 bool TextLineStream::ReadMore() {
   if (exhausted_) return false;
+  ++moves_;
   if (next_ != 0) {
     std::memmove(block_.get(), block_.get() + next_, end_ - next_);
     blockStart_ += next_;
@@ -122,7 +123,6 @@ bool TextLineStream::ReadMore() {
     return false;
   }
   end_ += static_cast<std::size_t>(count);
-  ++reads_;
   std::memset(block_.get() + end_, 0, kPlainRowPadding);
   // Whoever reads on this far reads on further.
   readSize_ = std::min(2 * readSize_, blockSize_);

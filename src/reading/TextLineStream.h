@@ -130,7 +130,7 @@ class TextLineStream {
   std::size_t next_ = 0;
   std::size_t end_ = 0;
   std::uint64_t blockStart_ = 0;  // offset in the source of block_[0]
-  std::uint64_t reads_ = 0;       // so far
+  std::uint64_t moves_ = 0;       // of what is in the block
   bool exhausted_ = false;        // the source has no more bytes, or the text ended in a byte 1A
   std::string lineBytes_;         // a line that had to be put together from pieces
 };
@@ -139,7 +139,7 @@ inline bool TextLineStream::TakePlainRow(PlainRowIndex& index, bool asciiOnly, P
   if (!Is8Bit() || lineDelimiter_ != '\n') return false;
   asciiOnly |= encoding_ == TextEncoding::kAnsi;
   const char* const begin = block_.get();
-  const char* const end = index.Take({{begin, end_}, reads_, asciiOnly}, begin + next_, row);
+  const char* const end = index.Take({{begin, end_}, moves_, asciiOnly}, begin + next_, row);
   if (end == nullptr) return false;
   next_ = static_cast<std::size_t>(end - begin);
   tookNonAscii_ |= index.TookNonAscii();

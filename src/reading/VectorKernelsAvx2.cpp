@@ -1,11 +1,11 @@
-#include "reading/RecordScanVector.h"
+#include "reading/VectorKernels.h"
 
 // GCC for Windows does not align the stack for 32-byte values.
 #if defined(__x86_64__) && !defined(_WIN32)
 
 #include <immintrin.h>
 
-// What the kernel uses of the library is read before the switch, so that no code of the library
+// What the kernels use of the library is read before the switch, so that no code of the library
 // gets compiled for these processors and then taken for all.
 #include <cstddef>
 #include <cstdint>
@@ -19,6 +19,7 @@
 #endif
 
 #include "reading/ByteBlockAvx2.h"
+#include "reading/PlainRowKernel.h"
 #include "reading/RecordScanKernel.h"
 
 namespace TextFile {
@@ -26,6 +27,10 @@ namespace TextFile {
 void RunAvx2Scan(const RecordDialect& dialect, RecordScanState& state, std::string_view bytes,
                  bool last) {
   state = RecordScanKernel<Avx2Block>(dialect, state, bytes.data()).Take(bytes.size(), last);
+}
+
+void IndexRowsAvx2(const PlainRowDialect& dialect, PlainRowState& state) {
+  PlainRowKernel<Avx2Block>(dialect, state).TakeBlocks();
 }
 
 }  // namespace TextFile
@@ -38,7 +43,7 @@ void RunAvx2Scan(const RecordDialect& dialect, RecordScanState& state, std::stri
 
 namespace TextFile {
 
-bool HasAvx2Scan() noexcept {
+bool HasAvx2Kernels() noexcept {
   return __builtin_cpu_supports("avx2") && __builtin_cpu_supports("bmi") &&
          __builtin_cpu_supports("pclmul") && __builtin_cpu_supports("popcnt");
 }
@@ -49,9 +54,11 @@ bool HasAvx2Scan() noexcept {
 
 namespace TextFile {
 
-bool HasAvx2Scan() noexcept { return false; }
+bool HasAvx2Kernels() noexcept { return false; }
 
 void RunAvx2Scan(const RecordDialect&, RecordScanState&, std::string_view, bool) {}
+
+void IndexRowsAvx2(const PlainRowDialect&, PlainRowState&) {}
 
 }  // namespace TextFile
 

@@ -1,16 +1,15 @@
-#include "reading/PlainRowIndexVector.h"
+#include "reading/VectorKernels.h"
 
 // GCC for Windows does not align the stack for wide values.
 #if defined(__x86_64__) && !defined(_WIN32)
 
 #include <immintrin.h>
 
-// What the kernel uses of the library is read before the switch, so that no code of the library
+// What the kernels use of the library is read before the switch, so that no code of the library
 // gets compiled for these processors and then taken for all.
 #include <cstddef>
 #include <cstdint>
-
-#include "reading/PlainRow.h"
+#include <cstring>
 
 #ifdef __clang__
 #pragma clang attribute push(__attribute__((target("avx512f,avx512bw,bmi,pclmul,popcnt"))), \
@@ -22,8 +21,14 @@
 
 #include "reading/ByteBlockAvx512.h"
 #include "reading/PlainRowKernel.h"
+#include "reading/RecordScanKernel.h"
 
 namespace TextFile {
+
+void RunAvx512Scan(const RecordDialect& dialect, RecordScanState& state, std::string_view bytes,
+                   bool last) {
+  state = RecordScanKernel<Avx512Block>(dialect, state, bytes.data()).Take(bytes.size(), last);
+}
 
 void IndexRowsAvx512(const PlainRowDialect& dialect, PlainRowState& state) {
   PlainRowKernel<Avx512Block>(dialect, state).TakeBlocks();
@@ -37,9 +42,22 @@ void IndexRowsAvx512(const PlainRowDialect& dialect, PlainRowState& state) {
 #pragma GCC pop_options
 #endif
 
+namespace TextFile {
+
+bool HasAvx512Kernels() noexcept {
+  return __builtin_cpu_supports("avx512bw") && __builtin_cpu_supports("bmi") &&
+         __builtin_cpu_supports("pclmul") && __builtin_cpu_supports("popcnt");
+}
+
+}  // namespace TextFile
+
 #else
 
 namespace TextFile {
+
+bool HasAvx512Kernels() noexcept { return false; }
+
+void RunAvx512Scan(const RecordDialect&, RecordScanState&, std::string_view, bool) {}
 
 void IndexRowsAvx512(const PlainRowDialect&, PlainRowState&) {}
 
