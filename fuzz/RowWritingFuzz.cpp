@@ -121,7 +121,7 @@ std::string Written(const TextDatasetDescription& table, const Fuzz::TemporaryFo
   for (std::size_t i = 0; i < values.size(); i += columns)
     Check(writer.Write({&values[i], std::min(columns, values.size() - i)}));
   Check(writer.Close());
-  std::ifstream file(NativeFromFileName(table.path), std::ios::binary);
+  std::ifstream file(NativeFromFileName(table.path).c_str(), std::ios::binary);
   return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
 }
 
