@@ -1,6 +1,7 @@
 #include "reading/TextLineStream.h"
 
 #include <algorithm>
+#include <atomic>
 #include <boost/filesystem.hpp>
 #include <cstring>
 #include <fstream>
@@ -22,6 +23,10 @@ constexpr char kTextEnd = 0x1A;
 // double.
 constexpr std::size_t kFirstReadSize = 32 * 1024;
 
+// What a stream needs that reads in blocks of the usual size.
+constexpr std::size_t kSpareCapacity =
+    TextLineStream::kDefaultBlockSize + TextLineStream::kDefaultBlockSize / 8;
+
 // The mark's probe looks at no more than this, though a UTF-32 mark has four bytes.
 constexpr std::size_t kProbeBytes = 3;
 
@@ -30,11 +35,23 @@ std::string_view DropCarriageReturn(std::string_view bytes) noexcept {
   return bytes;
 }
 
+// The block of a stream that has ended, for the next one: what its pages cost, the system hands
+// them out once instead of for each of many small tables.
+std::atomic<char*> spareBlock = nullptr;
+
+struct SpareBlockOwner {
+  ~SpareBlockOwner() { delete[] spareBlock.exchange(nullptr); }
+} spareBlockOwner;
+
 bool EndsIn(const UnitBuffer& line, char16_t unit) noexcept {
   return line.size() > 0 && line.View().back() == unit;
 }
 
 }  // namespace
+
+TextLineStream::~TextLineStream() {
+  if (capacity_ == kSpareCapacity) delete[] spareBlock.exchange(block_.release());
+}
 
 bool TextLineStream::Open(const std::u16string& path, LineEnding ending) {
   bytes_.reset();
@@ -106,7 +123,10 @@ bool TextLineStream::ReadMore() {
     // nothing before it is written to, and moving into more of it costs more than reading does.
     // Doubling keeps the cost of a record of any length linear in its length.
     const std::size_t capacity = std::max(end_ + blockSize_ + blockSize_ / 8, 2 * capacity_);
-    auto larger = std::make_unique_for_overwrite<char[]>(capacity + kPlainRowPadding);
+    std::unique_ptr<char[]> larger(capacity == kSpareCapacity ? spareBlock.exchange(nullptr)
+                                                              : nullptr);
+    if (larger == nullptr)
+      larger = std::make_unique_for_overwrite<char[]>(capacity + kPlainRowPadding);
     if (end_ != 0) std::memcpy(larger.get(), block_.get(), end_);
     block_ = std::move(larger);
     capacity_ = capacity;

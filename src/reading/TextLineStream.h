@@ -43,6 +43,7 @@ class TextLineStream {
   static constexpr std::size_t kDefaultBlockSize = 256 * 1024;
 
   TextLineStream() = default;
+  ~TextLineStream();
   TextLineStream(const TextLineStream&) = delete;
   TextLineStream& operator=(const TextLineStream&) = delete;
 
