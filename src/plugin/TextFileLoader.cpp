@@ -50,8 +50,10 @@ HRESULT STDMETHODCALLTYPE TextFileLoader::LoadRow(HostRowBuffer* row) try {
   const VARIANT* values = nullptr;
   LONG count = 0;
   if (SUCCEEDED(row->QueryInterface(IID_HostRowBufferLending, lending.ReceiveVoid())) && lending &&
-      SUCCEEDED(lending->LendValues(&values, &count)))
+      SUCCEEDED(lending->LendValues(&values, &count))) {
+    if (count < 0 || (values == nullptr && count > 0)) return E_INVALIDARG;
     return Write({values, static_cast<std::size_t>(count)});
+  }
   return FetchAndWrite(*row);
 } catch (...) {
   return HResultFromCurrentException();

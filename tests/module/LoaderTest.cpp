@@ -37,6 +37,26 @@ class CopyingRow final : public Implements<HostRowBuffer> {
   const LONG failing_;
 };
 
+// One that lends what it is told to.
+class LendingRow final : public Implements<HostRowBuffer, HostRowBufferLending> {
+ public:
+  LendingRow(const VARIANT* values, LONG count) : values_(values), count_(count) {}
+
+  std::u16string_view ClassName() const noexcept override { return u"LendingRow"; }
+  HRESULT STDMETHODCALLTYPE GetFields(HostFieldCollection**) override { return E_NOTIMPL; }
+  HRESULT STDMETHODCALLTYPE GetValue(LONG, VARIANT*) override { return E_NOTIMPL; }
+  HRESULT STDMETHODCALLTYPE SetValue(LONG, const VARIANT*) override { return E_NOTIMPL; }
+  HRESULT STDMETHODCALLTYPE LendValues(const VARIANT** values, LONG* count) override {
+    *values = values_;
+    *count = count_;
+    return S_OK;
+  }
+
+ private:
+  const VARIANT* const values_;
+  const LONG count_;
+};
+
 class LoaderTest : public ModuleTest {
  protected:
   ComPtr<IPlugInDatasetHelper> Create(std::u16string_view name,
@@ -157,6 +177,17 @@ TEST_F(LoaderTest, FieldsAddedBehindTheValuesAreRefused) {
   ASSERT_EQ(fields.As<HostFieldCollectionEdit>()->AddField(added.Get()), S_OK);
   EXPECT_EQ(Loader(table)->LoadRow(row.Get()), E_INVALIDARG);
   EXPECT_THAT(Rows(table), IsEmpty());
+}
+
+TEST_F(LoaderTest, NumbersOfLentValuesThatCannotBeAreRefused) {
+  const auto table = Create(u"t.csv", MakeFields({{u"Id", 1}}));
+  const Variant value(LONG{7});
+  auto loader = Loader(table);
+  EXPECT_EQ(loader->LoadRow(MakeObject<LendingRow>(value.Address(), -1).Get()), E_INVALIDARG);
+  EXPECT_EQ(loader->LoadRow(MakeObject<LendingRow>(nullptr, 1).Get()), E_INVALIDARG);
+  EXPECT_EQ(loader->LoadRow(MakeObject<LendingRow>(value.Address(), 1).Get()), S_OK);
+  loader.Reset();
+  EXPECT_THAT(Rows(table), ElementsAre("I4:7"));
 }
 
 TEST_F(LoaderTest, BadArgumentsAreRefused) {
