@@ -12,7 +12,7 @@
 //   static bool AnyEqual(const Block (&blocks)[4], char byte);
 //   static bool AnyAboveAscii(const Block (&blocks)[4]);
 //   static std::uint64_t PrefixXor(std::uint64_t bits);  // bit i: xor of the bits 0 to i
-//   static std::size_t PositionOf(std::uint64_t bits);      // of the lowest one; 64 without any
+//   static std::size_t PositionOf(std::uint64_t bits);   // of the lowest one; 64 without any
 #pragma once
 
 #include <bit>

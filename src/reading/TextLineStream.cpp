@@ -6,6 +6,7 @@
 #include <cstring>
 #include <fstream>
 #include <locale>
+#include <utility>
 
 #include "platform/FileNames.h"
 #include "reading/ByteSearch.h"
@@ -23,10 +24,6 @@ constexpr char kTextEnd = 0x1A;
 // double.
 constexpr std::size_t kFirstReadSize = 32 * 1024;
 
-// What a stream needs that reads in blocks of the usual size.
-constexpr std::size_t kSpareCapacity =
-    TextLineStream::kDefaultBlockSize + TextLineStream::kDefaultBlockSize / 8;
-
 // The mark's probe looks at no more than this, though a UTF-32 mark has four bytes.
 constexpr std::size_t kProbeBytes = 3;
 
@@ -35,13 +32,36 @@ std::string_view DropCarriageReturn(std::string_view bytes) noexcept {
   return bytes;
 }
 
-// The block of a stream that has ended, for the next one: what its pages cost, the system hands
-// them out once instead of for each of many small tables.
-std::atomic<char*> spareBlock = nullptr;
+// Blocks of streams. The one of a stream that has ended is kept for the next one: what its pages
+// cost, the system hands them out once instead of for each of many small tables.
+class Blocks {
+ public:
+  ~Blocks() { delete[] spare_.exchange(nullptr); }
 
-struct SpareBlockOwner {
-  ~SpareBlockOwner() { delete[] spareBlock.exchange(nullptr); }
-} spareBlockOwner;
+  // A block of `capacity` bytes, and those that can be read behind it.
+  std::unique_ptr<char[]> Take(std::size_t capacity) {
+    char* const spare = capacity == kSpareCapacity ? spare_.exchange(nullptr) : nullptr;
+    if (spare != nullptr) return std::unique_ptr<char[]>(spare);
+    return std::make_unique_for_overwrite<char[]>(capacity + kPlainRowPadding);
+  }
+
+  void GiveBack(std::unique_ptr<char[]> block, std::size_t capacity) noexcept {
+    if (capacity == kSpareCapacity) delete[] spare_.exchange(block.release());
+  }
+
+ private:
+  // What a stream needs that reads in blocks of the usual size.
+#ifdef KEEP_SPARE_BLOCK
+  static constexpr std::size_t kSpareCapacity =
+      TextLineStream::kDefaultBlockSize + TextLineStream::kDefaultBlockSize / 8;
+#else
+  static constexpr std::size_t kSpareCapacity = 0;
+#endif
+
+  std::atomic<char*> spare_ = nullptr;
+};
+
+Blocks blocks;
 
 bool EndsIn(const UnitBuffer& line, char16_t unit) noexcept {
   return line.size() > 0 && line.View().back() == unit;
@@ -49,9 +69,7 @@ bool EndsIn(const UnitBuffer& line, char16_t unit) noexcept {
 
 }  // namespace
 
-TextLineStream::~TextLineStream() {
-  if (capacity_ == kSpareCapacity) delete[] spareBlock.exchange(block_.release());
-}
+TextLineStream::~TextLineStream() { blocks.GiveBack(std::move(block_), capacity_); }
 
 bool TextLineStream::Open(const std::u16string& path, LineEnding ending) {
   bytes_.reset();
@@ -123,10 +141,7 @@ bool TextLineStream::ReadMore() {
     // nothing before it is written to, and moving into more of it costs more than reading does.
     // Doubling keeps the cost of a record of any length linear in its length.
     const std::size_t capacity = std::max(end_ + blockSize_ + blockSize_ / 8, 2 * capacity_);
-    std::unique_ptr<char[]> larger(capacity == kSpareCapacity ? spareBlock.exchange(nullptr)
-                                                              : nullptr);
-    if (larger == nullptr)
-      larger = std::make_unique_for_overwrite<char[]>(capacity + kPlainRowPadding);
+    std::unique_ptr<char[]> larger = blocks.Take(capacity);
     if (end_ != 0) std::memcpy(larger.get(), block_.get(), end_);
     block_ = std::move(larger);
     capacity_ = capacity;

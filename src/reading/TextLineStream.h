@@ -65,8 +65,8 @@ class TextLineStream {
   bool ReadLine(std::u16string& line);
 
   // Takes the next row, if it is plain, by an index that is used with this stream alone;
-  // `asciiOnly` asks for rows of ASCII characters. The row is valid until the next call. False for
-  // other rows, and nothing but blank lines in front of them is then taken.
+  // `asciiOnly` asks for rows of ASCII characters. Blank lines in front of the row are taken with
+  // it. It is valid until the next call. False for other rows, and nothing is then taken.
   bool TakePlainRow(PlainRowIndex& index, bool asciiOnly, PlainRow& row);
 
   // Goes on before the next `byte` of the data (in UTF-16 files: before the next such unit). False
