@@ -4,26 +4,14 @@
 
 #include <random>
 #include <string>
-#include <vector>
 
 #include "reading/DelimitedReader.h"
 #include "reading/FixedWidthReader.h"
+#include "support/RecordTexts.h"
 #include "support/TemporaryFolder.h"
 
 namespace TextFile {
 namespace {
-
-using Rows = std::vector<std::vector<std::u16string>>;
-
-Rows RowsOf(Reader& reader) {
-  Rows rows;
-  while (reader.ReadRecord()) {
-    rows.emplace_back();
-    for (std::size_t i = 0; i < reader.record().size(); ++i)
-      rows.back().emplace_back(reader.record()[i]);
-  }
-  return rows;
-}
 
 std::string RandomBytes(std::mt19937& random, std::string_view characters) {
   std::string bytes;
@@ -66,7 +54,7 @@ TEST_F(FastSplittingTest, DelimitedFilesGiveTheSameFields) {
     DelimitedReader quick(table);
     DelimitedReader exact(table);
     exact.SplitExactly();
-    ASSERT_EQ(RowsOf(quick), RowsOf(exact)) << ::testing::PrintToString(bytes);
+    ASSERT_EQ(FieldsOfRecords(quick), FieldsOfRecords(exact)) << ::testing::PrintToString(bytes);
   }
 }
 
@@ -84,7 +72,7 @@ TEST_F(FastSplittingTest, FixedWidthFilesGiveTheSameFields) {
     FixedWidthReader quick(table);
     FixedWidthReader exact(table);
     exact.CutExactly();
-    ASSERT_EQ(RowsOf(quick), RowsOf(exact)) << ::testing::PrintToString(bytes);
+    ASSERT_EQ(FieldsOfRecords(quick), FieldsOfRecords(exact)) << ::testing::PrintToString(bytes);
   }
 }
 

@@ -11,13 +11,14 @@
 #include "reading/FixedWidthReader.h"
 #include "reading/PlainRowIndex.h"
 #include "reading/UnitSearch.h"
+#include "support/RecordTexts.h"
 #include "support/TemporaryFolder.h"
 #include "support/TestText.h"
 
 namespace TextFile {
 namespace {
 
-using Rows = std::vector<std::vector<std::u16string>>;
+using Rows = RecordFields;
 using Fields = std::vector<std::string>;
 using quenra::test::ToUtf8;
 
@@ -189,16 +190,6 @@ Rows RowsOf(Reader& reader, std::size_t& plainRows) {
   }
 }
 
-Rows RecordsOf(Reader& reader) {
-  Rows rows;
-  while (reader.ReadRecord()) {
-    rows.emplace_back();
-    for (std::size_t i = 0; i < reader.record().size(); ++i)
-      rows.back().emplace_back(reader.record()[i]);
-  }
-  return rows;
-}
-
 class PlainRowTest : public ::testing::Test {
  protected:
   TextDatasetDescription Table(std::string_view bytes) {
@@ -249,7 +240,7 @@ TEST_F(PlainRowTest, CursorsOfDelimitedFilesSeeTheSameRows) {
     DelimitedReader quick(table);
     DelimitedReader exact(table);
     exact.SplitExactly();
-    const Rows expected = RecordsOf(exact);
+    const Rows expected = FieldsOfRecords(exact);
     ASSERT_EQ(RowsOf(quick, plainRows), expected) << ::testing::PrintToString(bytes);
     EXPECT_EQ(quick.StreamAtEnd(), exact.StreamAtEnd());
     EXPECT_EQ(quick.encoding(), exact.encoding());
@@ -274,7 +265,7 @@ TEST_F(PlainRowTest, CursorsOfFixedWidthFilesSeeTheSameRows) {
     FixedWidthReader quick(table);
     FixedWidthReader exact(table);
     exact.CutExactly();
-    const Rows expected = RecordsOf(exact);
+    const Rows expected = FieldsOfRecords(exact);
     ASSERT_EQ(RowsOf(quick, plainRows), expected) << ::testing::PrintToString(bytes);
     EXPECT_EQ(quick.StreamAtEnd(), exact.StreamAtEnd());
     EXPECT_EQ(quick.encoding(), exact.encoding());
@@ -298,7 +289,7 @@ TEST_F(PlainRowTest, RowsAmongOthersInLongFilesAreTheSame) {
     DelimitedReader exact(Table(bytes));
     exact.SplitExactly();
     std::size_t plainRows = 0;
-    const Rows expected = RecordsOf(exact);
+    const Rows expected = FieldsOfRecords(exact);
     ASSERT_EQ(RowsOf(quick, plainRows), expected) << "round " << i;
     EXPECT_GT(plainRows, expected.size() / 2);
   }

@@ -16,6 +16,18 @@ inline std::u16string RecordText(const TextFile::Record& record) {
   return record.empty() ? u"(none)" : text;
 }
 
+// Every record that is left, as its fields.
+using RecordFields = std::vector<std::vector<std::u16string>>;
+inline RecordFields FieldsOfRecords(TextFile::Reader& reader) {
+  RecordFields records;
+  while (reader.ReadRecord()) {
+    records.emplace_back();
+    for (std::size_t i = 0; i < reader.record().size(); ++i)
+      records.back().emplace_back(reader.record()[i]);
+  }
+  return records;
+}
+
 // Every record that is left.
 inline std::vector<std::u16string> RecordTexts(TextFile::Reader& reader) {
   std::vector<std::u16string> texts;
