@@ -13,6 +13,9 @@
 //   static bool AnyAboveAscii(const Block (&blocks)[4]);
 //   static std::uint64_t PrefixXor(std::uint64_t bits);  // bit i: xor of the bits 0 to i
 //   static std::size_t PositionOf(std::uint64_t bits);   // of the lowest one; 64 without any
+// and, where that is quicker than one after the other,
+//   // Writes bytes + PositionOf each of `bits`, and up to 8 places more.
+//   static void WritePlaces(std::uint64_t bits, const char* bytes, const char** places);
 #pragma once
 
 #include <bit>

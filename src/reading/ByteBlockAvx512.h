@@ -1,11 +1,18 @@
-// ByteBlock.h for processors with AVX-512. Included where code is compiled for these alone, behind
-// <immintrin.h>.
+// ByteBlock.h for processors with AVX-512 that can sort bytes out (VBMI2). Included where code is
+// compiled for these alone, behind <immintrin.h>.
 #pragma once
 
 #include <cstddef>
 #include <cstdint>
 
 namespace TextFile {
+
+struct BytePositions {
+  alignas(64) std::uint8_t bytes[64];
+  constexpr BytePositions() noexcept : bytes() {
+    for (unsigned i = 0; i < 64; ++i) bytes[i] = static_cast<std::uint8_t>(i);
+  }
+};
 
 class Avx512Block {
  public:
@@ -35,8 +42,25 @@ class Avx512Block {
   static std::size_t PositionOf(std::uint64_t bits) noexcept {
     return static_cast<std::size_t>(_tzcnt_u64(bits));
   }
+  static void WritePlaces(std::uint64_t bits, const char* bytes, const char** places) noexcept {
+    static constexpr BytePositions kAll;
+    const __m512i positions = _mm512_maskz_compress_epi8(bits, _mm512_load_si512(kAll.bytes));
+    const int count = __builtin_popcountll(bits);
+    WriteEight(_mm512_castsi512_si128(positions), bytes, places);
+    if (count <= 8) return;
+    alignas(64) std::uint8_t packed[64];
+    _mm512_store_si512(packed, positions);
+    for (int i = 8; i < count; i += 8)
+      WriteEight(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(packed + i)), bytes, places + i);
+  }
 
  private:
+  // The positions are the eight lowest bytes.
+  static void WriteEight(__m128i positions, const char* bytes, const char** places) noexcept {
+    const __m512i from = _mm512_set1_epi64(reinterpret_cast<long long>(bytes));
+    _mm512_storeu_si512(places, _mm512_add_epi64(from, _mm512_cvtepu8_epi64(positions)));
+  }
+
   __m512i bytes_;
 };
 

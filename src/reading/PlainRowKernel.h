@@ -109,13 +109,21 @@ class PlainRowKernel {
     PlainRow::Bound* place = state_.bounds + state_.boundCount;
     state_.boundCount += CountOf(bounds);
     if (dialect_.delimiter == '\0' && bounds == 0) return;
+    if constexpr (requires { Block::WritePlaces(bounds, state_.next, place); })
+      Block::WritePlaces(bounds, state_.next, place);
+    else
+      WritePlaces(bounds, place);
+  }
+
+  // The block's byte of every bit, kAtOnce of them or a multiple.
+  [[gnu::always_inline]] inline void WritePlaces(Mask bits, PlainRow::Bound* place) const noexcept {
     do {
       for (std::size_t i = 0; i < kAtOnce; ++i) {
-        place[i] = state_.next + Block::PositionOf(bounds);
-        bounds &= bounds - 1;
+        place[i] = state_.next + Block::PositionOf(bits);
+        bits &= bits - 1;
       }
       place += kAtOnce;
-    } while (bounds != 0);
+    } while (bits != 0);
   }
 
   // Where the lowest of `rowEnds` comes among the bounds.

@@ -12,11 +12,12 @@
 #include <cstring>
 
 #ifdef __clang__
-#pragma clang attribute push(__attribute__((target("avx512f,avx512bw,bmi,pclmul,popcnt"))), \
-                             apply_to = function)
+#pragma clang attribute push(                                                  \
+    __attribute__((target("avx512f,avx512bw,avx512vbmi2,bmi,pclmul,popcnt"))), \
+    apply_to = function)
 #else
 #pragma GCC push_options
-#pragma GCC target("avx512f,avx512bw,bmi,pclmul,popcnt")
+#pragma GCC target("avx512f,avx512bw,avx512vbmi2,bmi,pclmul,popcnt")
 #endif
 
 #include "reading/ByteBlockAvx512.h"
@@ -45,8 +46,9 @@ void IndexRowsAvx512(const PlainRowDialect& dialect, PlainRowState& state) {
 namespace TextFile {
 
 bool HasAvx512Kernels() noexcept {
-  return __builtin_cpu_supports("avx512bw") && __builtin_cpu_supports("bmi") &&
-         __builtin_cpu_supports("pclmul") && __builtin_cpu_supports("popcnt");
+  return __builtin_cpu_supports("avx512bw") && __builtin_cpu_supports("avx512vbmi2") &&
+         __builtin_cpu_supports("bmi") && __builtin_cpu_supports("pclmul") &&
+         __builtin_cpu_supports("popcnt");
 }
 
 }  // namespace TextFile
