@@ -143,7 +143,7 @@ class PlainWalk {
 
   // False behind the last row.
   bool Advance() {
-    plain_ = reader_->ReadPlainRow(row_);
+    plain_ = (plain_ && row_.GoOn()) || reader_->ReadPlainRow(row_);
     return plain_ || reader_->ReadRecord();
   }
 

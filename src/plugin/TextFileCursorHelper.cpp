@@ -24,6 +24,7 @@ TextFileCursorHelper::TextFileCursorHelper(
       converter_(std::move(table), &LoadResourceString, TextFile::RowConverter::Reported::kNull) {}
 
 HRESULT STDMETHODCALLTYPE TextFileCursorHelper::AdvanceRecord() try {
+  if (onPlainRow_ && plainRow_.GoOn()) return S_OK;
   if (!finished_) {
     onPlainRow_ = reader_->ReadPlainRow(plainRow_);
     finished_ = !onPlainRow_ && !reader_->ReadRecord();

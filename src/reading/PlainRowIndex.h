@@ -70,6 +70,10 @@ class PlainRowIndex {
   // refers to the source and to the index, until the next call.
   const char* Take(const Source& source, const char* begin, PlainRow& row);
 
+  // Takes the rows that `row`, taken from here last, has gone on to. Answers where the one behind
+  // them begins; null when it has not gone on.
+  const char* TakeWalk(PlainRow& row) noexcept;
+
   // Whether the row that was taken last, or one before it in the same source, has bytes above 127.
   bool TookNonAscii() const noexcept {
     return state_.nonAscii != nullptr && begin_ > state_.nonAscii;
@@ -117,9 +121,18 @@ inline const char* PlainRowIndex::Take(const Source& source, const char* begin, 
     // The line feed is a bound of the row before, which may end in front of a carriage return.
     *first = line - 1;
     *last = end;
-    row.ReferTo(first, fields, dialect_.textDelimiter);
+    row.ReferTo(first, fields, dialect_.textDelimiter,
+                {state_.bounds, state_.rows + row_, state_.rows + state_.rowCount, begin_});
     return begin_;
   }
+}
+
+inline const char* PlainRowIndex::TakeWalk(PlainRow& row) noexcept {
+  const PlainRow::Found* const behind = row.TakeWalk();
+  if (behind == nullptr) return nullptr;
+  row_ = static_cast<std::size_t>(behind->row - state_.rows);
+  firstBound_ = state_.rows[row_ - 1];
+  return begin_ = behind->next;
 }
 
 }  // namespace TextFile

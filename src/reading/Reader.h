@@ -29,7 +29,8 @@ class Reader {
   virtual bool ReadRecord() = 0;
 
   // Takes the next row when it is a plain one; no record is then held. False for any other row, and
-  // at the end: nothing is taken, and ReadRecord goes on from there.
+  // at the end: nothing is taken, and ReadRecord goes on from there. All calls have the same `row`;
+  // one that has gone on by itself is brought back by another call, before any other use.
   virtual bool ReadPlainRow(PlainRow&) { return false; }
 
   // Reads the beginning of the file to settle delimiter, decimal symbol, record terminator, header

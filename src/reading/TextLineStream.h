@@ -66,7 +66,8 @@ class TextLineStream {
 
   // Takes the next row, if it is plain, by an index that is used with this stream alone;
   // `asciiOnly` asks for rows of ASCII characters. Blank lines in front of the row are taken with
-  // it. It is valid until the next call. False for other rows, and nothing is then taken.
+  // it. It is valid until the next call. False for other rows, and nothing is then taken. `row` is
+  // the one of the call before: what it has gone on to since is taken first.
   bool TakePlainRow(PlainRowIndex& index, bool asciiOnly, PlainRow& row);
 
   // Goes on before the next `byte` of the data (in UTF-16 files: before the next such unit). False
@@ -108,6 +109,7 @@ class TextLineStream {
   void CutAtTextEnd(std::size_t from) noexcept;
   bool Available();
   bool TakePlainLine(UnitBuffer& line);
+  void GoTo(const char* place, const PlainRowIndex& index) noexcept;
   std::string_view TakeRaw(bool& delimiterFound);
   std::string_view TakeLineBytes();
   std::string_view TakeCarriageReturnLine();
@@ -137,14 +139,20 @@ class TextLineStream {
 };
 
 inline bool TextLineStream::TakePlainRow(PlainRowIndex& index, bool asciiOnly, PlainRow& row) {
+  if (const char* const end = index.TakeWalk(row)) GoTo(end, index);
   if (!Is8Bit() || lineDelimiter_ != '\n') return false;
   asciiOnly |= encoding_ == TextEncoding::kAnsi;
   const char* const begin = block_.get();
   const char* const end = index.Take({{begin, end_}, moves_, asciiOnly}, begin + next_, row);
   if (end == nullptr) return false;
-  next_ = static_cast<std::size_t>(end - begin);
-  tookNonAscii_ |= index.TookNonAscii();
+  GoTo(end, index);
   return true;
+}
+
+// Behind the rows that the index has taken.
+inline void TextLineStream::GoTo(const char* place, const PlainRowIndex& index) noexcept {
+  next_ = static_cast<std::size_t>(place - block_.get());
+  tookNonAscii_ |= index.TookNonAscii();
 }
 
 }  // namespace TextFile
