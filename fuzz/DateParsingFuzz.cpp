@@ -9,7 +9,7 @@
 
 #include "FuzzInput.h"
 #include "inference/DateParsing.h"
-#include "inference/PlainDate.h"
+#include "inference/PlainCells.h"
 
 namespace {
 
@@ -30,11 +30,16 @@ void CheckPlainDate(const TextFile::DateFieldFormat& format, std::u16string_view
   for (const char16_t unit : text) bytes += unit < 0x80 ? static_cast<char>(unit) : '\xC3';
   TextFile::PlainDate date;
   TextFile::PlainDate ofBytes;
+  TextFile::PlainDate quick;
   const bool isPlain = TextFile::ReadPlainDate(format, text, date);
   Check(TextFile::ReadPlainDate(format, bytes, ofBytes) == isPlain);
+  const std::string padded = bytes + std::string(TextFile::kPlainDateBytes, '7');
+  const std::string_view view = std::string_view(padded).substr(0, bytes.size());
+  Check(TextFile::QuickestPlainCells().readDate(format, view, quick) == isPlain);
   if (!isPlain) return;
-  Check(ofBytes.day.year == date.day.year && ofBytes.day.month == date.day.month &&
-        ofBytes.day.day == date.day.day && ofBytes.seconds == date.seconds);
+  for (const TextFile::PlainDate& other : {ofBytes, quick})
+    Check(other.day.year == date.day.year && other.day.month == date.day.month &&
+          other.day.day == date.day.day && other.seconds == date.seconds);
   const SYSTEMTIME& time = value.time;
   Check(read && date.day.year == time.wYear && date.day.month == time.wMonth &&
         date.day.day == time.wDay && time.wMilliseconds == 0 && !value.fractionalSeconds);

@@ -13,7 +13,7 @@
 #include "FuzzInput.h"
 #include "host/CoreSupport/CharacterClasses.h"
 #include "inference/NumberParsing.h"
-#include "inference/PlainNumberVector.h"
+#include "inference/PlainCells.h"
 
 namespace {
 
@@ -93,7 +93,7 @@ void CheckPlainNumber(char16_t decimalSymbol, std::u16string_view text) {
   TextFile::PlainNumber quick;
   const bool isPlain = TextFile::ReadPlainNumber(decimalSymbol, text, ofUnits);
   Check(TextFile::ReadPlainNumber(decimalSymbol, bytes, ofBytes) == isPlain);
-  Check(TextFile::QuickestPlainNumberReader()(decimalSymbol, view, quick) == isPlain);
+  Check(TextFile::QuickestPlainCells().readNumber(decimalSymbol, view, quick) == isPlain);
   if (!isPlain) return;
   for (const TextFile::PlainNumber& number : {ofBytes, quick})
     Check(number.digits == ofUnits.digits && number.decimals == ofUnits.decimals &&

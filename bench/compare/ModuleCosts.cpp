@@ -170,16 +170,22 @@ class AllValues {
   AllValues(const AllValues&) = delete;
   AllValues& operator=(const AllValues&) = delete;
 
-  // Fills the slots from the current record; false behind the last one.
+  // Fills the slots from the next record, the first one at first; false behind the last one.
   bool Read() {
-    VARIANT_BOOL finished = VARIANT_FALSE;
-    Require(cursor_->AtLastRecord(&finished), "cursor");
-    if (finished != VARIANT_FALSE) return false;
+    if (started_) {
+      const HRESULT result = cursor_->AdvanceRecord();
+      Require(result, "row");
+      if (result != S_OK) return false;
+    } else {
+      VARIANT_BOOL finished = VARIANT_FALSE;
+      Require(cursor_->AtLastRecord(&finished), "cursor");
+      if (finished != VARIANT_FALSE) return false;
+      started_ = true;
+    }
     Clear();
     Require(values_->ReadRecordValuesFast(slots_.data()), "row");
     return true;
   }
-  void Advance() { Require(cursor_->AdvanceRecord(), "row"); }
 
   const ComPtr<quenra::HostFieldCollection>& Fields() const noexcept { return fields_; }
   const std::vector<quenra::HostFieldValue>& Slots() const noexcept { return slots_; }
@@ -193,6 +199,7 @@ class AllValues {
   std::vector<quenra::HostFieldValue> slots_;
   ComPtr<quenra::IPlugInCursorHelper> cursor_;
   ComPtr<quenra::IPlugInFastQueryValues> values_;
+  bool started_ = false;
 };
 
 void Open(const Module& module, const char* path) {
@@ -223,7 +230,7 @@ void Scan(const Module& module, char** paths) {
     const double start = Seconds(CLOCK_PROCESS_CPUTIME_ID);
     for (const auto& table : tables) {
       AllValues values(*table);
-      for (; values.Read(); ++rows) values.Advance();
+      while (values.Read()) ++rows;
       columns = static_cast<long long>(values.Slots().size());
     }
     return Seconds(CLOCK_PROCESS_CPUTIME_ID) - start;
@@ -268,10 +275,8 @@ void Write(const Module& module, const char* path, const char* newPath, long lon
   const auto source = module.OpenTable(path);
   AllValues values(*source);
   std::vector<ComPtr<quenra::HostRowBuffer>> rows;
-  while (rows.size() * values.Slots().size() < kMostCells && values.Read()) {
+  while (rows.size() * values.Slots().size() < kMostCells && values.Read())
     rows.push_back(RowOf(values, lent));
-    values.Advance();
-  }
 
   const TablePath target = Split(newPath);
   ComPtr<quenra::IPlugInDatasetHelper> dataset;
@@ -299,7 +304,7 @@ void Cursors(const Module& module, const char* path, long long count) {
   std::vector<std::unique_ptr<AllValues>> cursors;
   for (long long i = 0; i < count; ++i) {
     AllValues& values = *cursors.emplace_back(std::make_unique<AllValues>(*dataset));
-    for (int row = 0; row < kRows && values.Read(); ++row) values.Advance();
+    for (int row = 0; row < kRows && values.Read(); ++row) continue;
   }
   std::printf("peak_kib %lld\n", FromProc("status", "VmHWM:"));
 }

@@ -29,6 +29,11 @@ struct PlainNumber {
   bool negative;
 };
 
+// Whether numbers with the decimal symbol may be plain.
+constexpr bool HasPlainNumbers(char16_t decimalSymbol) noexcept {
+  return decimalSymbol == u'.' || decimalSymbol == u',';
+}
+
 namespace PlainNumberSteps {
 
 // The number whose digits are the bytes of `digits`, the lowest one first.
@@ -111,7 +116,7 @@ template <class Character>
 bool Read(char16_t decimalSymbol, std::basic_string_view<Character> text,
           PlainNumber& number) noexcept {
   number = {};
-  if (decimalSymbol != u'.' && decimalSymbol != u',') return false;
+  if (!HasPlainNumbers(decimalSymbol)) return false;
   const auto symbolByte = static_cast<unsigned char>(decimalSymbol ^ u'0');
   number.negative = !text.empty() && text.front() == Character{'-'};
   text.remove_prefix(number.negative);

@@ -1,18 +1,15 @@
 #include "inference/RowConverter.h"
 
 #include <algorithm>
-#include <new>
 
 #include "host/CoreSupport/CharacterClasses.h"
 #include "host/CoreSupport/Components.h"
 #include "host/CoreSupport/DatetimeHelper.h"
-#include "host/CoreSupport/OleDays.h"
 #include "host/CoreSupport/Variant.h"
 #include "host/interfaces/HostClasses.h"
 #include "host/interfaces/HostTimestampOffset.h"
+#include "inference/CellValues.h"
 #include "inference/NumberParsing.h"
-#include "inference/PlainDate.h"
-#include "platform/OleText.h"
 
 namespace TextFile {
 
@@ -23,20 +20,6 @@ constexpr double kMillisecondsPerDay = 8.64e7;
 DATE FractionOfDay(const SYSTEMTIME& time) noexcept {
   const int seconds = (time.wHour * 60 + time.wMinute) * 60 + time.wSecond;
   return (seconds * 1000 + time.wMilliseconds) / kMillisecondsPerDay;
-}
-
-void SetNull(VARIANT& value) noexcept { value.vt = VT_NULL; }
-
-void SetDouble(VARIANT& value, double number) noexcept {
-  value.dblVal = number;
-  value.vt = VT_R8;
-}
-
-// `value` is empty.
-void SetText(VARIANT& value, std::u16string_view text) {
-  value.bstrVal = ::SysAllocStringLen(AsOle(text.data()), static_cast<UINT>(text.size()));
-  if (value.bstrVal == nullptr) throw std::bad_alloc();
-  value.vt = VT_BSTR;
 }
 
 void SetNumber(VARIANT& value, FieldType type, const NumberValue& number) noexcept {
@@ -63,45 +46,6 @@ void SetNumber(VARIANT& value, FieldType type, const NumberValue& number) noexce
   }
 }
 
-// False, and `value` stays empty, when the type cannot hold the number or not by this way.
-inline bool SetPlainNumber(FieldType type, const PlainNumber& number, VARIANT& value) noexcept {
-  switch (type) {
-    case FieldType::kDouble:
-      if (!PlainDouble(number, value.dblVal)) return false;
-      value.vt = VT_R8;
-      return true;
-    case FieldType::kInteger:
-      if (!PlainInteger(number, value.lVal)) return false;
-      value.vt = VT_I4;
-      return true;
-    default:
-      if (!PlainInteger(number, value.llVal)) return false;
-      value.vt = VT_I8;
-      return true;
-  }
-}
-
-// Whether SetPlainNumber would set it.
-inline bool IsPlainValue(FieldType type, const PlainNumber& number) noexcept {
-  if (type == FieldType::kDouble) return IsPlainDouble(number);
-  LONG integer = 0;
-  LONGLONG bigInteger = 0;
-  return type == FieldType::kInteger ? PlainInteger(number, integer)
-                                     : PlainInteger(number, bigInteger);
-}
-
-// False, and `value` stays empty, for any text that is not a plain date.
-template <class Character>
-inline bool ConvertPlainDate(const DateFieldFormat& format, std::basic_string_view<Character> text,
-                             VARIANT& value) noexcept {
-  PlainDate date;
-  if (!ReadPlainDate(format, text, date) ||
-      !quenra::OleDateOf(date.day, date.seconds * 1000, value.date))
-    return false;
-  value.vt = VT_DATE;
-  return true;
-}
-
 // The host's object for a date with an offset; null when the host cannot make one.
 IUnknown* MakeTimestamp(DATE date, SHORT offsetMinutes) noexcept {
   quenra::HostTimestampOffset* timestamp = nullptr;
@@ -122,33 +66,38 @@ std::u16string_view TextOf(const PlainRow& row, std::size_t column, UnitBuffer& 
 }  // namespace
 
 RowConverter::RowConverter(std::shared_ptr<const TextDatasetDescription> table,
-                           MessageLoader loadMessage, Reported reported)
+                           MessageLoader loadMessage, Reported reported,
+                           const PlainCells& plainCells)
     : table_(std::move(table)),
       loadMessage_(loadMessage),
       reported_(reported),
-      decimalSymbol_(table_->options.number.decimalSymbol) {
+      decimalSymbol_(table_->options.number.decimalSymbol),
+      plainCells_(plainCells) {
   ::VariantInit(&unwanted_);
   for (const FieldDefinition& field : table_->fields) fields_.push_back({&unwanted_, field.type});
 }
 
 // Of a field of the file.
-RowConverter::Way RowConverter::WayOf(std::size_t field) const noexcept {
+CellWay RowConverter::WayOf(std::size_t field) const noexcept {
   const std::vector<FieldDefinition>& fields = table_->fields;
   const auto isVirtual = [&fields](std::size_t i, bool pair) {
     return i < fields.size() && fields[i].isCoordinate && fields[i].isPair == pair;
   };
   switch (fields[field].type) {
     case FieldType::kString:
-      if (isVirtual(field + 1, false)) return Way::kCoordinates;
-      if (isVirtual(field + 2, true) && !fields[field + 1].isCoordinate) return Way::kTwoTexts;
-      return Way::kText;
+      if (isVirtual(field + 1, false)) return CellWay::kCoordinates;
+      if (isVirtual(field + 2, true) && !fields[field + 1].isCoordinate) return CellWay::kTwoTexts;
+      return CellWay::kText;
     case FieldType::kDouble:
+      return HasPlainNumbers(decimalSymbol_) ? CellWay::kDouble : CellWay::kOther;
     case FieldType::kInteger:
+      return HasPlainNumbers(decimalSymbol_) ? CellWay::kInteger : CellWay::kOther;
     case FieldType::kBigInteger:
-      return Way::kNumber;
+      return HasPlainNumbers(decimalSymbol_) ? CellWay::kBigInteger : CellWay::kOther;
     default:
       const DateFieldFormat& dates = fields[field].dateFormat;
-      return dates.type == fields[field].type && HasPlainDates(dates) ? Way::kDate : Way::kOther;
+      return dates.type == fields[field].type && HasPlainDates(dates) ? CellWay::kDate
+                                                                      : CellWay::kOther;
   }
 }
 
@@ -157,13 +106,13 @@ void RowConverter::MakeSteps() {
   fieldsOfColumns_.clear();
   stepsFit_ = true;
   for (std::size_t field = 0; field < fields_.size();) {
-    const Way way = WayOf(field);
-    const std::size_t columns = way == Way::kTwoTexts ? 2 : 1;
-    const std::size_t fields = columns + (way >= Way::kCoordinates ? 2 : 0);
+    const CellWay way = WayOf(field);
+    const std::size_t columns = way == CellWay::kTwoTexts ? 2 : 1;
+    const std::size_t fields = columns + (way >= CellWay::kCoordinates ? 2 : 0);
     const std::size_t column = fieldsOfColumns_.size();
     if (NeedsStep(field, fields))
-      steps_.push_back({fields_[field].slot, &table_->fields[field].dateFormat, column, field,
-                        fields_[field].type, way, IsWanted(field)});
+      steps_.push_back({fields_[field].slot, &table_->fields[field].dateFormat, column, field, way,
+                        IsWanted(field)});
     field += fields;
     fieldsOfColumns_.insert(fieldsOfColumns_.end(), columns, field);
   }
@@ -177,90 +126,68 @@ bool RowConverter::NeedsStep(std::size_t field, std::size_t fields) const noexce
   return false;
 }
 
-// How many fields have texts in a record of so many columns.
-std::size_t RowConverter::FieldsOf(std::size_t columns) const noexcept {
-  const std::size_t known = std::min(columns, fieldsOfColumns_.size());
-  return known == 0 ? 0 : fieldsOfColumns_[known - 1];
+std::size_t RowConverter::Convert(const Record& record) {
+  BeginRow();
+  for (const CellStep& step : steps_) {
+    if (step.column >= record.size()) break;
+    if (step.wanted || !FitsPlainly(step, record[step.column])) ConvertStep(step, record);
+  }
+  if (!mismatches_.empty()) ReportAll();
+  return FieldsOf(record.size());
+}
+
+// From a step on that the plain cells have left.
+void RowConverter::ConvertRest(const PlainRow& row, const CellStep* step) {
+  const CellStep* const end = steps_.data() + steps_.size();
+  while (step != end && step->column < row.size()) {
+    ConvertStep(*step, row);
+    step = plainCells_.convert(row, step + 1, end, decimalSymbol_, text_);
+  }
+  if (!mismatches_.empty()) ReportAll();
 }
 
 template <class Row>
-[[gnu::always_inline]] inline std::size_t RowConverter::ConvertRow(const Row& row) {
-  static_assert(kPlainNumberBytes <= kPlainRowPadding);
-  if (!messages_.empty()) messages_.clear();
-  if (!mismatches_.empty()) mismatches_.clear();
-  if (!stepsFit_) MakeSteps();
-  const std::size_t columns = row.size();
-  for (const Step& step : steps_) {
-    if (step.column >= columns) break;
-    const auto text = row[step.column];
-    if (!step.wanted && FitsPlainly(step, text)) continue;
-    VARIANT& value = *step.slot;
-    quenra::ClearVariant(value);
-    if (step.way >= Way::kCoordinates) {
-      ConvertCoordinates(step, row);
-    } else if (text.empty()) {
-      SetNull(value);
-    } else if (step.way == Way::kText) {
-      ConvertText(row, step.column, value);
-    } else if (!ConvertPlainly(step, text, value)) {
-      ConvertCell({step.field, step.column, TextOf(row, step.column, text_)}, value);
-    }
-  }
-  if (!mismatches_.empty()) ReportAll();
-  return FieldsOf(columns);
+void RowConverter::ConvertStep(const CellStep& step, const Row& row) {
+  VARIANT& value = *step.slot;
+  quenra::ClearVariant(value);
+  if (step.way >= CellWay::kCoordinates) return ConvertCoordinates(step, row);
+  const std::u16string_view text = TextOf(row, step.column, text_);
+  if (quenra::IsBlank(text))
+    SetNull(value);
+  else if (step.way == CellWay::kText)
+    SetText(value, text);
+  else if (!ConvertPlainly(step, text, value))
+    ConvertCell({step.field, step.column, text}, value);
 }
 
-// Whether a value that nobody asks for is a plain one of its type, or blank. False says nothing
+// Whether a value that nobody asks for is a plain one of its type, or empty. False says nothing
 // about the text.
-template <class Character>
-[[gnu::always_inline]] inline bool RowConverter::FitsPlainly(
-    const Step& step, std::basic_string_view<Character> text) const noexcept {
-  if (step.way == Way::kNumber) {
-    PlainNumber number;
-    return text.empty() || (ReadNumber(text, number) && IsPlainValue(step.type, number));
+bool RowConverter::FitsPlainly(const CellStep& step, std::u16string_view text) const noexcept {
+  if (step.way == CellWay::kText || step.way >= CellWay::kOther) return false;
+  if (text.empty()) return true;
+  if (step.way == CellWay::kDate) {
+    PlainDate date;
+    return ReadPlainDate(*step.dates, text, date) && quenra::IsOleDay(date.day);
   }
-  PlainDate date;
-  return step.way == Way::kDate &&
-         (text.empty() || (ReadPlainDate(*step.dates, text, date) && quenra::IsOleDay(date.day)));
+  PlainNumber number;
+  return ReadPlainNumber(decimalSymbol_, text, number) && IsPlainValue(step.way, number);
 }
 
 // The short ways of plain numbers and dates. False leaves `value` empty and says nothing about the
 // text.
-template <class Character>
-[[gnu::always_inline]] inline bool RowConverter::ConvertPlainly(
-    const Step& step, std::basic_string_view<Character> text, VARIANT& value) const noexcept {
-  if (step.way == Way::kNumber) {
-    PlainNumber number;
-    return ReadNumber(text, number) && SetPlainNumber(step.type, number, value);
+bool RowConverter::ConvertPlainly(const CellStep& step, std::u16string_view text,
+                                  VARIANT& value) const noexcept {
+  if (step.way == CellWay::kOther) return false;
+  if (step.way == CellWay::kDate) {
+    PlainDate date;
+    return ReadPlainDate(*step.dates, text, date) && SetPlainDate(date, value);
   }
-  return step.way == Way::kDate && ConvertPlainDate(*step.dates, text, value);
+  PlainNumber number;
+  return ReadPlainNumber(decimalSymbol_, text, number) && SetPlainNumber(step.way, number, value);
 }
 
-// A text that is not empty and is asked for; `value` is empty.
-inline void RowConverter::ConvertText(const Record& record, std::size_t column, VARIANT& value) {
-  const std::u16string_view text = record[column];
-  if (quenra::IsBlank(text))
-    SetNull(value);
-  else
-    SetText(value, text);
-}
-
-inline void RowConverter::ConvertText(const PlainRow& row, std::size_t column, VARIANT& value) {
-  static_assert(kShortField <= kPlainRowPadding);
-  const std::string_view bytes = row[column];
-  char16_t units[kShortField];
-  if (bytes.front() > ' ' && bytes.front() != row.textDelimiter() && WidenShortAscii(bytes, units))
-    return SetText(value, {units, bytes.size()});
-  const std::u16string_view text = row.Text(column, text_);
-  if (quenra::IsBlank(text))
-    SetNull(value);
-  else
-    SetText(value, text);
-}
-
-// Any text, for any type but kString; `value` is empty.
+// Any text that is not blank, for any type but kString; `value` is empty.
 void RowConverter::ConvertCell(const Cell& cell, VARIANT& value) {
-  if (quenra::IsBlank(cell.text)) return SetNull(value);
   switch (fields_[cell.field].type) {
     case FieldType::kSmallInteger:
     case FieldType::kInteger:
@@ -340,14 +267,10 @@ bool RowConverter::SetDate(std::size_t field, const ParsedDateTime& parsed, VARI
   return true;
 }
 
-std::size_t RowConverter::Convert(const Record& record) { return ConvertRow(record); }
-
-std::size_t RowConverter::Convert(const PlainRow& row) { return ConvertRow(row); }
-
 // A text column whose values hold coordinates, with its virtual fields, and in the form with two
 // texts its neighbour with them.
 template <class Row>
-void RowConverter::ConvertCoordinates(const Step& step, const Row& row) {
+void RowConverter::ConvertCoordinates(const CellStep& step, const Row& row) {
   const auto deliver = [this](std::size_t to, std::u16string_view text) {
     if (IsWanted(to)) SetText(*fields_[to].slot, text);
   };
@@ -359,7 +282,7 @@ void RowConverter::ConvertCoordinates(const Step& step, const Row& row) {
   else
     deliver(field, text);
 
-  const bool twoTexts = step.way == Way::kTwoTexts;
+  const bool twoTexts = step.way == CellWay::kTwoTexts;
   const std::size_t virtualField = field + (twoTexts ? 2 : 1);
   for (std::size_t i = field + 1; i < virtualField + 2; ++i) quenra::ClearVariant(*fields_[i].slot);
   VARIANT& firstValue = *fields_[virtualField].slot;

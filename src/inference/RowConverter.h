@@ -17,9 +17,10 @@
 #include <vector>
 
 #include "host/DataCore/LatLongFormat.h"
+#include "inference/CellStep.h"
 #include "inference/DateParsing.h"
 #include "inference/MismatchReport.h"
-#include "inference/PlainNumberVector.h"
+#include "inference/PlainCells.h"
 #include "platform/OleAutomation.h"
 #include "reading/PlainRow.h"
 #include "reading/Record.h"
@@ -36,7 +37,8 @@ class RowConverter {
   // `table` must be loaded; it is shared, since a cursor may outlive the object it came from.
   // No field is wanted at first.
   RowConverter(std::shared_ptr<const TextDatasetDescription> table, MessageLoader loadMessage,
-               Reported reported = Reported::kAsConverted);
+               Reported reported = Reported::kAsConverted,
+               const PlainCells& plainCells = QuickestPlainCells());
   RowConverter(const RowConverter&) = delete;
   RowConverter& operator=(const RowConverter&) = delete;
 
@@ -53,7 +55,14 @@ class RowConverter {
   // of the others are left alone. A value that does not fit becomes VT_NULL (or, in columns of
   // whole or single numbers, the Double that it is) and is reported once a column.
   std::size_t Convert(const Record& record);
-  std::size_t Convert(const PlainRow& row);
+  std::size_t Convert(const PlainRow& row) {
+    BeginRow();
+    const CellStep* const end = steps_.data() + steps_.size();
+    const CellStep* const step =
+        plainCells_.convert(row, steps_.data(), end, decimalSymbol_, text_);
+    if (step != end) ConvertRest(row, step);
+    return FieldsOf(row.size());
+  }
 
   // The messages of the mismatches that the last Convert has reported, by field.
   const std::map<std::size_t, std::u16string>& messages() const noexcept { return messages_; }
@@ -63,24 +72,6 @@ class RowConverter {
     VARIANT* slot;  // or unwanted_
     FieldType type;
     bool reported = false;
-  };
-  // What is done for a column of the file.
-  enum class Way : std::uint8_t {
-    kText,
-    kNumber,       // of a type that has plain ones
-    kDate,         // the same
-    kOther,        // any type but kString
-    kCoordinates,  // a text with two virtual fields
-    kTwoTexts,     // two texts, of two columns and fields, with two virtual fields
-  };
-  struct Step {
-    VARIANT* slot;                 // of `field`
-    const DateFieldFormat* dates;  // of kDate
-    std::size_t column;
-    std::size_t field;
-    FieldType type;
-    Way way;
-    bool wanted;  // whether anybody asks for `field`
   };
   struct FieldMismatch {
     std::size_t field;
@@ -94,44 +85,44 @@ class RowConverter {
     std::u16string_view text;
   };
 
-  Way WayOf(std::size_t field) const noexcept;
+  CellWay WayOf(std::size_t field) const noexcept;
   bool NeedsStep(std::size_t field, std::size_t fields) const noexcept;
   void MakeSteps();
-  std::size_t FieldsOf(std::size_t columns) const noexcept;
+  // How many fields have texts in a record of so many columns.
+  std::size_t FieldsOf(std::size_t columns) const noexcept {
+    if (columns >= fieldsOfColumns_.size()) return fields_.size();
+    return columns == 0 ? 0 : fieldsOfColumns_[columns - 1];
+  }
   bool IsWanted(std::size_t field) const noexcept { return fields_[field].slot != &unwanted_; }
-  template <class Row>
-  std::size_t ConvertRow(const Row& row);
-  bool ReadNumber(std::u16string_view text, PlainNumber& number) const noexcept {
-    return ReadPlainNumber(decimalSymbol_, text, number);
-  }
-  bool ReadNumber(std::string_view text, PlainNumber& number) const noexcept {
-    return readPlainNumber_(decimalSymbol_, text, number);
-  }
-  template <class Character>
-  bool FitsPlainly(const Step& step, std::basic_string_view<Character> text) const noexcept;
-  template <class Character>
-  bool ConvertPlainly(const Step& step, std::basic_string_view<Character> text,
+  bool FitsPlainly(const CellStep& step, std::u16string_view text) const noexcept;
+  bool ConvertPlainly(const CellStep& step, std::u16string_view text,
                       VARIANT& value) const noexcept;
-  void ConvertText(const Record& record, std::size_t column, VARIANT& value);
-  void ConvertText(const PlainRow& row, std::size_t column, VARIANT& value);
+  template <class Row>
+  void ConvertStep(const CellStep& step, const Row& row);
   void ConvertCell(const Cell& cell, VARIANT& value);
   void ConvertNumber(const Cell& cell, VARIANT& value);
   void ConvertDouble(const Cell& cell, VARIANT& value);
   void ConvertDate(const Cell& cell, VARIANT& value);
   bool SetDate(std::size_t field, const ParsedDateTime& parsed, VARIANT& value);
   template <class Row>
-  void ConvertCoordinates(const Step& step, const Row& row);
+  void ConvertCoordinates(const CellStep& step, const Row& row);
   void Report(const Cell& cell, FieldType found, VARIANT& value);
   void ReportAll();
+  void BeginRow() {
+    if (!messages_.empty()) messages_.clear();
+    if (!mismatches_.empty()) mismatches_.clear();
+    if (!stepsFit_) MakeSteps();
+  }
+  void ConvertRest(const PlainRow& row, const CellStep* step);
 
   const std::shared_ptr<const TextDatasetDescription> table_;
   const MessageLoader loadMessage_;
   const Reported reported_;
   const char16_t decimalSymbol_;
-  const PlainNumberReader readPlainNumber_ = QuickestPlainNumberReader();
+  const PlainCells& plainCells_;
   quenra::LatLongFormat latLong_;
   std::vector<Field> fields_;
-  std::vector<Step> steps_;                   // in the order of columns
+  std::vector<CellStep> steps_;               // in the order of columns
   bool stepsFit_ = false;                     // the slots
   std::vector<std::size_t> fieldsOfColumns_;  // how many fields the first so many columns have
   UnitBuffer text_;                           // of a field of a plain row

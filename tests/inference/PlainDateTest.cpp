@@ -5,7 +5,7 @@
 #include <string>
 
 #include "inference/DateParsing.h"
-#include "inference/PlainDate.h"
+#include "inference/PlainCells.h"
 #include "support/ShowText.h"
 #include "support/TestText.h"
 
@@ -20,6 +20,9 @@ constexpr DateOrder kOrders[] = {DateOrder::kAny, DateOrder::kMonthDayYear,
 // Whether the text is a plain date of any of the formats.
 bool ExpectBothWaysAgree(const std::u16string& text) {
   bool plain = false;
+  const std::string bytes = quenra::test::ToUtf8(text);
+  const std::string padded = bytes + std::string(kPlainDateBytes, '7');
+  const std::string_view view = std::string_view(padded).substr(0, bytes.size());
   for (const FieldType type : kTypes) {
     for (const DateOrder order : kOrders) {
       for (const std::uint32_t version : {310u, 340u}) {
@@ -30,16 +33,19 @@ bool ExpectBothWaysAgree(const std::u16string& text) {
         ParsedDateTime exact;
         PlainDate date;
         PlainDate ofBytes;
+        PlainDate quick;
         if (!HasPlainDates(format)) continue;
         const bool isPlain = ReadPlainDate(format, text, date);
-        EXPECT_EQ(ReadPlainDate(format, quenra::test::ToUtf8(text), ofBytes), isPlain)
-            << Show(text);
+        EXPECT_EQ(ReadPlainDate(format, bytes, ofBytes), isPlain) << Show(text);
+        EXPECT_EQ(QuickestPlainCells().readDate(format, view, quick), isPlain) << Show(text);
         if (!isPlain) continue;
         plain = true;
-        EXPECT_EQ(ofBytes.day.year, date.day.year) << Show(text);
-        EXPECT_EQ(ofBytes.day.month, date.day.month) << Show(text);
-        EXPECT_EQ(ofBytes.day.day, date.day.day) << Show(text);
-        EXPECT_EQ(ofBytes.seconds, date.seconds) << Show(text);
+        for (const PlainDate& other : {ofBytes, quick}) {
+          EXPECT_EQ(other.day.year, date.day.year) << Show(text);
+          EXPECT_EQ(other.day.month, date.day.month) << Show(text);
+          EXPECT_EQ(other.day.day, date.day.day) << Show(text);
+          EXPECT_EQ(other.seconds, date.seconds) << Show(text);
+        }
         EXPECT_TRUE(ParseDateTime(format, text, exact)) << Show(text);
         const SYSTEMTIME& time = exact.time;
         EXPECT_EQ(date.day.year, time.wYear) << Show(text);

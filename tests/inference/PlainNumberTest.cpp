@@ -7,7 +7,7 @@
 #include <string>
 
 #include "inference/NumberParsing.h"
-#include "inference/PlainNumberVector.h"
+#include "inference/PlainCells.h"
 #include "support/ShowText.h"
 #include "support/TestText.h"
 
@@ -39,7 +39,7 @@ void ExpectSamePlainNumber(char16_t decimalSymbol, const std::u16string& text) {
   const bool isPlain = ReadPlainNumber(decimalSymbol, text, ofUnits);
   ASSERT_EQ(ReadPlainNumber(decimalSymbol, bytes, ofBytes), isPlain) << Show(text);
   const std::string_view view = std::string_view(padded).substr(0, bytes.size());
-  ASSERT_EQ(QuickestPlainNumberReader()(decimalSymbol, view, quick), isPlain) << Show(text);
+  ASSERT_EQ(QuickestPlainCells().readNumber(decimalSymbol, view, quick), isPlain) << Show(text);
   if (!isPlain) return;
   for (const PlainNumber& number : {ofBytes, quick}) {
     ASSERT_EQ(number.digits, ofUnits.digits) << Show(text);

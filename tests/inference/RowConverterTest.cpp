@@ -9,6 +9,7 @@
 #include <string_view>
 #include <vector>
 
+#include "host/CoreSupport/Variant.h"
 #include "host/interfaces/HostTimestampOffset.h"
 #include "platform/OleText.h"
 #include "reading/ReaderFactory.h"
@@ -548,7 +549,10 @@ TEST_F(RowConverterTest, PlainRowsConvertAsTheirRecordsDo) {
       table->fields[1] = Virtual(u"c_X", false);
       table->fields[2] = Virtual(u"c_Y", false);
     }
-    ConverterWithSlots ofRows(table, &LoadTestMessage);
+    const char16_t decimalSymbols[] = {u'.', u',', u';'};
+    table->options.number.decimalSymbol = decimalSymbols[round % 7 % 3];
+    ConverterWithSlots ofRows(table, &LoadTestMessage,
+                              round % 2 == 0 ? QuickestPlainCells() : CommonPlainCells());
     ConverterWithSlots ofRecords(table, &LoadTestMessage);
     const std::size_t unwanted = random() % table->fields.size();
     ofRows.SetWanted(unwanted, false);
@@ -567,6 +571,41 @@ TEST_F(RowConverterTest, PlainRowsConvertAsTheirRecordsDo) {
         EXPECT_EQ(TakeShown(ofRows, i), TakeShown(ofRecords, i)) << bytes;
         EXPECT_EQ(ofRows.MessageOf(i) != nullptr, ofRecords.MessageOf(i) != nullptr);
       }
+    }
+  }
+}
+
+TEST_F(RowConverterTest, WhatSlotsHoldIsReplaced) {
+  folder_.Write("p.csv", "x,1,2024-02-29\n,,\n  , ,x\n");
+  auto table = std::make_shared<TextDatasetDescription>();
+  table->name = u"p.csv";
+  table->path = folder_.Path(u"p.csv");
+  table->fields = {Field(u"a", FieldType::kString), Field(u"b", FieldType::kDouble),
+                   Field(u"c", FieldType::kDateOnly)};
+  table->fields[2].dateFormat.order = DateOrder::kYearMonthDay;
+  for (int held = 0; held < 3; ++held) {
+    for (const bool plain : {false, true}) {
+      RowConverter converter(table, &LoadTestMessage);
+      quenra::Variant slots[3];
+      for (std::size_t i = 0; i < 3; ++i) converter.SetSlot(i, slots[i].Receive());
+      const ReaderPtr reader = MakeReader(*table);
+      PlainRow row;
+      std::vector<std::string> rows;
+      while (plain ? reader->ReadPlainRow(row) : reader->ReadRecord()) {
+        for (quenra::Variant& slot : slots)
+          slot = held == 0   ? quenra::Variant()
+                 : held == 1 ? quenra::Variant(2.5)
+                             : quenra::Variant(u"held");
+        if (plain)
+          converter.Convert(row);
+        else
+          converter.Convert(reader->record());
+        rows.emplace_back();
+        for (const quenra::Variant& slot : slots) rows.back() += ShowVariant(slot.Get()) + ";";
+      }
+      EXPECT_EQ(rows, (std::vector<std::string>{"BSTR \"x\";R8 1;DATE 45351;", "NULL;NULL;NULL;",
+                                                "NULL;NULL;NULL;"}))
+          << "slots held " << held;
     }
   }
 }

@@ -17,8 +17,10 @@ namespace TextFile {
 // Clears its slots before each row, as hosts do.
 class ConverterWithSlots {
  public:
-  ConverterWithSlots(std::shared_ptr<const TextDatasetDescription> table, MessageLoader loadMessage)
-      : converter_(std::move(table), loadMessage), row_(converter_.fieldCount()) {
+  ConverterWithSlots(std::shared_ptr<const TextDatasetDescription> table, MessageLoader loadMessage,
+                     const PlainCells& plainCells = QuickestPlainCells())
+      : converter_(std::move(table), loadMessage, RowConverter::Reported::kAsConverted, plainCells),
+        row_(converter_.fieldCount()) {
     for (std::size_t i = 0; i < row_.size(); ++i) {
       ::VariantInit(&row_[i]);
       SetWanted(i, true);

@@ -1,0 +1,32 @@
+// What is done for one column of a table in every row: where its value goes, and how it is read.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+#include "platform/OleAutomation.h"
+#include "schema/FieldDefinition.h"
+
+namespace TextFile {
+
+enum class CellWay : std::uint8_t {
+  kText,
+  kDouble,       // these have plain values
+  kInteger,      //
+  kBigInteger,   //
+  kDate,         // with a day; without offsets
+  kOther,        // any type but kString
+  kCoordinates,  // a text with two virtual fields
+  kTwoTexts,     // two texts, of two columns and fields, with two virtual fields
+};
+
+struct CellStep {
+  VARIANT* slot;                 // of `field`
+  const DateFieldFormat* dates;  // of kDate
+  std::size_t column;            // of the file
+  std::size_t field;
+  CellWay way;
+  bool wanted;  // whether anybody asks for `field`; its values are checked anyway
+};
+
+}  // namespace TextFile
