@@ -1,11 +1,9 @@
 // What is done for one column of a table in every row: where its value goes, and how it is read.
 #pragma once
 
-#include <cstddef>
 #include <cstdint>
 
 #include "platform/OleAutomation.h"
-#include "schema/FieldDefinition.h"
 
 namespace TextFile {
 
@@ -20,11 +18,11 @@ enum class CellWay : std::uint8_t {
   kTwoTexts,     // two texts, of two columns and fields, with two virtual fields
 };
 
+// Small, since wide tables have many.
 struct CellStep {
-  VARIANT* slot;                 // of `field`
-  const DateFieldFormat* dates;  // of kDate
-  std::size_t column;            // of the file
-  std::size_t field;
+  VARIANT* slot;         // of `field`
+  std::uint32_t column;  // of the file
+  std::uint32_t field;
   CellWay way;
   bool wanted;  // whether anybody asks for `field`; its values are checked anyway
 };

@@ -15,14 +15,14 @@ template <class Values>
 class PlainCellsKernel {
  public:
   static const CellStep* Convert(const PlainRow& row, const CellStep* step, const CellStep* end,
-                                 char16_t decimalSymbol, UnitBuffer& text) {
+                                 const CellFormats& formats, UnitBuffer& text) {
     const std::size_t columns = row.size();
     for (; step != end && step->column < columns; ++step) {
       const std::string_view bytes = row[step->column];
       if (step->wanted) {
         if (!quenra::IsPlain(*step->slot)) quenra::ClearVariant(*step->slot);
-        if (!ConvertCell(row, *step, bytes, decimalSymbol, text)) return step;
-      } else if (!Fits(*step, bytes, decimalSymbol)) {
+        if (!ConvertCell(row, *step, bytes, formats, text)) return step;
+      } else if (!Fits(*step, bytes, formats)) {
         return step;
       }
     }
@@ -32,7 +32,8 @@ class PlainCellsKernel {
  private:
   [[gnu::always_inline]] static inline bool ConvertCell(const PlainRow& row, const CellStep& step,
                                                         std::string_view bytes,
-                                                        char16_t decimalSymbol, UnitBuffer& text) {
+                                                        const CellFormats& formats,
+                                                        UnitBuffer& text) {
     if (step.way >= CellWay::kOther) return false;
     if (bytes.empty()) {
       SetNull(*step.slot);
@@ -44,10 +45,11 @@ class PlainCellsKernel {
     }
     if (step.way == CellWay::kDate) {
       PlainDate date;
-      return Values::ReadDate(*step.dates, bytes, date) && SetPlainDate(date, *step.slot);
+      return Values::ReadDate(formats.fields[step.field].dateFormat, bytes, date) &&
+             SetPlainDate(date, *step.slot);
     }
     PlainNumber number;
-    return Values::ReadNumber(decimalSymbol, bytes, number) &&
+    return Values::ReadNumber(formats.decimalSymbol, bytes, number) &&
            SetPlainNumber(step.way, number, *step.slot);
   }
 
@@ -69,15 +71,17 @@ class PlainCellsKernel {
 
   // Whether a value that nobody asks for is a plain one of its type, or blank.
   [[gnu::always_inline]] static inline bool Fits(const CellStep& step, std::string_view bytes,
-                                                 char16_t decimalSymbol) noexcept {
+                                                 const CellFormats& formats) noexcept {
     if (step.way == CellWay::kText || step.way >= CellWay::kOther) return false;
     if (bytes.empty()) return true;
     if (step.way == CellWay::kDate) {
       PlainDate date;
-      return Values::ReadDate(*step.dates, bytes, date) && quenra::IsOleDay(date.day);
+      return Values::ReadDate(formats.fields[step.field].dateFormat, bytes, date) &&
+             quenra::IsOleDay(date.day);
     }
     PlainNumber number;
-    return Values::ReadNumber(decimalSymbol, bytes, number) && IsPlainValue(step.way, number);
+    return Values::ReadNumber(formats.decimalSymbol, bytes, number) &&
+           IsPlainValue(step.way, number);
   }
 };
 

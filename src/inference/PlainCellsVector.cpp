@@ -43,8 +43,8 @@ struct Sse41Values {
 };
 
 const CellStep* Convert(const PlainRow& row, const CellStep* step, const CellStep* end,
-                        char16_t decimalSymbol, UnitBuffer& text) {
-  return PlainCellsKernel<Sse41Values>::Convert(row, step, end, decimalSymbol, text);
+                        const CellFormats& formats, UnitBuffer& text) {
+  return PlainCellsKernel<Sse41Values>::Convert(row, step, end, formats, text);
 }
 
 bool ReadNumber(char16_t decimalSymbol, std::string_view text, PlainNumber& number) noexcept {

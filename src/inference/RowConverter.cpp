@@ -71,7 +71,7 @@ RowConverter::RowConverter(std::shared_ptr<const TextDatasetDescription> table,
     : table_(std::move(table)),
       loadMessage_(loadMessage),
       reported_(reported),
-      decimalSymbol_(table_->options.number.decimalSymbol),
+      formats_{table_->fields.data(), table_->options.number.decimalSymbol},
       plainCells_(plainCells) {
   ::VariantInit(&unwanted_);
   for (const FieldDefinition& field : table_->fields) fields_.push_back({&unwanted_, field.type});
@@ -89,11 +89,11 @@ CellWay RowConverter::WayOf(std::size_t field) const noexcept {
       if (isVirtual(field + 2, true) && !fields[field + 1].isCoordinate) return CellWay::kTwoTexts;
       return CellWay::kText;
     case FieldType::kDouble:
-      return HasPlainNumbers(decimalSymbol_) ? CellWay::kDouble : CellWay::kOther;
+      return HasPlainNumbers(formats_.decimalSymbol) ? CellWay::kDouble : CellWay::kOther;
     case FieldType::kInteger:
-      return HasPlainNumbers(decimalSymbol_) ? CellWay::kInteger : CellWay::kOther;
+      return HasPlainNumbers(formats_.decimalSymbol) ? CellWay::kInteger : CellWay::kOther;
     case FieldType::kBigInteger:
-      return HasPlainNumbers(decimalSymbol_) ? CellWay::kBigInteger : CellWay::kOther;
+      return HasPlainNumbers(formats_.decimalSymbol) ? CellWay::kBigInteger : CellWay::kOther;
     default:
       const DateFieldFormat& dates = fields[field].dateFormat;
       return dates.type == fields[field].type && HasPlainDates(dates) ? CellWay::kDate
@@ -111,8 +111,8 @@ void RowConverter::MakeSteps() {
     const std::size_t fields = columns + (way >= CellWay::kCoordinates ? 2 : 0);
     const std::size_t column = fieldsOfColumns_.size();
     if (NeedsStep(field, fields))
-      steps_.push_back({fields_[field].slot, &table_->fields[field].dateFormat, column, field, way,
-                        IsWanted(field)});
+      steps_.push_back({fields_[field].slot, static_cast<std::uint32_t>(column),
+                        static_cast<std::uint32_t>(field), way, IsWanted(field)});
     field += fields;
     fieldsOfColumns_.insert(fieldsOfColumns_.end(), columns, field);
   }
@@ -141,7 +141,7 @@ void RowConverter::ConvertRest(const PlainRow& row, const CellStep* step) {
   const CellStep* const end = steps_.data() + steps_.size();
   while (step != end && step->column < row.size()) {
     ConvertStep(*step, row);
-    step = plainCells_.convert(row, step + 1, end, decimalSymbol_, text_);
+    step = plainCells_.convert(row, step + 1, end, formats_, text_);
   }
   if (!mismatches_.empty()) ReportAll();
 }
@@ -167,10 +167,11 @@ bool RowConverter::FitsPlainly(const CellStep& step, std::u16string_view text) c
   if (text.empty()) return true;
   if (step.way == CellWay::kDate) {
     PlainDate date;
-    return ReadPlainDate(*step.dates, text, date) && quenra::IsOleDay(date.day);
+    return ReadPlainDate(formats_.fields[step.field].dateFormat, text, date) &&
+           quenra::IsOleDay(date.day);
   }
   PlainNumber number;
-  return ReadPlainNumber(decimalSymbol_, text, number) && IsPlainValue(step.way, number);
+  return ReadPlainNumber(formats_.decimalSymbol, text, number) && IsPlainValue(step.way, number);
 }
 
 // The short ways of plain numbers and dates. False leaves `value` empty and says nothing about the
@@ -180,10 +181,12 @@ bool RowConverter::ConvertPlainly(const CellStep& step, std::u16string_view text
   if (step.way == CellWay::kOther) return false;
   if (step.way == CellWay::kDate) {
     PlainDate date;
-    return ReadPlainDate(*step.dates, text, date) && SetPlainDate(date, value);
+    return ReadPlainDate(formats_.fields[step.field].dateFormat, text, date) &&
+           SetPlainDate(date, value);
   }
   PlainNumber number;
-  return ReadPlainNumber(decimalSymbol_, text, number) && SetPlainNumber(step.way, number, value);
+  return ReadPlainNumber(formats_.decimalSymbol, text, number) &&
+         SetPlainNumber(step.way, number, value);
 }
 
 // Any text that is not blank, for any type but kString; `value` is empty.

@@ -58,8 +58,7 @@ class RowConverter {
   std::size_t Convert(const PlainRow& row) {
     BeginRow();
     const CellStep* const end = steps_.data() + steps_.size();
-    const CellStep* const step =
-        plainCells_.convert(row, steps_.data(), end, decimalSymbol_, text_);
+    const CellStep* const step = plainCells_.convert(row, steps_.data(), end, formats_, text_);
     if (step != end) ConvertRest(row, step);
     return FieldsOf(row.size());
   }
@@ -118,7 +117,7 @@ class RowConverter {
   const std::shared_ptr<const TextDatasetDescription> table_;
   const MessageLoader loadMessage_;
   const Reported reported_;
-  const char16_t decimalSymbol_;
+  const CellFormats formats_;
   const PlainCells& plainCells_;
   quenra::LatLongFormat latLong_;
   std::vector<Field> fields_;
