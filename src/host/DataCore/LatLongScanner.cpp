@@ -1,6 +1,11 @@
 #include "host/DataCore/LatLongScanner.h"
 
+#include <bit>
 #include <charconv>
+
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
 
 namespace quenra::latlong {
 namespace {
@@ -53,6 +58,53 @@ char FoldBeyondAscii(char16_t c) noexcept {
 
 inline char FoldCharacter(char16_t c) noexcept {
   return c < kAsciiFolding.size() ? kAsciiFolding[c] : FoldBeyondAscii(c);
+}
+
+// Folds the next character behind those that stand in front of `out`. False for one that no
+// notation has.
+inline bool FoldOne(char16_t c, char*& out) noexcept {
+  const char folded = FoldCharacter(c);
+  // Most characters are neither refused nor a blank nor a minute mark, all of which are small.
+  if (folded <= '\'') {
+    if (folded == kRefused) return false;
+    if (folded == ' ' && out[-1] == ' ') return true;
+    if (folded == '\'' && out[-1] == '\'') {
+      out[-1] = '"';
+      return true;
+    }
+  }
+  *out++ = folded;
+  return true;
+}
+
+// Folds as many of the next kFoldStep characters as simply stand for themselves, up to the first
+// that does not, and answers their number. There is room for kFoldStep at `out`.
+constexpr std::size_t kFoldStep = 8;
+inline std::size_t FoldPlainCharacters(const char16_t* text, char* out) noexcept {
+#if defined(__SSE2__)
+  const __m128i wide = _mm_loadu_si128(reinterpret_cast<const __m128i*>(text));
+  // Saturates: units above 255 become 255, those above 32767 become 0.
+  const __m128i bytes = _mm_packus_epi16(wide, wide);
+  const auto isFrom = [](__m128i characters, char first, char last) {
+    const __m128i offsets = _mm_sub_epi8(characters, _mm_set1_epi8(first));
+    const __m128i most = _mm_set1_epi8(static_cast<char>(last - first));
+    return _mm_cmpeq_epi8(_mm_min_epu8(offsets, most), offsets);
+  };
+  const __m128i letters = isFrom(_mm_or_si128(bytes, _mm_set1_epi8(0x20)), 'a', 'z');
+  const __m128i digits = isFrom(bytes, '+', ';');  // and "+,-./:;"
+  const __m128i blanks = _mm_cmpeq_epi8(bytes, _mm_set1_epi8(' '));
+  const auto plain =
+      static_cast<unsigned>(_mm_movemask_epi8(_mm_or_si128(_mm_or_si128(letters, digits), blanks)));
+  const auto blank = static_cast<unsigned>(_mm_movemask_epi8(blanks));
+  const unsigned behindBlank = blank << 1 | (out[-1] == ' ' ? 1U : 0U);
+  _mm_storel_epi64(reinterpret_cast<__m128i*>(out), bytes);
+  const unsigned others = ~plain | (blank & behindBlank) | 1U << kFoldStep;
+  return static_cast<std::size_t>(std::countr_zero(others));
+#else
+  static_cast<void>(text);
+  static_cast<void>(out);
+  return 0;
+#endif
 }
 
 inline char ToUpper(char c) noexcept {
@@ -485,18 +537,13 @@ bool FoldedText::Fold(std::u16string_view text) noexcept {
   if (text.size() > kMaxTextLength) return false;
   char* out = bytes_.data();
   *out++ = ' ';  // swallows leading blanks
-  for (const char16_t c : text) {
-    const char folded = FoldCharacter(c);
-    // Most characters are neither refused nor a blank nor a minute mark, all of which are small.
-    if (folded <= '\'') {
-      if (folded == kRefused) return false;
-      if (folded == ' ' && out[-1] == ' ') continue;
-      if (folded == '\'' && out[-1] == '\'') {
-        out[-1] = '"';
-        continue;
-      }
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    for (std::size_t taken = kFoldStep; taken == kFoldStep && text.size() - i >= kFoldStep;) {
+      taken = FoldPlainCharacters(text.data() + i, out);
+      out += taken;
+      i += taken;
     }
-    *out++ = folded;
+    if (i < text.size() && !FoldOne(text[i], out)) return false;
   }
   if (out[-1] == ' ') --out;  // the one in front of all, when there is nothing else
   *out = '\0';

@@ -206,6 +206,43 @@ TEST(LatLongFormatTest, BlanksAroundATextDoNotCount) {
   }
 }
 
+std::u16string Replace(std::u16string text, const std::u16string& from, const std::u16string& to) {
+  for (std::size_t at = 0; (at = text.find(from, at)) != std::u16string::npos; at += to.size()) {
+    text.replace(at, from.size(), to);
+  }
+  return text;
+}
+
+TEST(LatLongFormatTest, RunsOfBlanksCountAsOne) {
+  for (const Case& c : AllCases()) {
+    SCOPED_TRACE(c.line);
+    for (std::size_t blanks = 2; blanks <= 9; ++blanks) {
+      Case spaced = c;
+      const std::u16string run(blanks, u' ');
+      spaced.first = Replace(run + c.first, u" ", run);
+      spaced.second = Replace(c.second, u" ", run);
+      if (spaced.first.size() > 128 || spaced.second.size() > 128) continue;
+      const Reading r = Read(spaced);
+      EXPECT_EQ(r.accepted, c.accept);
+      if (c.accept) ExpectValues(c, r);
+    }
+  }
+}
+
+TEST(LatLongFormatTest, CharactersOfNoNotationAreRefusedWhereverTheyStand) {
+  const std::u16string kStrangers = u"!*@<`{~\u0001\u007F\u0130\u014E\u0635\u4E2D\u8030\uFFFD";
+  for (const Case& c : AllCases()) {
+    if (!c.accept) continue;
+    for (std::size_t i = 0; i <= c.first.size(); ++i) {
+      for (const char16_t stranger : kStrangers) {
+        Case other = c;
+        other.first.insert(i, 1, stranger);
+        EXPECT_FALSE(Read(other).accepted) << c.line << " at " << i;
+      }
+    }
+  }
+}
+
 // Each line: marks that mean the same.
 const std::vector<std::vector<std::u16string>>& EqualMarks() {
   static const std::vector<std::vector<std::u16string>> marks = {
@@ -216,13 +253,6 @@ const std::vector<std::vector<std::u16string>>& EqualMarks() {
       {u" ", u"\t", u"\u00A0", u"\u2009", u"\u202F", u"  "},
   };
   return marks;
-}
-
-std::u16string Replace(std::u16string text, const std::u16string& from, const std::u16string& to) {
-  for (std::size_t at = 0; (at = text.find(from, at)) != std::u16string::npos; at += to.size()) {
-    text.replace(at, from.size(), to);
-  }
-  return text;
 }
 
 TEST(LatLongFormatTest, MarksThatMeanTheSameGiveTheSameValues) {
