@@ -1,6 +1,5 @@
 #include "host/DataCore/LatLongScanner.h"
 
-#include <bit>
 #include <charconv>
 
 #if defined(__SSE2__)
@@ -77,10 +76,10 @@ inline bool FoldOne(char16_t c, char*& out) noexcept {
   return true;
 }
 
-// Folds as many of the next kFoldStep characters as simply stand for themselves, up to the first
-// that does not, and answers their number. There is room for kFoldStep at `out`.
+// Folds the next kFoldStep characters, if all of them simply stand for themselves. There is room
+// for as many at `out`, which false leaves with anything.
 constexpr std::size_t kFoldStep = 8;
-inline std::size_t FoldPlainCharacters(const char16_t* text, char* out) noexcept {
+inline bool FoldPlainCharacters(const char16_t* text, char* out) noexcept {
 #if defined(__SSE2__)
   const __m128i wide = _mm_loadu_si128(reinterpret_cast<const __m128i*>(text));
   // Saturates: units above 255 become 255, those above 32767 become 0.
@@ -93,17 +92,15 @@ inline std::size_t FoldPlainCharacters(const char16_t* text, char* out) noexcept
   const __m128i letters = isFrom(_mm_or_si128(bytes, _mm_set1_epi8(0x20)), 'a', 'z');
   const __m128i digits = isFrom(bytes, '+', ';');  // and "+,-./:;"
   const __m128i blanks = _mm_cmpeq_epi8(bytes, _mm_set1_epi8(' '));
-  const auto plain =
-      static_cast<unsigned>(_mm_movemask_epi8(_mm_or_si128(_mm_or_si128(letters, digits), blanks)));
+  const __m128i plain = _mm_or_si128(_mm_or_si128(letters, digits), blanks);
   const auto blank = static_cast<unsigned>(_mm_movemask_epi8(blanks));
   const unsigned behindBlank = blank << 1 | (out[-1] == ' ' ? 1U : 0U);
   _mm_storel_epi64(reinterpret_cast<__m128i*>(out), bytes);
-  const unsigned others = ~plain | (blank & behindBlank) | 1U << kFoldStep;
-  return static_cast<std::size_t>(std::countr_zero(others));
+  return _mm_movemask_epi8(plain) == 0xFFFF && (blank & behindBlank & 0xFF) == 0;
 #else
   static_cast<void>(text);
   static_cast<void>(out);
-  return 0;
+  return false;
 #endif
 }
 
@@ -537,14 +534,14 @@ bool FoldedText::Fold(std::u16string_view text) noexcept {
   if (text.size() > kMaxTextLength) return false;
   char* out = bytes_.data();
   *out++ = ' ';  // swallows leading blanks
-  for (std::size_t i = 0; i < text.size(); ++i) {
-    for (std::size_t taken = kFoldStep; taken == kFoldStep && text.size() - i >= kFoldStep;) {
-      taken = FoldPlainCharacters(text.data() + i, out);
-      out += taken;
-      i += taken;
-    }
-    if (i < text.size() && !FoldOne(text[i], out)) return false;
+  // Notations in words have none but ordinary characters; where there are marks, there are many.
+  std::size_t i = 0;
+  while (text.size() - i >= kFoldStep && FoldPlainCharacters(text.data() + i, out)) {
+    i += kFoldStep;
+    out += kFoldStep;
   }
+  for (; i < text.size(); ++i)
+    if (!FoldOne(text[i], out)) return false;
   if (out[-1] == ' ') --out;  // the one in front of all, when there is nothing else
   *out = '\0';
   return out > Begin();
