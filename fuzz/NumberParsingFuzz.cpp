@@ -81,11 +81,22 @@ void CheckTypes(const Settings& settings, std::u16string_view text) {
     Check(!Convert(settings, text, type).done);
 }
 
+std::string BytesOf(std::u16string_view text) {
+  std::string bytes;
+  for (const char16_t unit : text) bytes += unit < 0x80 ? static_cast<char>(unit) : '\xC3';
+  return bytes;
+}
+
+bool SameNumber(FieldType type, const NumberValue& a, const NumberValue& b) {
+  if (type == FieldType::kSingle) return SameReal(a.single, b.single);
+  if (type == FieldType::kDouble) return SameReal(a.real, b.real);
+  return a.integer == b.integer;
+}
+
 // The shorter ways give what the exact way gives.
 // UTF-16 and UTF-8 are read the same way, and the quickest way is none of its own.
 void CheckPlainNumber(char16_t decimalSymbol, std::u16string_view text) {
-  std::string bytes;
-  for (const char16_t unit : text) bytes += unit < 0x80 ? static_cast<char>(unit) : '\xC3';
+  const std::string bytes = BytesOf(text);
   const std::string padded = bytes + std::string(TextFile::kPlainNumberBytes, '7');
   const std::string_view view = std::string_view(padded).substr(0, bytes.size());
   TextFile::PlainNumber ofUnits;
@@ -107,13 +118,10 @@ void CheckShorterWays(const Settings& settings, std::u16string_view text) {
     const Reading quick = Convert(settings, text, type);
     NumberValue exact;
     Check(TextFile::NumberFormat::ConvertExactly(settings, text, type, exact) == quick.done);
-    if (!quick.done) continue;
-    if (type == FieldType::kSingle)
-      Check(SameReal(exact.single, quick.value.single));
-    else if (type == FieldType::kDouble)
-      Check(SameReal(exact.real, quick.value.real));
-    else
-      Check(exact.integer == quick.value.integer);
+    if (quick.done) Check(SameNumber(type, exact, quick.value));
+    NumberValue ofBytes;
+    if (TextFile::NumberFormat::ConvertBytes(settings.decimalSymbol, BytesOf(text), type, ofBytes))
+      Check(quick.done && SameNumber(type, exact, ofBytes));
   }
   CheckPlainNumber(settings.decimalSymbol, text);
 }

@@ -6,6 +6,7 @@
 
 #include "host/CoreSupport/OleDays.h"
 #include "inference/CellStep.h"
+#include "inference/NumberParsing.h"
 #include "inference/PlainDate.h"
 #include "inference/PlainNumber.h"
 #include "platform/OleAutomation.h"
@@ -46,6 +47,14 @@ inline bool SetPlainNumber(CellWay way, const PlainNumber& number, VARIANT& valu
       return true;
   }
 }
+
+// Of one of the number types. `number` has its value in the member that belongs to the type.
+void SetNumber(VARIANT& value, FieldType type, const NumberValue& number) noexcept;
+
+// The same as SetPlainNumber for the bytes of a number that is not plain: one of more digits, or
+// with an exponent. False says nothing about the text.
+bool SetOtherNumber(CellWay way, char16_t decimalSymbol, std::string_view text,
+                    VARIANT& value) noexcept;
 
 // Whether SetPlainNumber would set it.
 inline bool IsPlainValue(CellWay way, const PlainNumber& number) noexcept {

@@ -117,8 +117,10 @@ class NarrowNumber {
   static constexpr std::size_t kLeast = 4;
   static constexpr std::size_t kMost = 64;
 
-  // `text` has kLeast to kMost units.
-  NarrowNumber(char16_t decimalSymbol, std::u16string_view text) noexcept : size_(text.size()) {
+  // `text` has kLeast to kMost characters.
+  template <class Character>
+  NarrowNumber(char16_t decimalSymbol, std::basic_string_view<Character> text) noexcept
+      : size_(text.size()) {
     if (size_ >= 8) {
       for (std::size_t i = 0; i + 8 < size_; i += 8) Put<8>(text, i);
       Put<8>(text, size_ - 8);
@@ -133,8 +135,8 @@ class NarrowNumber {
   const char* end() const noexcept { return bytes_ + size_; }
 
  private:
-  template <std::size_t Count>
-  void Put(std::u16string_view text, std::size_t at) noexcept {
+  template <std::size_t Count, class Character>
+  void Put(std::basic_string_view<Character> text, std::size_t at) noexcept {
     const std::uint64_t bytes = NarrowUnits<Count>(text.data() + at);
     std::memcpy(bytes_ + at, &bytes, Count);
   }
@@ -154,8 +156,9 @@ class NarrowNumber {
 };
 
 // False for every text that needs the exact way, or that is no number.
-bool ReadNarrowNumber(char16_t decimalSymbol, std::u16string_view text, FieldType type,
-                      NumberValue& value) noexcept {
+template <class Character>
+bool ReadNarrowNumber(char16_t decimalSymbol, std::basic_string_view<Character> text,
+                      FieldType type, NumberValue& value) noexcept {
   if (text.size() < NarrowNumber::kLeast || text.size() > NarrowNumber::kMost) return false;
   if (decimalSymbol != u'.' && decimalSymbol != u',') return false;
   const NarrowNumber narrow(decimalSymbol, text);
@@ -207,6 +210,12 @@ bool NumberFormat::ConvertOther(const Settings& settings, std::u16string_view te
                                 NumberValue& value) {
   return ReadNarrowNumber(settings.decimalSymbol, text, type, value) ||
          ConvertExactly(settings, text, type, value);
+}
+
+bool NumberFormat::ConvertBytes(char16_t decimalSymbol, std::string_view text, FieldType type,
+                                NumberValue& value) noexcept {
+  if (decimalSymbol == u'.') return ReadAs(type, text.data(), text.data() + text.size(), value);
+  return ReadNarrowNumber(decimalSymbol, text, type, value);
 }
 
 bool NumberFormat::ConvertExactly(const Settings& settings, std::u16string_view text,

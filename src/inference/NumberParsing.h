@@ -41,6 +41,12 @@ bool Convert(const Settings& settings, std::u16string_view text, FieldType type,
 bool ConvertOther(const Settings& settings, std::u16string_view text, FieldType type,
                   NumberValue& value);
 
+// The same for the characters of a text in UTF-8 alone, of any length: false for numbers with
+// grouping symbols, white space or a plus as well, and with a decimal comma for very short and long
+// ones.
+bool ConvertBytes(char16_t decimalSymbol, std::string_view text, FieldType type,
+                  NumberValue& value) noexcept;
+
 // The same without any of the shorter ways, which give the same values.
 bool ConvertExactly(const Settings& settings, std::u16string_view text, FieldType type,
                     NumberValue& value);

@@ -49,8 +49,9 @@ class PlainCellsKernel {
              SetPlainDate(date, *step.slot);
     }
     PlainNumber number;
-    return Values::ReadNumber(formats.decimalSymbol, bytes, number) &&
-           SetPlainNumber(step.way, number, *step.slot);
+    return (Values::ReadNumber(formats.decimalSymbol, bytes, number) &&
+            SetPlainNumber(step.way, number, *step.slot)) ||
+           SetOtherNumber(step.way, formats.decimalSymbol, bytes, *step.slot);
   }
 
   // A text that is not empty.
@@ -69,7 +70,7 @@ class PlainCellsKernel {
       SetText(value, text);
   }
 
-  // Whether a value that nobody asks for is a plain one of its type, or blank.
+  // Whether a value that nobody asks for is one of its type, or blank. Its slot is nobody's.
   [[gnu::always_inline]] static inline bool Fits(const CellStep& step, std::string_view bytes,
                                                  const CellFormats& formats) noexcept {
     if (step.way == CellWay::kText || step.way >= CellWay::kOther) return false;
@@ -80,8 +81,9 @@ class PlainCellsKernel {
              quenra::IsOleDay(date.day);
     }
     PlainNumber number;
-    return Values::ReadNumber(formats.decimalSymbol, bytes, number) &&
-           IsPlainValue(step.way, number);
+    return (Values::ReadNumber(formats.decimalSymbol, bytes, number) &&
+            IsPlainValue(step.way, number)) ||
+           SetOtherNumber(step.way, formats.decimalSymbol, bytes, *step.slot);
   }
 };
 

@@ -22,30 +22,6 @@ DATE FractionOfDay(const SYSTEMTIME& time) noexcept {
   return (seconds * 1000 + time.wMilliseconds) / kMillisecondsPerDay;
 }
 
-void SetNumber(VARIANT& value, FieldType type, const NumberValue& number) noexcept {
-  switch (type) {
-    case FieldType::kSmallInteger:
-      value.vt = VT_I2;
-      value.iVal = static_cast<SHORT>(number.integer);
-      break;
-    case FieldType::kInteger:
-      value.vt = VT_I4;
-      value.lVal = static_cast<LONG>(number.integer);
-      break;
-    case FieldType::kBigInteger:
-      value.vt = VT_I8;
-      value.llVal = number.integer;
-      break;
-    case FieldType::kSingle:
-      value.vt = VT_R4;
-      value.fltVal = number.single;
-      break;
-    default:
-      SetDouble(value, number.real);
-      break;
-  }
-}
-
 // The host's object for a date with an offset; null when the host cannot make one.
 IUnknown* MakeTimestamp(DATE date, SHORT offsetMinutes) noexcept {
   quenra::HostTimestampOffset* timestamp = nullptr;

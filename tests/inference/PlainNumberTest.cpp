@@ -3,6 +3,7 @@
 
 #include <charconv>
 #include <cstring>
+#include <limits>
 #include <random>
 #include <string>
 
@@ -59,6 +60,13 @@ void ExpectBothWaysAgree(const NumberFormat::Settings& settings, const std::u16s
     if (isNumber) {
       ASSERT_EQ(BitsOf(type, shortWay), BitsOf(type, exactWay)) << Show(text);
     }
+    // What the bytes are read as, if they are, is the same.
+    NumberValue ofBytes;
+    if (NumberFormat::ConvertBytes(settings.decimalSymbol, quenra::test::ToUtf8(text), type,
+                                   ofBytes)) {
+      ASSERT_TRUE(isNumber) << Show(text);
+      ASSERT_EQ(BitsOf(type, ofBytes), BitsOf(type, exactWay)) << Show(text);
+    }
   }
 }
 
@@ -66,6 +74,25 @@ NumberFormat::Settings WithDecimalSymbol(char16_t symbol) {
   NumberFormat::Settings settings;
   settings.decimalSymbol = symbol;
   return settings;
+}
+
+TEST(PlainNumberTest, LongNumbersAndExponentsAreReadFromBytes) {
+  NumberValue value;
+  EXPECT_TRUE(NumberFormat::ConvertBytes(u'.', "0.04250929956315441", FieldType::kDouble, value));
+  EXPECT_EQ(value.real, 0.04250929956315441);
+  EXPECT_TRUE(NumberFormat::ConvertBytes(u'.', "-7.5e-17", FieldType::kDouble, value));
+  EXPECT_EQ(value.real, -7.5e-17);
+  EXPECT_TRUE(NumberFormat::ConvertBytes(u',', "85,97005365533665", FieldType::kDouble, value));
+  EXPECT_EQ(value.real, 85.97005365533665);
+  EXPECT_TRUE(
+      NumberFormat::ConvertBytes(u'.', "-9223372036854775808", FieldType::kBigInteger, value));
+  EXPECT_EQ(value.integer, std::numeric_limits<std::int64_t>::min());
+  EXPECT_FALSE(
+      NumberFormat::ConvertBytes(u'.', "9223372036854775808", FieldType::kBigInteger, value));
+  for (const char* other : {"1,234.5", " 12.5", "+12.5", "\"12.5\"", "12.5\xC2\xA0", "12.5x", ""})
+    EXPECT_FALSE(NumberFormat::ConvertBytes(u'.', other, FieldType::kDouble, value)) << other;
+  for (const char* other : {"1.234,5", "12.5", "12,5,"})
+    EXPECT_FALSE(NumberFormat::ConvertBytes(u',', other, FieldType::kDouble, value)) << other;
 }
 
 TEST(PlainNumberTest, RandomTextsOfNumberCharactersReadTheSameBothWays) {
