@@ -432,13 +432,16 @@ class Comparison:
             return (cost - idle) / (rows * columns)
 
         def spread(tables_and_headers):
-            """The dearest beside the cheapest, each the median of several rounds."""
-            rounds = [
-                [per_cell(tables, header) for tables, header in tables_and_headers]
-                for _ in range(self.runs)
-            ]
-            costs = [statistics.median(costs) for costs in zip(*rounds)]
-            return max(costs) / min(costs)
+            """The dearest beside the cheapest, each the median of several rounds.
+
+            Costs are told beside those of their round, since the machine's speed drifts.
+            """
+            rounds = []
+            for _ in range(self.runs):
+                costs = [per_cell(tables, header) for tables, header in tables_and_headers]
+                rounds.append([cost / statistics.mean(costs) for cost in costs])
+            medians = [statistics.median(costs) for costs in zip(*rounds)]
+            return max(medians) / min(medians)
 
         def rows():
             source = self.tables.set("mixed")
