@@ -9,9 +9,9 @@ namespace TextFile {
 
 enum class CellWay : std::uint8_t {
   kText,
-  kDouble,       // these have plain values
-  kInteger,      //
-  kBigInteger,   //
+  kDouble,  // this and the next three have plain values
+  kInteger,
+  kBigInteger,
   kDate,         // with a day; without offsets
   kOther,        // any type but kString
   kCoordinates,  // a text with two virtual fields

@@ -23,7 +23,7 @@ inline void SetDouble(VARIANT& value, double number) noexcept {
 
 // Throws std::bad_alloc.
 inline void SetText(VARIANT& value, std::u16string_view text) {
-  const BSTR copy = ::SysAllocStringLen(AsOle(text.data()), static_cast<UINT>(text.size()));
+  BSTR copy = ::SysAllocStringLen(AsOle(text.data()), static_cast<UINT>(text.size()));
   if (copy == nullptr) throw std::bad_alloc();
   value.bstrVal = copy;
   value.vt = VT_BSTR;
