@@ -70,7 +70,7 @@ class PlainCellsKernel {
       SetText(value, text);
   }
 
-  // Whether a value that nobody asks for is one of its type, or blank. Its slot is nobody's.
+  // Whether a value that nobody asks for is one of its type, or empty. Its slot is nobody's.
   [[gnu::always_inline]] static inline bool Fits(const CellStep& step, std::string_view bytes,
                                                  const CellFormats& formats) noexcept {
     if (step.way == CellWay::kText || step.way >= CellWay::kOther) return false;

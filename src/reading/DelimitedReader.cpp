@@ -1,6 +1,7 @@
 #include "reading/DelimitedReader.h"
 
 #include <bit>
+#include <string_view>
 
 #include "host/CoreSupport/CharacterClasses.h"
 #include "inference/TypeInference.h"
@@ -18,6 +19,14 @@ bool EndsLines(char16_t unit) noexcept { return unit == u'\n' || unit == u'\r'; 
 // Whether a character is a byte of its own wherever it stands.
 bool IsByte(char16_t unit) noexcept { return unit != 0 && unit < 0x80; }
 
+// Whether numbers and dates may have the character: as a text delimiter it could not be told from
+// the value that it stands around.
+bool IsInValues(char16_t unit) noexcept {
+  const char16_t lower = unit | 0x20;
+  return (unit >= u'0' && unit <= u'9') || (lower >= u'a' && lower <= u'z') ||
+         std::u16string_view(u"+-.,:/").find(unit) != std::u16string_view::npos;
+}
+
 }  // namespace
 
 DelimitedReader::DelimitedReader(const TextDatasetDescription& description)
@@ -29,7 +38,8 @@ DelimitedReader::DelimitedReader(const TextDatasetDescription& description)
   if (LinesMayHoldTerminator() || EndsLines(delimiter_) || EndsLines(textDelimiter_) ||
       delimiter_ == textDelimiter_)
     SplitExactly();
-  else if (IsByte(delimiter_) && (textDelimiter_ == 0 || IsByte(textDelimiter_)))
+  else if (IsByte(delimiter_) &&
+           (textDelimiter_ == 0 || (IsByte(textDelimiter_) && !IsInValues(textDelimiter_))))
     plainRows_.emplace(PlainRowDialect{.delimiter = static_cast<char>(delimiter_),
                                        .textDelimiter = static_cast<char>(textDelimiter_)});
 }

@@ -229,6 +229,20 @@ TEST_F(PlainRowTest, RowsGoOnToThoseFoundWithThem) {
   EXPECT_FALSE(reader.ReadRecord());
 }
 
+// "5125" between such delimiters is 12, which the bytes alone do not show.
+TEST_F(PlainRowTest, NoRowIsPlainWhenValuesMayHaveTheTextDelimiter) {
+  for (const char16_t delimiter : std::u16string(u"5eETn+-.:/")) {
+    TextDatasetDescription table = Table("5125;7\n");
+    table.options.delimiter = u';';
+    table.options.textDelimiter = delimiter;
+    DelimitedReader reader(table);
+    PlainRow row;
+    EXPECT_FALSE(reader.ReadPlainRow(row)) << static_cast<int>(delimiter);
+    EXPECT_TRUE(reader.ReadRecord());
+    EXPECT_EQ(RecordText(reader.record()), delimiter == u'5' ? u"[12] [7]" : u"[5125] [7]");
+  }
+}
+
 // Lines of ordinary fields, and now and then something that is not.
 std::string RandomTable(std::mt19937& random) {
   constexpr const char* kPieces[] = {"a", "bc", " ",    "42", "\xC3\xBC", "\xE2\x82\xAC",
