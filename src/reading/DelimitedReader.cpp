@@ -35,10 +35,9 @@ DelimitedReader::DelimitedReader(const TextDatasetDescription& description)
       textDelimiter_(description.options.textDelimiter) {
   // Lines of such files are not only ended by zeros, or what ends them would be a delimiter, or a
   // quote would be taken for one.
-  if (LinesMayHoldTerminator() || EndsLines(delimiter_) || EndsLines(textDelimiter_) ||
-      delimiter_ == textDelimiter_)
+  if (LinesMayHoldTerminator() || EndsLines(delimiter_) || EndsLines(textDelimiter_))
     SplitExactly();
-  else if (IsByte(delimiter_) &&
+  else if (IsByte(delimiter_) && delimiter_ != textDelimiter_ &&
            (textDelimiter_ == 0 || (IsByte(textDelimiter_) && !IsInValues(textDelimiter_))))
     plainRows_.emplace(PlainRowDialect{.delimiter = static_cast<char>(delimiter_),
                                        .textDelimiter = static_cast<char>(textDelimiter_)});
@@ -65,7 +64,9 @@ bool DelimitedReader::ReadRecord() {
 // those are found by looking for the next delimiter. Everything else is left to the exact way,
 // which takes one character after the other; both stop at the same place with the same text.
 DelimitedReader::Step DelimitedReader::TakeFields() {
-  if (exact_ || !EnsureLine() || !RecordIsInOneLine()) return TakeFieldExactly();
+  // One of the delimiters that a scan tries may be what quotes: it separates nothing then.
+  const bool separates = delimiter_ != textDelimiter_;
+  if (exact_ || !separates || !EnsureLine() || !RecordIsInOneLine()) return TakeFieldExactly();
   const Step step = TakePlainFields();
   return step == Step::kUndecided ? TakeFieldExactly() : step;
 }

@@ -192,6 +192,17 @@ TEST_F(OpenTextDatasetTest, ExtensionTellsTheFirstDelimiter) {
   EXPECT_EQ(Open(u"b.tsv", "a,b\n1,2\n").options.delimiter, u',');
 }
 
+TEST_F(OpenTextDatasetTest, CandidateThatIsTheTextDelimiterSeparatesNothing) {
+  folder_.Write(u"schema.ini", "[a.psv]\nTextDelimiter=,\nColNameHeader=False\n");
+  // A comma behind text is a character of it.
+  const TextDatasetDescription table = Open(u"a.psv", "1,9\n2,8\n");
+  EXPECT_EQ(table.options.delimiter, u',') << "the first one when no candidate gives two fields";
+  EXPECT_EQ(table.fields.size(), 1u);
+  // With the comma as delimiter both rows would have two fields.
+  const TextDatasetDescription blanks = Open(u"a.psv", "1,9 x\n2,8 y\n");
+  EXPECT_EQ(blanks.options.delimiter, u' ');
+}
+
 TEST_F(OpenTextDatasetTest, DecimalCommaOfTheLocaleMeansSemicolons) {
   locale_.Set(u"de-DE");
   const std::string bytes = "a;b,c\n1;2,3\n";
