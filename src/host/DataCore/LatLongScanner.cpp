@@ -78,12 +78,14 @@ inline bool FoldOne(char16_t c, char*& out) noexcept {
 
 // Folds the next kFoldStep characters, if all of them simply stand for themselves. There is room
 // for as many at `out`, which false leaves with anything.
-constexpr std::size_t kFoldStep = 8;
+constexpr std::size_t kFoldStep = 16;
 inline bool FoldPlainCharacters(const char16_t* text, char* out) noexcept {
 #if defined(__SSE2__)
-  const __m128i wide = _mm_loadu_si128(reinterpret_cast<const __m128i*>(text));
+  const auto load = [text](std::size_t unit) {
+    return _mm_loadu_si128(reinterpret_cast<const __m128i*>(text + unit));
+  };
   // Saturates: units above 255 become 255, those above 32767 become 0.
-  const __m128i bytes = _mm_packus_epi16(wide, wide);
+  const __m128i bytes = _mm_packus_epi16(load(0), load(kFoldStep / 2));
   const auto isFrom = [](__m128i characters, char first, char last) {
     const __m128i offsets = _mm_sub_epi8(characters, _mm_set1_epi8(first));
     const __m128i most = _mm_set1_epi8(static_cast<char>(last - first));
@@ -95,13 +97,25 @@ inline bool FoldPlainCharacters(const char16_t* text, char* out) noexcept {
   const __m128i plain = _mm_or_si128(_mm_or_si128(letters, digits), blanks);
   const auto blank = static_cast<unsigned>(_mm_movemask_epi8(blanks));
   const unsigned behindBlank = blank << 1 | (out[-1] == ' ' ? 1U : 0U);
-  _mm_storel_epi64(reinterpret_cast<__m128i*>(out), bytes);
-  return _mm_movemask_epi8(plain) == 0xFFFF && (blank & behindBlank & 0xFF) == 0;
+  _mm_storeu_si128(reinterpret_cast<__m128i*>(out), bytes);
+  return _mm_movemask_epi8(plain) == 0xFFFF && (blank & behindBlank) == 0;
 #else
   static_cast<void>(text);
   static_cast<void>(out);
   return false;
 #endif
+}
+
+// Folds the characters of the text's start that simply stand for themselves, a step at a time, and
+// answers how many: notations in words have no others, while those with marks have many of them.
+std::size_t FoldPlainStart(std::u16string_view text, char* out) noexcept {
+  std::size_t i = 0;
+  while (text.size() - i >= kFoldStep && FoldPlainCharacters(text.data() + i, out + i))
+    i += kFoldStep;
+  // The last step begins among those that have been folded, which it leaves as they are.
+  if (i == 0 || i == text.size() || text.size() - i >= kFoldStep) return i;
+  const std::size_t last = text.size() - kFoldStep;
+  return FoldPlainCharacters(text.data() + last, out + last) ? text.size() : i;
 }
 
 inline char ToUpper(char c) noexcept {
@@ -165,16 +179,27 @@ const char* EndOfLetters(const char* position) noexcept {
 // 'N', 'S', 'E' or 'W' for a letter or word that names a hemisphere, else '\0'. There is no 'O': it
 // is east in some languages and west in others.
 char HemisphereOf(const char* begin, const char* end) noexcept {
-  const std::ptrdiff_t length = end - begin;
   const char first = ToUpper(*begin);
-  if (first != 'N' && first != 'S' && first != 'E' && first != 'W') return '\0';
-  if (length == 1) return first;
-  if (length != 4 && length != 5) return '\0';
-  for (const std::string_view word : {"north", "south", "east", "west"}) {
-    const char* position = begin;
-    if (ReadWord(position, word) && position == end) return first;
+  std::string_view word;
+  switch (first) {
+    case 'N':
+      word = "north";
+      break;
+    case 'S':
+      word = "south";
+      break;
+    case 'E':
+      word = "east";
+      break;
+    case 'W':
+      word = "west";
+      break;
+    default:
+      return '\0';
   }
-  return '\0';
+  if (end - begin == 1) return first;
+  const char* position = begin;
+  return ReadWord(position, word) && position == end ? first : '\0';
 }
 
 // Reads a mark written in letters, which may be followed by blanks, digits or a hemisphere: "deg
@@ -534,13 +559,8 @@ bool FoldedText::Fold(std::u16string_view text) noexcept {
   if (text.size() > kMaxTextLength) return false;
   char* out = bytes_.data();
   *out++ = ' ';  // swallows leading blanks
-  // Notations in words have none but ordinary characters; where there are marks, there are many.
-  std::size_t i = 0;
-  while (text.size() - i >= kFoldStep && FoldPlainCharacters(text.data() + i, out)) {
-    i += kFoldStep;
-    out += kFoldStep;
-  }
-  for (; i < text.size(); ++i)
+  std::size_t i = FoldPlainStart(text, out);
+  for (out += i; i < text.size(); ++i)
     if (!FoldOne(text[i], out)) return false;
   if (out[-1] == ' ') --out;  // the one in front of all, when there is nothing else
   *out = '\0';

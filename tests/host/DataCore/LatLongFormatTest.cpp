@@ -278,6 +278,45 @@ TEST(LatLongFormatTest, MarksThatMeanTheSameGiveTheSameValues) {
   EXPECT_GT(swaps, 1000U);
 }
 
+// Ordinary characters are folded many at a time, so that the others stand at every place of a step.
+TEST(LatLongFormatTest, OneBlankOfAnotherKindChangesNothing) {
+  std::size_t swaps = 0;
+  for (const Case& c : AllCases()) {
+    const Reading plain = Read(c);
+    for (std::size_t at = c.first.find(u' '); at != std::u16string::npos;
+         at = c.first.find(u' ', at + 1)) {
+      for (const std::u16string& blank : EqualMarks().back()) {
+        Case swapped = c;
+        swapped.first.replace(at, 1, blank);
+        SCOPED_TRACE(c.line);
+        const Reading r = Read(swapped);
+        EXPECT_EQ(r.accepted, plain.accepted);
+        EXPECT_EQ(r.first, plain.first);
+        EXPECT_EQ(r.second, plain.second);
+        ++swaps;
+      }
+    }
+  }
+  EXPECT_GT(swaps, 1000U);
+}
+
+TEST(LatLongFormatTest, BlanksAroundChangeNothing) {
+  constexpr std::u16string_view kText =
+      u"Latitude: 40 deg 26 min 46 sec North, Longitude: 79 deg 58 min 56 sec West";
+  const quenra::LatLongFormat latLong;
+  for (std::size_t before = 0; before < 36; ++before) {
+    for (std::size_t behind = 0; behind < 18; ++behind) {
+      const std::u16string text =
+          std::u16string(before, u' ') + std::u16string(kText) + std::u16string(behind, u' ');
+      double first = 0;
+      double second = 0;
+      ASSERT_TRUE(latLong.ParseLatLong(text, 0, first, second)) << before << ", " << behind;
+      EXPECT_DOUBLE_EQ(first, -(79 + 58 / 60.0 + 56 / 3600.0));
+      EXPECT_DOUBLE_EQ(second, 40 + 26 / 60.0 + 46 / 3600.0);
+    }
+  }
+}
+
 TEST(LatLongFormatTest, MarksInLettersMeanTheSameAsSigns) {
   const Reading expected = Read(u"40°26'46.5\" N 79°58'56\" W");
   ASSERT_TRUE(expected.accepted);
