@@ -128,6 +128,6 @@ void ConvertRow(benchmark::State& state, const BenchmarkTable& table) {
   Report(state, table.bytes * rows / table.rows, table.cells() * rows / table.rows);
 }
 
-const int registered = ForEveryTable("ConvertRow", &ConvertRow);
+const int kRegistered = ForEveryTable("ConvertRow", &ConvertRow);
 
 }  // namespace

@@ -124,7 +124,7 @@ void RegisterSets(const std::string& name, const TextSet* begin, const TextSet* 
         [set, function](benchmark::State& state) { function(state, set->texts); });
 }
 
-const bool registered = [] {
+const bool kRegistered = [] {
   RegisterSets("ParseCoordinates", std::begin(kAccepted), std::end(kAccepted), &Parse);
   RegisterSets("RecogniseCoordinates", std::begin(kAccepted), std::end(kAccepted),
                &Recognise<true>);

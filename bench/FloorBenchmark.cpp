@@ -80,7 +80,7 @@ class Values {
     return last;
   }
 
-  void TakeText(std::string_view field) {
+  static void TakeText(std::string_view field) {
     const auto text = std::make_unique_for_overwrite<char16_t[]>(field.size() + 1);
     for (std::size_t i = 0; i < field.size(); ++i) text[i] = static_cast<unsigned char>(field[i]);
     benchmark::DoNotOptimize(text.get());
@@ -141,7 +141,7 @@ void SplitAndConvert(benchmark::State& state, const BenchmarkTable& table) {
   ReportTable(state, table);
 }
 
-const int registered[] = {ForEveryTable("Floor/ReadBytes", &ReadBytes),
-                          ForEveryTable("Floor/SplitAndConvert", &SplitAndConvert)};
+const int kRegistered[] = {ForEveryTable("Floor/ReadBytes", &ReadBytes),
+                           ForEveryTable("Floor/SplitAndConvert", &SplitAndConvert)};
 
 }  // namespace

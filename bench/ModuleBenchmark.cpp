@@ -157,8 +157,8 @@ void CountRows(benchmark::State& state, const BenchmarkTable& table) {
   ReportTable(state, table);
 }
 
-const int registered[] = {ForEveryTable("Open", &Open), ForEveryTable("Cursor", &Cursor),
-                          ForEveryTable("CountRows", &CountRows)};
+const int kRegistered[] = {ForEveryTable("Open", &Open), ForEveryTable("Cursor", &Cursor),
+                           ForEveryTable("CountRows", &CountRows)};
 
 }  // namespace
 

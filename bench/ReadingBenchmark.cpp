@@ -61,7 +61,7 @@ int RegisterInferWholeFile() {
   return 0;
 }
 
-const int registered[] = {
+const int kRegistered[] = {
     ForEveryTable("ReadLine", &ReadLine), ForEveryTable("ReadRecord", &ReadRecord),
     ForEveryTable("OpenWithInference", &OpenWithInference), RegisterInferWholeFile()};
 

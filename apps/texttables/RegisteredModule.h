@@ -11,7 +11,7 @@ namespace TextTables {
 class Apartment {
  public:
   Apartment() = default;
-  ~Apartment();
+  ~Apartment();  // NOLINT(performance-trivially-destructible): not on Windows
   Apartment(const Apartment&) = delete;
   Apartment& operator=(const Apartment&) = delete;
 

@@ -17,13 +17,13 @@
 // The coordinate fields are left out everywhere but in open.
 #include <sys/resource.h>
 #include <sys/wait.h>
-#include <time.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <ctime>
 #include <fstream>
 #include <memory>
 #include <stdexcept>
@@ -63,7 +63,7 @@ double Seconds(clockid_t clock) {
 long long FromProc(const std::string& file, const std::string& name) {
   std::ifstream lines("/proc/self/" + file);
   for (std::string line; std::getline(lines, line);)
-    if (line.starts_with(name)) return std::atoll(line.c_str() + name.size());
+    if (line.starts_with(name)) return std::strtoll(line.c_str() + name.size(), nullptr, 10);
   throw std::runtime_error("cannot read " + file);
 }
 
@@ -339,9 +339,9 @@ int Main(int argc, char** argv) {
   if (mode == "scan")
     Scan(module, argv + 2);
   else if (mode == "write" && (argc == 5 || (argc == 6 && argv[5] == kCopied)))
-    Write(module, argv[2], argv[3], std::atoll(argv[4]), argc == 5);
+    Write(module, argv[2], argv[3], std::strtoll(argv[4], nullptr, 10), argc == 5);
   else if (mode == "cursors" && argc == 4)
-    Cursors(module, argv[2], std::atoll(argv[3]));
+    Cursors(module, argv[2], std::strtoll(argv[3], nullptr, 10));
   else
     throw std::runtime_error("the head of ModuleCosts.cpp says how to call this");
   return 0;

@@ -22,7 +22,7 @@ constexpr char16_t ToLowerAscii(char16_t unit) noexcept {
 
 void AppendPadded(int value, int digits, std::string& bytes) {
   char buffer[12];
-  const auto end = std::to_chars(buffer, buffer + sizeof(buffer), value).ptr;
+  auto* const end = std::to_chars(buffer, buffer + sizeof(buffer), value).ptr;
   const auto length = static_cast<int>(end - buffer);
   bytes.append(static_cast<std::size_t>(std::max(0, digits - length)), '0');
   bytes.append(buffer, end);

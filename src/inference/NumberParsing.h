@@ -59,7 +59,7 @@ bool IsValidGrouping(const Settings& settings, std::u16string_view text) noexcep
 }  // namespace NumberFormat
 
 // Reads an amount: with the currency symbol before or behind it (alone when the symbol is empty),
-// made negative by "-" in front or by parentheses. False leaves `amount` alone.
-bool ParseCurrency(const CurrencySettings& settings, std::u16string_view text, double& amount);
+// made negative by "-" in front or by parentheses. False leaves `result` alone.
+bool ParseCurrency(const CurrencySettings& settings, std::u16string_view text, double& result);
 
 }  // namespace TextFile

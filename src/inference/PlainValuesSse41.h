@@ -11,9 +11,7 @@
 #include "inference/PlainDate.h"
 #include "inference/PlainNumber.h"
 
-namespace TextFile {
-
-namespace Sse41 {
+namespace TextFile::Sse41 {
 
 constexpr std::size_t kLanes = 16;
 using Lanes = std::array<std::uint8_t, kLanes>;
@@ -149,6 +147,4 @@ inline int Pair(std::uint64_t pairs, unsigned index) noexcept {
   return Judge(digits, date);
 }
 
-}  // namespace Sse41
-
-}  // namespace TextFile
+}  // namespace TextFile::Sse41

@@ -48,7 +48,7 @@ DateOrder LocaleDateOrder() {
 
 std::u16string GeneratedName(std::size_t position) {
   char digits[24];
-  const auto end = std::to_chars(digits, digits + sizeof(digits), position + 1).ptr;
+  auto* const end = std::to_chars(digits, digits + sizeof(digits), position + 1).ptr;
   return u"Field" + std::u16string(digits, end);
 }
 

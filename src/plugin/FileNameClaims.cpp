@@ -42,7 +42,7 @@ bool ClaimTextFiles(HostFileNames& names) {
   });
   if (companions.empty()) return false;
   ForEachName(names, [&](std::u16string_view name, bool) {
-    if (companions.count(std::u16string(name)) != 0) names.RemoveCurrent();
+    if (companions.contains(std::u16string(name))) names.RemoveCurrent();
     return true;
   });
   return true;

@@ -8,8 +8,8 @@
 namespace TextFile {
 
 struct BytePositions {
-  alignas(64) std::uint8_t bytes[64];
-  constexpr BytePositions() noexcept : bytes() {
+  alignas(64) std::uint8_t bytes[64] = {};
+  constexpr BytePositions() noexcept {
     for (unsigned i = 0; i < 64; ++i) bytes[i] = static_cast<std::uint8_t>(i);
   }
 };

@@ -37,8 +37,9 @@ std::optional<RecordDialect> DialectOf(const TextDatasetDescription& description
   dialect.terminator = reader.recordTerminator();
   if (options.fixedLength || options.textDelimiter == u'\0') {
     dialect.textDelimiter = '\0';
-    const bool hasRecords = options.fixedLength ? !description.fields.empty()
-                                                : options.delimiter != reader.recordTerminator();
+    const auto terminator = static_cast<unsigned char>(reader.recordTerminator());
+    const bool hasRecords =
+        options.fixedLength ? !description.fields.empty() : options.delimiter != terminator;
     return hasRecords ? std::optional(dialect) : std::nullopt;
   }
   if (!IsPlainByte(options.delimiter) || !IsPlainByte(options.textDelimiter) ||

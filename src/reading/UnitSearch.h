@@ -56,6 +56,7 @@ inline std::u16string_view TrimBlanksInSteps(const char16_t* text, std::size_t l
     begin += static_cast<std::size_t>(std::countr_zero(found)) / 2;
     break;
   }
+  // NOLINTNEXTLINE(bugprone-string-constructor): empty, but at its place
   if (begin >= length) return {text + length, 0};
   // From here on a unit that is no blank comes in front of every place that is looked at.
   while (length >= begin + kStep && others(text + length - kStep) == 0) length -= kStep;
@@ -87,6 +88,7 @@ inline std::string_view TrimBlanksInSteps(const char* text, std::size_t length) 
   if (length <= kStep) {
     const std::uint32_t found =
         others(text) & static_cast<std::uint32_t>((std::uint64_t{1} << length) - 1);
+    // NOLINTNEXTLINE(bugprone-string-constructor): empty, but at its place
     if (found == 0) return {text + length, 0};
     const auto begin = static_cast<std::size_t>(std::countr_zero(found));
     return {text + begin, static_cast<std::size_t>(std::bit_width(found)) - begin};

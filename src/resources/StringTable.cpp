@@ -5,6 +5,7 @@
 
 extern "C" {
 
+// NOLINTNEXTLINE(readability-identifier-naming): looked up by this name
 PLATFORM_API extern const PlatformStringTableEntry quenraStringTable[];
 
 #define STRING_TABLE_ENTRY(id, text) {id, u##text},

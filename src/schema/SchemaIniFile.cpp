@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <boost/filesystem.hpp>
+#include <utility>
 
 #include "host/DataCore/DataCoreUtil.h"
 #include "reading/TextLineStream.h"
@@ -40,7 +41,7 @@ bool FitsHeader(std::u16string_view name) noexcept {
 
 }  // namespace
 
-SchemaIniFile::SchemaIniFile(const SchemaIniPaths& paths, Access access) : paths_(paths) {
+SchemaIniFile::SchemaIniFile(SchemaIniPaths paths, Access access) : paths_(std::move(paths)) {
   boost::system::error_code ignored;
   const fs::path native(NativeFromFileName(paths_.schemaIni));
   exists_ = fs::exists(fs::symlink_status(native, ignored));

@@ -35,7 +35,7 @@ class SchemaIniFile {
   // Reads schema.ini; one that does not exist has no sections. Throws SchemaIniFailure when it
   // cannot be read, is in an encoding that is not read, or (kWrite) when the temporary file cannot
   // be made.
-  SchemaIniFile(const SchemaIniPaths& paths, Access access);
+  SchemaIniFile(SchemaIniPaths paths, Access access);
 
   // The first section of that name, compared without regard to case; null when there is none. The
   // pointer lives until the next change.

@@ -18,6 +18,7 @@ constexpr std::u16string_view kTemporary = u"~scheam.ini";
 
 constexpr char16_t kSeparator = static_cast<char16_t>(fs::path::preferred_separator);
 
+// NOLINTNEXTLINE(misc-redundant-expression): they differ on Windows
 constexpr bool IsSeparator(char16_t unit) noexcept { return unit == u'/' || unit == kSeparator; }
 
 // The only name in the folder that differs from schema.ini in letter case alone.

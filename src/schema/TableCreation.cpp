@@ -67,10 +67,10 @@ void AppendName(const SchemaOptions& options, std::u16string_view name, std::str
   if (options.textDelimiter == 0) {
     std::u16string plain(name);
     for (char16_t& unit : plain)
-      if (special.find(unit) != special.npos) unit = u' ';
+      if (special.find(unit) != std::u16string_view::npos) unit = u' ';
     return AppendUtf8(plain, bytes);
   }
-  if (name.find_first_of(special) == name.npos) return AppendUtf8(name, bytes);
+  if (name.find_first_of(special) == std::u16string_view::npos) return AppendUtf8(name, bytes);
   std::u16string text(1, options.textDelimiter);
   for (const char16_t unit : name) {
     text += unit;

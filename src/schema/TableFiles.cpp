@@ -5,6 +5,7 @@
 #include <functional>
 #include <iterator>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "host/AppEventLog/EventLog.h"
@@ -78,8 +79,8 @@ void Move(const std::u16string& from, const std::u16string& to) {
 // A complete copy under a temporary name, which goes away unless it is given its own.
 class FinishedCopy {
  public:
-  FinishedCopy(const std::u16string& from, const TableLocation& temporary, const std::u16string& to)
-      : to_(to) {
+  FinishedCopy(const std::u16string& from, const TableLocation& temporary, std::u16string to)
+      : to_(std::move(to)) {
     if (!file_.Open(NativeFromFileName(temporary.Path()))) FailTable(to_, file_.error());
     std::filebuf source;
     if (source.open(Native(from).c_str(), std::ios::in | std::ios::binary) == nullptr)
@@ -124,6 +125,7 @@ class Rollback {
   Rollback(const Rollback&) = delete;
   Rollback& operator=(const Rollback&) = delete;
   ~Rollback() {
+    // NOLINTNEXTLINE(modernize-loop-convert): ranges cannot be turned round with every compiler yet
     for (auto step = steps_.rbegin(); step != steps_.rend(); ++step) (*step)();
   }
   // `step` must not throw.
@@ -258,7 +260,7 @@ void DeleteTableFiles(const TableLocation& table) {
   RequireTable(table);
   // Set aside first, which can be taken back when something else cannot be removed.
   const auto setAside = [&](const std::u16string& name, const std::u16string& path) {
-    const std::u16string aside = JoinPath(table.folder, TemporaryNameOf(name, u".old"));
+    std::u16string aside = JoinPath(table.folder, TemporaryNameOf(name, u".old"));
     boost::system::error_code error;
     fs::rename(Native(path), Native(aside), error);
     if (error) FailTable(path, std::error_code(error.value(), std::system_category()));

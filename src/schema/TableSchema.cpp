@@ -44,7 +44,7 @@ bool EqualsLowered(std::u16string_view word, std::u16string_view keyword) noexce
 
 }  // namespace
 
-NumberFormat::Settings::Settings() : localeDecimalSymbol(u'.') {
+NumberFormat::Settings::Settings() {
   const std::u16string symbol = quenra::QUENRALocale::Value(LOCALE_SDECIMAL, kSymbolBufferUnits);
   if (symbol.size() == 1) localeDecimalSymbol = symbol.front();
 }

@@ -25,9 +25,9 @@ struct Settings {
 
   std::uint16_t specified = 0;  // Option bits: what schema.ini gave
   char16_t decimalSymbol = u'.';
-  char16_t localeDecimalSymbol;  // the locale's when that is one code unit, else "."
-  std::uint32_t digits = 2;      // after the decimal symbol, when numbers are written
-  bool leadingZeros = false;     // kept for schema.ini; neither reading nor writing looks at it
+  char16_t localeDecimalSymbol = u'.';  // the locale's when that is one code unit
+  std::uint32_t digits = 2;             // after the decimal symbol, when numbers are written
+  bool leadingZeros = false;  // kept for schema.ini; neither reading nor writing looks at it
 
   // "," for a decimal point, "." for every other decimal symbol.
   char16_t GroupingSymbol() const noexcept { return decimalSymbol == u'.' ? u',' : u'.'; }

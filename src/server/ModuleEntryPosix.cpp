@@ -25,7 +25,7 @@ class Attachment {
   Attachment& operator=(const Attachment&) = delete;
 };
 
-const Attachment attachment;
+const Attachment kAttachment;
 
 }  // namespace
 

@@ -12,7 +12,7 @@ class GeoJsonTest : public TexttablesTest {
   std::string Features(const std::string& table, std::vector<std::string> more = {}) const {
     std::vector<std::string> arguments = {"rows", table, "--format", "geojson"};
     arguments.insert(arguments.end(), more.begin(), more.end());
-    const std::string output = Output(arguments);
+    std::string output = Output(arguments);
     EXPECT_TRUE(nlohmann::json::accept(output)) << output;
     return output;
   }

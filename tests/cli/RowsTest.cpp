@@ -238,7 +238,7 @@ TEST_F(RowsTest, LongFieldsComeThroughWhole) {
 }
 
 TEST_F(RowsTest, ZeroCharacterEndsItsRecord) {
-  Write("a.csv", std::string("A,B\nx\0y,z\nq,r\n", 15));
+  Write("a.csv", std::string("A,B\nx\0y,z\nq,r\n", 14));
   Write("schema.ini",
         "[a.csv]\nFormat=CSVDelimited\nColNameHeader=True\nCol1=A Text\nCol2=B Text\n");
   EXPECT_EQ(Output({"rows", "a.csv", "--format", "typed"}),
@@ -336,7 +336,7 @@ TEST_F(ManyRowsTest, ProgressIsShownOnATerminalAndTakenAway) {
   EXPECT_NE(result.errors.find(" rows/s"), std::string::npos) << result.errors;
   ExpectTerminalIsCleared(result.errors);
 
-  request.arguments.push_back("--quiet");
+  request.arguments.emplace_back("--quiet");
   EXPECT_EQ(RunProcess(request).errors, "");
   request.arguments.pop_back();
   request.errorsAreTerminal = false;

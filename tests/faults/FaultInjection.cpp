@@ -28,7 +28,7 @@ bool reached = false;
 
 long FaultAt() {
   static const char* const value = std::getenv("FAULT_AT");
-  return value == nullptr ? 0 : std::atol(value);
+  return value == nullptr ? 0 : std::strtol(value, nullptr, 10);
 }
 
 bool Kills() {
@@ -72,6 +72,8 @@ FILE* OpenStream(const char* function, const char* path, const char* mode) {
 
 }  // namespace
 
+// The parameters of the system have names that are not for programs.
+// NOLINTBEGIN(readability-inconsistent-declaration-parameter-name)
 #define OPEN_MODE(last)                         \
   va_list more;                                 \
   va_start(more, last);                         \
@@ -136,3 +138,4 @@ SEEN_BY_LIBRARIES int fsync(int descriptor) { return Call(SYS_fsync, descriptor)
 SEEN_BY_LIBRARIES int fchmod(int descriptor, mode_t mode) noexcept {
   return Call(SYS_fchmod, descriptor, mode);
 }
+// NOLINTEND(readability-inconsistent-declaration-parameter-name)

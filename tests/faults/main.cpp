@@ -93,13 +93,13 @@ void Run(const std::vector<std::string>& words) {
   const auto word = [&](std::size_t i) { return ToUtf16(words.at(i)); };
   const TableLocation table{word(1), word(2)};
   if (words[0] == "create") return Create(table);
-  if (words[0] == "load") return Load(table, std::atoi(words.at(3).c_str()));
+  if (words[0] == "load") return Load(table, std::stoi(words.at(3)));
   if (words[0] == "copy") return CopyTableFiles(table, {word(3), word(4)});
   if (words[0] == "rename") return RenameTableFiles(table, word(3));
   if (words[0] == "delete") return DeleteTableFiles(table);
   if (words[0] == "mismatch")
-    return AddMismatch(table, static_cast<std::size_t>(std::atoi(words.at(3).c_str())));
-  if (words[0] == "sections") return WriteSections(table, std::atoi(words.at(3).c_str()));
+    return AddMismatch(table, static_cast<std::size_t>(std::stoi(words.at(3))));
+  if (words[0] == "sections") return WriteSections(table, std::stoi(words.at(3)));
   throw TableFailure{u"unknown operation"};
 }
 
@@ -109,7 +109,7 @@ void LimitFiles() {
   if (bytes == nullptr) return;
   std::signal(SIGXFSZ, SIG_IGN);
   rlimit limit{};
-  limit.rlim_cur = limit.rlim_max = static_cast<rlim_t>(std::atol(bytes));
+  limit.rlim_cur = limit.rlim_max = static_cast<rlim_t>(std::strtol(bytes, nullptr, 10));
   ::setrlimit(RLIMIT_FSIZE, &limit);
 }
 

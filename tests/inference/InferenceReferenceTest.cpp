@@ -7,6 +7,7 @@
 #include <set>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "inference/DateParsing.h"
@@ -25,10 +26,10 @@ using Row = std::vector<std::u16string>;
 // One whole inference of a file without declared columns, in plain numbers as types.
 class Reference {
  public:
-  Reference(const NumberFormat::Settings& number, const CurrencySettings& currency,
+  Reference(const NumberFormat::Settings& number, CurrencySettings currency,
             const OpenOptions& options, bool decimalGiven, int maxScanRows)
       : number_(number),
-        currency_(currency),
+        currency_(std::move(currency)),
         options_(options),
         decimalGiven_(decimalGiven),
         maxScanRows_(maxScanRows) {}

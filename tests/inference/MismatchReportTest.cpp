@@ -228,7 +228,7 @@ TEST_F(MismatchReportTest, EveryOutcomeHasItsMessageInTheEventLog) {
   const auto report = [&](std::string_view schemaIni, const Mismatch& mismatch) {
     folder_.Write("schema.ini", schemaIni);
     events_.clear();
-    const std::u16string message = ReportMismatch(Table(), mismatch, &LoadMessage);
+    std::u16string message = ReportMismatch(Table(), mismatch, &LoadMessage);
     EXPECT_EQ(events_, std::vector<std::u16string>{message});
     return message;
   };
@@ -261,7 +261,7 @@ TEST_F(MismatchReportTest, PlaceHoldersInTheFileAreTextOfTheMessage) {
 class MismatchLifeTest : public MismatchReportTest {
  protected:
   // Reads all rows; the messages met, one a line.
-  std::vector<std::u16string> ReadAll(OpenedTable& table) {
+  static std::vector<std::u16string> ReadAll(OpenedTable& table) {
     const ReaderPtr reader = MakeDataReader(table.table());
     ConverterWithSlots converter(table.shared(), &LoadMessage);
     std::vector<std::u16string> messages;

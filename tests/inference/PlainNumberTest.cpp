@@ -144,7 +144,7 @@ TEST(PlainNumberTest, RandomDoublesReadTheSameBothWays) {
     double number = 0;
     std::memcpy(&number, &bits, sizeof(number));
     char text[64];
-    const auto end = std::to_chars(text, text + sizeof(text), number).ptr;
+    auto* const end = std::to_chars(text, text + sizeof(text), number).ptr;
     ExpectBothWaysAgree(settings, std::u16string(text, end));
   }
 }

@@ -516,7 +516,7 @@ std::string TakeShown(ConverterWithSlots& converter, std::size_t field) {
   VARIANT slot;
   ::VariantInit(&slot);
   converter.MoveValue(field, slot);
-  const std::string shown = ShowVariant(slot);
+  std::string shown = ShowVariant(slot);
   ::VariantClear(&slot);
   return shown;
 }

@@ -53,7 +53,7 @@ class TypeInferenceTest : public ::testing::Test {
   std::string TypeOf(const std::vector<std::string>& values, const OpenOptions& options = {}) {
     std::string bytes = "v\tt\n";
     for (const std::string& value : values) bytes += value + "\ta\n";
-    const std::string fields = OpenTabbed(bytes, {}, options).Fields();
+    std::string fields = OpenTabbed(bytes, {}, options).Fields();
     const std::string tail = " t:text";
     if (!fields.starts_with("v:") || !fields.ends_with(tail)) return fields;
     return fields.substr(2, fields.size() - 2 - tail.size());

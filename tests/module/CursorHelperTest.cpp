@@ -132,7 +132,7 @@ TEST_F(CursorHelperTest, MapOfOtherElementsIsRefused) {
     ::VariantInit(&map);
     map.vt = static_cast<VARTYPE>(VT_ARRAY | type);
     map.parray = array;
-    IPlugInCursorHelper* cursor = reinterpret_cast<IPlugInCursorHelper*>(this);
+    auto* cursor = reinterpret_cast<IPlugInCursorHelper*>(this);
     EXPECT_EQ(table->FetchAllRows(0, nullptr, map, &cursor), E_INVALIDARG) << type;
     EXPECT_EQ(cursor, nullptr);
     EXPECT_EQ(array->cLocks, 0u) << "a refused map is not kept locked";

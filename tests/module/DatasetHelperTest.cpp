@@ -122,7 +122,7 @@ TEST_F(DatasetHelperTest, ClassesAndShapesAreNotSupported) {
 TEST_F(DatasetHelperTest, FetchesByIdAndExtentAreNotSupportedAndWriteNothing) {
   const auto table = Table(u"a.csv", "Id\n1\n");
   const FieldMapArray map({0});
-  IPlugInCursorHelper* const before = reinterpret_cast<IPlugInCursorHelper*>(this);
+  auto* const before = reinterpret_cast<IPlugInCursorHelper*>(this);
   IPlugInCursorHelper* cursor = before;
   EXPECT_EQ(table->FetchRowById(0, 1, map.AsVariant(), &cursor), E_FAIL);
   EXPECT_EQ(cursor, before);

@@ -5,7 +5,6 @@ namespace quenra::test {
 namespace {
 
 using testing::ElementsAre;
-using testing::HasSubstr;
 
 class FileOperationsTest : public ModuleTest {
  protected:

@@ -59,7 +59,7 @@ ComPtr<IUnknown> Query(IUnknown* object, const IID& iid) {
 std::vector<std::string> AnsweredBy(IUnknown* object) {
   std::vector<std::string> names;
   for (const NamedInterface& each : kAll)
-    if (Query(object, each.iid)) names.push_back(each.name);
+    if (Query(object, each.iid)) names.emplace_back(each.name);
   return names;
 }
 

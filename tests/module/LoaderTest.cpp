@@ -450,8 +450,9 @@ class RandomValues {
     std::u16string kept = text.substr(0, length);
     if (!kept.empty() && kept.back() >= 0xD800 && kept.back() < 0xDC00) kept.pop_back();
     std::erase(kept, u'\x1A');
-    for (std::size_t at = 0; (at = kept.find(u"\r\n", at)) != kept.npos;) kept.erase(at, 1);
-    const bool blank = kept.find_first_not_of(u" \t\r\n\u3000") == kept.npos;
+    for (std::size_t at = 0; (at = kept.find(u"\r\n", at)) != std::u16string::npos;)
+      kept.erase(at, 1);
+    const bool blank = kept.find_first_not_of(u" \t\r\n\u3000") == std::u16string::npos;
     return {Variant(text), blank ? "NULL" : "BSTR:" + ToUtf8(kept)};
   }
 

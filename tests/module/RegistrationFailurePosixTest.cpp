@@ -1,10 +1,10 @@
 // Registration where the registry's file cannot be written.
 #ifndef _WIN32
 
-#include <signal.h>
 #include <sys/resource.h>
 
 #include <boost/filesystem.hpp>
+#include <csignal>
 #include <cstdlib>
 
 #include "module/ModuleTest.h"
@@ -44,7 +44,7 @@ class RegistrationFailurePosixTest : public ModuleTest {
   HRESULT Register() const { return module_->Call("quenraDllRegisterServer"); }
   HRESULT Unregister() const { return module_->Call("quenraDllUnregisterServer"); }
 
-  void UseFile(const std::u16string& path) const {
+  static void UseFile(const std::u16string& path) {
     ::setenv("QUENRA_REGISTRY", ToUtf8(path).c_str(), 1);
   }
 

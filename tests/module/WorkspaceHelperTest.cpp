@@ -132,7 +132,7 @@ TEST_F(WorkspaceHelperTest, OtherTypesAnswerNothing) {
   folder_.Write(u"a.csv", "x\n");
   const auto workspace = OpenWorkspace();
   for (const LONG type : {0, 2, 5, 9, 11, -1}) {
-    HostArray* const before = reinterpret_cast<HostArray*>(this);
+    auto* const before = reinterpret_cast<HostArray*>(this);
     HostArray* array = before;
     EXPECT_EQ(workspace->EnumerateDatasets(type, &array), S_FALSE);
     EXPECT_EQ(array, before) << "the result is left untouched";
@@ -166,7 +166,7 @@ TEST_F(WorkspaceHelperTest, FileThatVanishesAfterTheListingFailsToOpen) {
   const auto tables = List();
   folder_.Remove(u"a.csv");
   const auto table = tables.at(0).As<IPlugInDatasetHelper>();
-  HostFieldCollection* fields = reinterpret_cast<HostFieldCollection*>(this);
+  auto* fields = reinterpret_cast<HostFieldCollection*>(this);
   EXPECT_EQ(table->DescribeFields(0, &fields), kFileNotOpened);
   EXPECT_EQ(fields, nullptr);
   const auto errors = TakeErrors();
@@ -283,10 +283,10 @@ TEST_F(WorkspaceHelperTest, HostsThatCannotMakeObjects) {
 
   ComPtr<HostArray> array;
   EXPECT_EQ(workspace->EnumerateDatasets(10, array.Receive()), E_OUTOFMEMORY);
-  HostClassIdentifier* id = reinterpret_cast<HostClassIdentifier*>(this);
+  auto* id = reinterpret_cast<HostClassIdentifier*>(this);
   EXPECT_EQ(type->NativeTypeId(&id), E_FAIL);
   EXPECT_EQ(id, nullptr);
-  HostFieldCollection* fields = reinterpret_cast<HostFieldCollection*>(this);
+  auto* fields = reinterpret_cast<HostFieldCollection*>(this);
   EXPECT_EQ(table->DescribeFields(0, &fields), E_ACCESSDENIED);
   EXPECT_EQ(fields, nullptr);
 

@@ -16,11 +16,9 @@
 #include "reading/OpenTextDataset.h"
 #include "support/TemporaryFolder.h"
 
-using quenra::test::TemporaryFolder;
-
 class OpenedTable {
  public:
-  OpenedTable(const TemporaryFolder& folder, std::u16string_view name,
+  OpenedTable(const quenra::test::TemporaryFolder& folder, std::u16string_view name,
               const TextFile::OpenOptions& options = {})
       : table_(std::make_shared<TextFile::TextDatasetDescription>(
             TextFile::DescribeFile(folder.Path(), name))) {

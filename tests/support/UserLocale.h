@@ -19,7 +19,7 @@ class UserLocale {
     quenra::QUENRALocale::SetAnsiCodePage(0);
   }
 
-  void Set(std::u16string_view name) {
+  static void Set(std::u16string_view name) {
     EXPECT_TRUE(quenra::QUENRALocale::SetLocale(name));
     EXPECT_TRUE(quenra::QUENRALocale::SetAnsiCodePage(1252));
   }

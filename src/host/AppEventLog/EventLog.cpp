@@ -15,7 +15,7 @@ struct LogState {
 
 // Never destroyed: objects that report may outlive this library's own static objects.
 LogState& State() {
-  static LogState* const state = new LogState;
+  static auto* const state = new LogState;
   return *state;
 }
 

@@ -18,7 +18,7 @@ struct OptionTable {
 
 // Never destroyed: a value may belong to a library that is gone when this one ends.
 OptionTable& Options() {
-  static OptionTable* const options = new OptionTable;
+  static auto* const options = new OptionTable;
   return *options;
 }
 

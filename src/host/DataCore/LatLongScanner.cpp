@@ -79,8 +79,8 @@ inline bool FoldOne(char16_t c, char*& out) noexcept {
 // Folds the next kFoldStep characters, if all of them simply stand for themselves. There is room
 // for as many at `out`, which false leaves with anything.
 constexpr std::size_t kFoldStep = 16;
-inline bool FoldPlainCharacters(const char16_t* text, char* out) noexcept {
 #if defined(__SSE2__)
+inline bool FoldPlainCharacters(const char16_t* text, char* out) noexcept {
   const auto load = [text](std::size_t unit) {
     return _mm_loadu_si128(reinterpret_cast<const __m128i*>(text + unit));
   };
@@ -99,12 +99,10 @@ inline bool FoldPlainCharacters(const char16_t* text, char* out) noexcept {
   const unsigned behindBlank = blank << 1 | (out[-1] == ' ' ? 1U : 0U);
   _mm_storeu_si128(reinterpret_cast<__m128i*>(out), bytes);
   return _mm_movemask_epi8(plain) == 0xFFFF && (blank & behindBlank) == 0;
-#else
-  static_cast<void>(text);
-  static_cast<void>(out);
-  return false;
-#endif
 }
+#else
+inline bool FoldPlainCharacters(const char16_t*, char*) noexcept { return false; }
+#endif
 
 // Folds the characters of the text's start that simply stand for themselves, a step at a time, and
 // answers how many: notations in words have no others, while those with marks have many of them.

@@ -17,7 +17,7 @@ template <class T>
 class ComPtr {
  public:
   ComPtr() noexcept = default;
-  ComPtr(std::nullptr_t) noexcept {}
+  ComPtr(std::nullptr_t) noexcept {}  // NOLINT(google-explicit-constructor): `pointer = nullptr`
   // Takes a reference of its own; null is allowed.
   explicit ComPtr(T* object) noexcept : object_(object) {
     if (object_ != nullptr) object_->AddRef();

@@ -23,7 +23,7 @@ class TearOff : public Interface {
   // `*result` receives the interface, with a reference for the caller; null and E_OUTOFMEMORY when
   // memory is exhausted.
   static HRESULT Create(Unknown& object, void** result) noexcept {
-    Derived* const tearOff = new (std::nothrow) Derived(object);
+    auto* const tearOff = new (std::nothrow) Derived(object);
     *result = static_cast<Interface*>(tearOff);
     return tearOff != nullptr ? S_OK : E_OUTOFMEMORY;
   }

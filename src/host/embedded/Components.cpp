@@ -30,7 +30,7 @@ HRESULT CreatePlain(IUnknown* outer, const IID& interfaceId, void** object) {
 
 template <class Class>
 HRESULT CreateAggregatable(IUnknown* outer, const IID& interfaceId, void** object) {
-  Class* const created = new Class(outer);
+  auto* const created = new Class(outer);
   // Not through a face: with an outer object the faces count on that.
   IUnknown* const own = created->InternalUnknown();
   const HRESULT result = own->QueryInterface(interfaceId, object);
@@ -63,7 +63,7 @@ struct CreatorTable {
 
 // Never destroyed: a module may create objects while the process ends.
 CreatorTable& ApplicationCreators() {
-  static CreatorTable* const table = new CreatorTable;
+  static auto* const table = new CreatorTable;
   return *table;
 }
 

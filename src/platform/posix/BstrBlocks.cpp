@@ -11,6 +11,8 @@ namespace {
 // Gives the blocks of its thread back to the general allocator.
 class Sweeper {
  public:
+  // Of an object, which is there from the first call on.
+  // NOLINTNEXTLINE(readability-convert-member-functions-to-static)
   void Watch() noexcept { cache.state = Cache::kWatched; }
 
   ~Sweeper() {

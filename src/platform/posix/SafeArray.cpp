@@ -112,6 +112,7 @@ bool AllocateData(SAFEARRAY* array) {
 template <typename T>
 T Load(const void* element) {
   T value;
+  // NOLINTNEXTLINE(bugprone-sizeof-expression): pointers are elements too
   std::memcpy(&value, element, sizeof value);
   return value;
 }
@@ -119,7 +120,7 @@ T Load(const void* element) {
 // Makes *target a copy of its own of *source; `target` holds nothing that must be freed.
 HRESULT CopyElement(USHORT features, ULONG size, const void* source, void* target) {
   if ((features & FADF_BSTR) != 0) {
-    const auto text = Load<BSTR>(source);
+    auto* const text = Load<BSTR>(source);
     BSTR copy = nullptr;
     if (text != nullptr) {
       copy = SysAllocStringByteLen(reinterpret_cast<LPCSTR>(text), SysStringByteLen(text));

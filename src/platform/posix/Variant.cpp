@@ -53,6 +53,7 @@ HRESULT Follow(const VARIANT& reference, VARIANT* value) {
     *value = inner;
     return S_OK;
   }
+  // NOLINTNEXTLINE(bugprone-sizeof-expression): the value is the pointer
   const std::size_t size = IsArray(vt) ? sizeof(SAFEARRAY*) : VariantValueSize(vt);
   if (size == 0) return E_INVALIDARG;
   VariantInit(value);

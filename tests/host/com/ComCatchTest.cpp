@@ -12,7 +12,7 @@ namespace {
 template <class Exception>
 HRESULT ResultOf(const Exception& exception) {
   try {
-    throw exception;
+    throw exception;  // NOLINT(cert-err60-cpp): texts in exceptions are copied
   } catch (...) {
     return HResultFromCurrentException();
   }

@@ -63,7 +63,7 @@ class EmbeddedRowBufferTest : public HostTest {
  protected:
   // A collection of `count` blank fields.
   static ComPtr<HostFieldCollection> MakeFields(int count) {
-    const auto fields = Make<HostFieldCollection>(CLSID_HostFieldCollection);
+    auto fields = Make<HostFieldCollection>(CLSID_HostFieldCollection);
     for (int i = 0; i < count; ++i)
       EXPECT_EQ(
           fields.As<HostFieldCollectionEdit>()->AddField(Make<HostField>(CLSID_HostField).Get()),
