@@ -26,6 +26,7 @@ std::u16string Value(LCID lcid, LCTYPE type) {
 
 std::u16string NameOf(LCID lcid) {
   char16_t name[LOCALE_NAME_MAX_LENGTH];
+  // NOLINTNEXTLINE(readability-suspicious-call-argument): its first parameter is called locale
   const int count = ::LCIDToLocaleName(lcid, name, LOCALE_NAME_MAX_LENGTH, 0);
   return count == 0 ? u"(failed)" : std::u16string(name, static_cast<std::size_t>(count) - 1);
 }

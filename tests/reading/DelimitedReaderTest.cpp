@@ -187,6 +187,7 @@ TEST_F(DelimitedReaderTest, UnreadableEncodingsHoldNoRecords) {
 }
 
 TEST_F(DelimitedReaderTest, HugeFieldAndManyColumns) {
+  // NOLINTNEXTLINE(bugprone-string-constructor): as large as that
   const std::string huge(10'000'000, 'x');
   DelimitedReader longField(Describe("a,'" + huge + "'\n"));
   ASSERT_TRUE(longField.ReadRecord());
@@ -362,7 +363,7 @@ struct ScanCase {
 
 class DelimitedScanTest : public DelimitedReaderTest {
  protected:
-  void Check(const ScanCase& c, TextDatasetDescription description) {
+  static void Check(const ScanCase& c, TextDatasetDescription description) {
     SCOPED_TRACE(c.why);
     DelimitedReader reader(description);
     SchemaOptions& options = description.options;

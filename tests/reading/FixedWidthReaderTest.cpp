@@ -3,6 +3,7 @@
 #include <random>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "reading/FixedWidthReader.h"
@@ -126,8 +127,8 @@ std::u16string TrimmedBlanks(const std::u16string& text) {
 
 class PlainCutter {
  public:
-  PlainCutter(std::string_view file, const Widths& widths, char terminator)
-      : widths_(widths), lines_(file, terminator) {}
+  PlainCutter(std::string_view file, Widths widths, char terminator)
+      : widths_(std::move(widths)), lines_(file, terminator) {}
 
   bool ReadRecord() {
     for (;;) {

@@ -38,7 +38,7 @@ class OpenTextDatasetTest : public EnglishTest {
     return table;
   }
 
-  void ExpectFailure(TextDatasetDescription table, OpenDatasetStatus expected) {
+  static void ExpectFailure(TextDatasetDescription table, OpenDatasetStatus expected) {
     table.fields.resize(2);
     OpenDatasetStatus status = OpenDatasetStatus::kOpened;
     EXPECT_FALSE(OpenTextDataset(table, OpenOptions(), status));

@@ -70,7 +70,7 @@ Found FindRow(std::string bytes, const PlainRowDialect& dialect, bool asciiOnly,
 // All codes agree.
 Found FindRow(const std::string& bytes, const PlainRowDialect& dialect = {},
               bool asciiOnly = false) {
-  const Found found = FindRow(bytes, dialect, asciiOnly, PlainRowIndex::Code::kBest);
+  Found found = FindRow(bytes, dialect, asciiOnly, PlainRowIndex::Code::kBest);
   for (const PlainRowIndex::Code code : kCodes)
     EXPECT_EQ(FindRow(bytes, dialect, asciiOnly, code), found) << bytes;
   return found;

@@ -164,7 +164,7 @@ TEST_F(TextLineStreamTest, EmptyFileIsAtItsEndAndEndsAsUtf8) {
 }
 
 TEST_F(TextLineStreamTest, EndIsMetByAnUnterminatedLineOrBehindTheLastLine) {
-  const auto step = [](std::u16string line, bool atEnd) {
+  const auto step = [](const std::u16string& line, bool atEnd) {
     return Step{true, line + u'\0', TextEncoding::kUndetermined, atEnd};
   };
   const Step end{false, u"", TextEncoding::kUtf8, true};
@@ -433,8 +433,7 @@ TEST_F(TextLineStreamTest, AgreesWithPlainReadingOfRandomBytes) {
 TEST_F(TextLineStreamTest, LinesAreTheSameAfterARewindAnywhere) {
   const std::string files[] = {
       "a\r\nb\r\n\x1A"s + "c\nd\n",
-      "\xEF\xBB\xBF"
-      "a\nb\xFF\n\nc",
+      "\xEF\xBB\xBF"s + "a\nb\xFF\n\nc",
       Utf16File(u"a\r\nb\u010A\r\n\x1A\nc"),
       "a\rb\n\r\nc",
       "\xFE\xFF\0a"s,

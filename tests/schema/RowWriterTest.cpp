@@ -456,11 +456,11 @@ TEST_F(RowWriterTest, TwoWritersOfOneTableMixWholeRows) {
   const std::string bytes = folder_.Read(u"t.csv");
   LONG firsts = 0;
   LONG seconds = 0;
-  for (std::size_t at = 0; (at = bytes.find(",first one" + std::string(kEnd), at)) != bytes.npos;
-       ++at)
+  for (std::size_t at = 0;
+       (at = bytes.find(",first one" + std::string(kEnd), at)) != std::string::npos; ++at)
     ++firsts;
-  for (std::size_t at = 0; (at = bytes.find(",second one" + std::string(kEnd), at)) != bytes.npos;
-       ++at)
+  for (std::size_t at = 0;
+       (at = bytes.find(",second one" + std::string(kEnd), at)) != std::string::npos; ++at)
     ++seconds;
   EXPECT_EQ(firsts, kRows);
   EXPECT_EQ(seconds, kRows);

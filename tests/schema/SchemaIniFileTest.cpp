@@ -27,7 +27,7 @@ class SchemaIniFileTest : public Test {
   std::string Text() const { return folder_.Read(u"schema.ini"); }
   void SetText(std::string_view text) const { folder_.Write(u"schema.ini", text); }
 
-  std::string ReasonOf(const std::function<void()>& action) const {
+  static std::string ReasonOf(const std::function<void()>& action) {
     try {
       action();
       return "";

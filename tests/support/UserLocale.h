@@ -19,7 +19,9 @@ class UserLocale {
     quenra::QUENRALocale::SetAnsiCodePage(0);
   }
 
-  static void Set(std::u16string_view name) {
+  // Of an object, which takes the change back.
+  // NOLINTNEXTLINE(readability-convert-member-functions-to-static)
+  void Set(std::u16string_view name) {
     EXPECT_TRUE(quenra::QUENRALocale::SetLocale(name));
     EXPECT_TRUE(quenra::QUENRALocale::SetAnsiCodePage(1252));
   }

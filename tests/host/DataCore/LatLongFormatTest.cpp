@@ -255,6 +255,13 @@ const std::vector<std::vector<std::u16string>>& EqualMarks() {
   return marks;
 }
 
+void ExpectSame(const Reading& reading, const Reading& expected) {
+  EXPECT_EQ(reading.accepted, expected.accepted);
+  EXPECT_EQ(reading.format, expected.format);
+  EXPECT_EQ(reading.first, expected.first);
+  EXPECT_EQ(reading.second, expected.second);
+}
+
 TEST(LatLongFormatTest, MarksThatMeanTheSameGiveTheSameValues) {
   std::size_t swaps = 0;
   for (const Case& c : AllCases()) {
@@ -265,12 +272,7 @@ TEST(LatLongFormatTest, MarksThatMeanTheSameGiveTheSameValues) {
         swapped.second = Replace(c.second, marks[0], mark);
         if (swapped.first == c.first && swapped.second == c.second) continue;
         SCOPED_TRACE(c.line);
-        const Reading plain = Read(c);
-        const Reading r = Read(swapped);
-        EXPECT_EQ(r.accepted, plain.accepted);
-        EXPECT_EQ(r.format, plain.format);
-        EXPECT_EQ(r.first, plain.first);
-        EXPECT_EQ(r.second, plain.second);
+        ExpectSame(Read(swapped), Read(c));
         ++swaps;
       }
     }
@@ -289,10 +291,7 @@ TEST(LatLongFormatTest, OneBlankOfAnotherKindChangesNothing) {
         Case swapped = c;
         swapped.first.replace(at, 1, blank);
         SCOPED_TRACE(c.line);
-        const Reading r = Read(swapped);
-        EXPECT_EQ(r.accepted, plain.accepted);
-        EXPECT_EQ(r.first, plain.first);
-        EXPECT_EQ(r.second, plain.second);
+        ExpectSame(Read(swapped), plain);
         ++swaps;
       }
     }
