@@ -66,7 +66,17 @@ DatePattern::DatePattern(std::u16string_view pattern) {
     }
     i = end;
   }
+  TrimEnd();
   for (const Part& part : parts_) AddSteps(part);
+}
+
+// What is not written, as the "t" of "h:mm tt", must not leave blanks behind the value, which then
+// would be no date to a reader.
+void DatePattern::TrimEnd() {
+  if (parts_.empty() || parts_.back().kind != Kind::kText) return;
+  std::string& text = parts_.back().text;
+  text.resize(text.find_last_not_of(' ') + 1);
+  if (text.empty()) parts_.pop_back();
 }
 
 void DatePattern::AddText(std::u16string_view text) {

@@ -72,6 +72,7 @@ class DatePattern {
   };
 
   void AddText(std::u16string_view text);
+  void TrimEnd();
   void AddSteps(const Part& part);
   void AddNumber(Number number, bool padded);
 

@@ -43,7 +43,8 @@ constexpr PatternCase kPatternCases[] = {
     {u"mm/dd/yyyy hh:mm:ss", "02/01/2003 04:05:06"},
     {u"H:m:s", "4:5:6"},
     {u"HH:MM:SS", "04:05:06"},
-    {u"hh:mm tt", "04:05 "},
+    {u"hh:mm tt", "04:05"},
+    {u"M/d/yyyy h:mm:ss tt", "2/1/2003 4:05:06"},
     {u"yyyy-MM-ddTHH:mm:ss", "2003-02-01T04:05:06"},
     {u"yyyy. MM. dd. H:mm:ss", "2003. 02. 01. 4:05:06"},
     {u"dddd, d. MMMM yyyy", ", 1. 02 2003"},
@@ -85,7 +86,7 @@ TEST(DateFormattingTest, TheShortWayLeavesFractionsToTheOther) {
 }
 
 TEST(DateFormattingTest, HoursCountTo23) {
-  EXPECT_EQ(Written(u"h:mm:ss tt", Time(2020, 1, 5, 15, 0, 0)), "15:00:00 ");
+  EXPECT_EQ(Written(u"h:mm:ss tt", Time(2020, 1, 5, 15, 0, 0)), "15:00:00");
   EXPECT_EQ(Written(u"hh", Time(2020, 1, 5, 0, 0, 0)), "00");
 }
 
