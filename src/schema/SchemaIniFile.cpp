@@ -95,11 +95,11 @@ void SchemaIniFile::Replace(std::u16string_view name, SectionLines lines) {
   std::u16string header = HeaderLine(name);
   const auto isNamed = [&](const Section& section) { return IsHeaderOf(section.header, name); };
   const auto found = std::find_if(sections_.begin(), sections_.end(), isNamed);
+  if (IsHiddenBefore(found, name)) Fail(kSectionHidden);
   if (found == sections_.end()) {
     sections_.push_back({std::move(header), std::move(lines)});
     return;
   }
-  if (IsHiddenBefore(found, name)) Fail(kSectionHidden);
   found->lines = std::move(lines);
   sections_.erase(std::remove_if(found + 1, sections_.end(), isNamed), sections_.end());
 }
@@ -110,6 +110,7 @@ void SchemaIniFile::Duplicate(std::u16string_view name, std::u16string_view newN
     return IsHeaderOf(section.header, name);
   });
   if (found == sections_.end()) return;
+  if (IsHiddenBefore(found + 1, newName)) Fail(kSectionHidden);
   Section copy{HeaderLine(newName), found->lines};
   sections_.insert(found + 1, std::move(copy));
 }
@@ -121,8 +122,11 @@ void SchemaIniFile::Remove(std::u16string_view name) {
 
 void SchemaIniFile::Rename(std::u16string_view name, std::u16string_view newName) {
   if (!FitsHeader(newName)) Fail(kNameNotText);
-  for (Section& section : sections_)
-    if (IsHeaderOf(section.header, name)) section.header = HeaderLine(newName);
+  for (auto section = sections_.begin(); section != sections_.end(); ++section) {
+    if (!IsHeaderOf(section->header, name)) continue;
+    if (IsHiddenBefore(section, newName)) Fail(kSectionHidden);
+    section->header = HeaderLine(newName);
+  }
 }
 
 std::string SchemaIniFile::Bytes() const {

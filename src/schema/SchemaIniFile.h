@@ -47,13 +47,14 @@ class SchemaIniFile {
   void Replace(std::u16string_view name, SectionLines lines);
 
   // Puts a section `newName` with the lines of `name` behind it. Nothing happens when there is no
-  // section `name`.
+  // section `name`. Throws SchemaIniFailure as Replace does.
   void Duplicate(std::u16string_view name, std::u16string_view newName);
 
   // Takes every section of that name away.
   void Remove(std::u16string_view name);
 
-  // Gives every section of that name another header line; its lines stay.
+  // Gives every section of that name another header line; its lines stay. Throws SchemaIniFailure
+  // as Replace does; some sections may have the new header then.
   void Rename(std::u16string_view name, std::u16string_view newName);
 
   // Writes the sections back. Throws SchemaIniFailure; schema.ini is then as it was.

@@ -64,6 +64,21 @@ TEST_F(SchemaIniFileTest, ASectionHiddenByAnotherLineIsNotLost) {
   EXPECT_TRUE(WriteColumn(u"b.csv", column));
 }
 
+TEST_F(SchemaIniFileTest, ASectionThatWouldBeHiddenIsNotAdded) {
+  constexpr std::string_view kHiding = " [b.csv]\nCol2=p Double\n[a.csv]\nCol1=x Long\n";
+  SetText(kHiding);
+  FieldDefinition column;
+  column.name = u"b";
+  std::u16string failure;
+  EXPECT_FALSE(WriteColumn(u"b.csv", column, &failure));
+  EXPECT_EQ(failure, u"Another line of schema.ini is taken for the section's header.");
+  EXPECT_FALSE(RenameSchemaSection(Paths(), u"a.csv", u"b.csv"));
+  EXPECT_FALSE(DuplicateSchemaSection(Paths(), u"a.csv", u"b.csv"));
+  EXPECT_FALSE(CopySchemaSection(Paths(), u"a.csv", Paths(), u"b.csv"));
+  EXPECT_EQ(Text(), kHiding);
+  EXPECT_TRUE(RenameSchemaSection(Paths(), u"a.csv", u"c.csv"));
+}
+
 TEST_F(SchemaIniFileTest, AReplacedSectionKeepsItsPlaceAndItsHeader) {
   SetText(kThreeSections);
   SchemaIniFile file(Paths(), SchemaIniFile::Access::kWrite);
