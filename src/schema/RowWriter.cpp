@@ -135,7 +135,7 @@ RowWriter::RowWriter(const TextDatasetDescription& table)
       textDelimiter_(Utf8Of(table.options.textDelimiter)),
       texts_(static_cast<char>(table.options.delimiter),
              static_cast<char>(table.options.textDelimiter)),
-      lineEnd_(table.options.recordTerminator == '\r' ? std::string_view("\r") : kLineEnd) {
+      lineEnd_(EndsLinesWithCr() ? std::string_view("\r") : kLineEnd) {
   for (std::size_t i = 0; i < table.fields.size(); ++i) {
     const FieldDefinition& field = table.fields[i];
     if (field.isCoordinate) continue;
@@ -183,7 +183,9 @@ RowWriter::Way RowWriter::WayOf(const Column& column) const {
     case FieldType::kString:
     case FieldType::kGuid:
     case FieldType::kGlobalId:
-      return QuotedText::Takes(delimiter, options_.textDelimiter) ? Way::kText : Way::kGeneral;
+      return QuotedText::Takes(delimiter, options_.textDelimiter) && !EndsLinesWithCr()
+                 ? Way::kText
+                 : Way::kGeneral;
     case FieldType::kDate:
     case FieldType::kDateOnly:
     case FieldType::kTimeOnly:
@@ -433,7 +435,7 @@ void RowWriter::AppendGenerally(const Column& column, const VARIANT& value) {
   value_.clear();
   leadingQuote_ = false;
   buffer_.Append({separator_.data(), column.separatorSize});
-  if (!IsNull(value) && (!FormatValue(column, value) || !CanStand())) {
+  if (!IsNull(value) && (!FormatValue(column, value) || !CanStand(column))) {
     value_.clear();
     quenra::EventLog::Write(u"In file " + tableName_ + u", a value of field " + column.name +
                             u" cannot be written as the field's type. It is left blank.");
@@ -500,13 +502,15 @@ bool RowWriter::FormatText(const Column& column, const VARIANT& value) {
 
 // What stands for a character in the file; 0 for nothing. A zero would end the line's text and a
 // byte 1A the file's when they are read. Where nothing can be quoted, characters that would end the
-// value become blanks.
+// value become blanks. A line feed becomes a CR in a table of CRs, which are known by it that the
+// file has no line feed.
 char16_t RowWriter::Writable(char16_t unit) const noexcept {
   if (unit == 0 || unit == 0x1A) return u'\0';
   const bool quoting = !options_.fixedLength && options_.textDelimiter != 0;
   const bool ends =
       unit == u'\r' || unit == u'\n' || (!options_.fixedLength && unit == options_.delimiter);
-  return ends && !quoting ? u' ' : unit;
+  if (ends && !quoting) return u' ';
+  return unit == u'\n' && EndsLinesWithCr() ? u'\r' : unit;
 }
 
 bool RowWriter::FormatDate(const Column& column, const VARIANT& value) {
@@ -554,10 +558,12 @@ bool RowWriter::FormatTimestamp(IUnknown* object) {
   return true;
 }
 
-// Where nothing can be quoted, a number or date that holds the delimiter would be two values. Texts
-// have lost theirs by now.
-bool RowWriter::CanStand() const noexcept {
-  return options_.fixedLength || !textDelimiter_.empty() || !NeedsQuotes();
+// Whether the value leaves those beside it alone. Where nothing can be quoted, a number or date
+// that holds the delimiter would be two values; one that is wider than its column would move all
+// behind it. Texts have been cut and have lost their delimiters by now.
+bool RowWriter::CanStand(const Column& column) const noexcept {
+  if (options_.fixedLength) return Utf16Length(value_) <= column.width;
+  return !textDelimiter_.empty() || !NeedsQuotes();
 }
 
 bool RowWriter::NeedsQuotes() const noexcept {

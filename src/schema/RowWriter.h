@@ -101,8 +101,9 @@ class RowWriter {
   bool FormatTimestamp(IUnknown* object);
   void AppendDelimited();
   char16_t Writable(char16_t unit) const noexcept;
+  bool EndsLinesWithCr() const noexcept { return options_.recordTerminator == '\r'; }
   void AppendPadded(const Column& column);
-  bool CanStand() const noexcept;
+  bool CanStand(const Column& column) const noexcept;
   bool NeedsQuotes() const noexcept;
 
   const std::u16string path_;

@@ -60,16 +60,18 @@ void SetColumns(const std::vector<FieldDefinition>& fields, SchemaOptions& optio
   }
 }
 
+std::u16string WithBlanksFor(std::u16string_view unwritable, std::u16string_view name) {
+  std::u16string plain(name);
+  for (char16_t& unit : plain)
+    if (unwritable.find(unit) != std::u16string_view::npos) unit = u' ';
+  return plain;
+}
+
 // A name as the header holds it, quoted where it would not be read back otherwise. What cannot be
 // quoted becomes a blank, so that the header has as many names as there are columns.
 void AppendName(const SchemaOptions& options, std::u16string_view name, std::string& bytes) {
   const std::u16string special = {options.delimiter, options.textDelimiter, u'\r', u'\n'};
-  if (options.textDelimiter == 0) {
-    std::u16string plain(name);
-    for (char16_t& unit : plain)
-      if (special.find(unit) != std::u16string_view::npos) unit = u' ';
-    return AppendUtf8(plain, bytes);
-  }
+  if (options.textDelimiter == 0) return AppendUtf8(WithBlanksFor(special, name), bytes);
   if (name.find_first_of(special) == std::u16string_view::npos) return AppendUtf8(name, bytes);
   std::u16string text(1, options.textDelimiter);
   for (const char16_t unit : name) {
@@ -88,7 +90,7 @@ std::string HeaderLine(const SchemaOptions& options, const std::vector<FieldDefi
       const auto width = static_cast<std::size_t>(std::max(fields[i].width, 0));
       const std::u16string_view name = CutText(fields[i].name, width);
       bytes.append(width - name.size(), ' ');
-      AppendUtf8(name, bytes);
+      AppendUtf8(WithBlanksFor(u"\r\n", name), bytes);
     } else {
       if (i > 0) AppendUtf8(std::u16string_view(&options.delimiter, 1), bytes);
       AppendName(options, fields[i].name, bytes);

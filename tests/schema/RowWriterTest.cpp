@@ -357,6 +357,18 @@ TEST_F(RowWriterTest, FixedLengthValuesArePaddedOnTheLeft) {
   EXPECT_EQ(messages_.size(), 2u);
 }
 
+TEST_F(RowWriterTest, FixedLengthDatesThatAreTooWideAreLeftBlank) {
+  const TextDatasetDescription table = Table(
+      "Format=FixedLength\nColNameHeader=True\nCol1=A Long Width 3\n"
+      "Col2=D Date Width 10\nCol3=B Text Width 3",
+      "  A         D  B\n");
+  EXPECT_EQ(Added(table, Row(Whole(1), Date(kNoonOf5January2020), Text(u"xyz"))),
+            "  1          xyz" + std::string(kEnd));
+  EXPECT_THAT(messages_,
+              ElementsAre("In file t.csv, a value of field D cannot be written as the field's "
+                          "type. It is left blank."));
+}
+
 // ---------------------------------------------------------------------------------------------
 // Files
 // ---------------------------------------------------------------------------------------------
@@ -381,6 +393,14 @@ TEST_F(RowWriterTest, NothingIsAddedWithoutRows) {
 
 TEST_F(RowWriterTest, ACarriageReturnTableGetsCarriageReturns) {
   EXPECT_EQ(Added(Table("", "Id,Name\r1,a\r2,b\r"), Row(Whole(3), Text(u"c"))), "3,c\r");
+  // With a line feed the file would be read as one of line feeds.
+  const TextDatasetDescription table = Table("", "Id,Name\r1,a\r2,b\r");
+  EXPECT_EQ(Added(table, Row(Whole(3), Text(u"c\nd"))), "3,\"c\rd\"\r");
+  TextDatasetDescription opened = DescribeFile(folder_.Path(), u"t.csv");
+  auto status = OpenDatasetStatus::kScanFailed;
+  ASSERT_TRUE(OpenTextDataset(opened, {}, status));
+  EXPECT_EQ(opened.fields.size(), 2U);
+  EXPECT_EQ(opened.fields[0].name, u"Id");
 }
 
 TEST_F(RowWriterTest, RowsGoBeforeATextEndByte) {

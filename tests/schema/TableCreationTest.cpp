@@ -160,6 +160,12 @@ TEST_F(TableCreationTest, AFixedLengthHeaderDoesNotHalveAPair) {
   EXPECT_EQ(folder_.Read(u"t.txt"), Header(" a"));
 }
 
+TEST_F(TableCreationTest, AFixedLengthHeaderIsOneLine) {
+  folder_.Write(u"schema.ini", "[t.txt]\nFormat=FixedLength\nCol1=A Text Width 6\n");
+  Create(u"t.txt", {Field(u"x\ny\rz", FieldType::kString, 50)});
+  EXPECT_EQ(folder_.Read(u"t.txt"), Header(" x y z"));
+}
+
 TEST_F(TableCreationTest, NamesAreQuotedWhereTheHeaderNeedsIt) {
   Create(u"t.csv", {Field(u"a,b", FieldType::kInteger), Field(u"c d", FieldType::kInteger)});
   EXPECT_EQ(folder_.Read(u"t.csv"), Header("\"a,b\",c d"));
