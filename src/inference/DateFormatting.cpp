@@ -15,6 +15,7 @@ namespace {
 constexpr std::u16string_view kHourLetters = u"hH";
 constexpr std::u16string_view kTimeWithoutHour = u"hh:mm:ss";
 constexpr std::u16string_view kDateBehindTime = u"yyyy-MM-dd";
+constexpr std::u16string_view kDateWithoutPattern = u"yyyy-MM-dd HH:mm:ss";
 
 constexpr char16_t ToLowerAscii(char16_t unit) noexcept {
   return unit >= u'A' && unit <= u'Z' ? static_cast<char16_t>(unit + (u'a' - u'A')) : unit;
@@ -186,7 +187,8 @@ std::u16string WritingPattern(const DateFieldFormat& format, FieldType type,
   const std::size_t hour = std::min(pattern.find_first_of(kHourLetters), pattern.size());
   if (type == FieldType::kTimeOnly)
     return std::u16string(hour < pattern.size() ? pattern.substr(hour) : kTimeWithoutHour);
-  if (type != FieldType::kDateOnly) return std::u16string(pattern);
+  if (type != FieldType::kDateOnly)
+    return std::u16string(pattern.empty() ? kDateWithoutPattern : pattern);
 
   std::u16string_view day = quenra::TrimWhiteSpace(pattern.substr(0, hour));
   // The "T" between day and time belongs to neither.

@@ -81,7 +81,8 @@ class DatePattern {
 };
 
 // The pattern that values of a column are written with: the column's own, else the table's, for
-// days alone and times alone the part of it that they need.
+// days alone and times alone the part of it that they need. Where none of both says anything, the
+// year comes first.
 std::u16string WritingPattern(const DateFieldFormat& format, FieldType type,
                               std::u16string_view tablePattern);
 

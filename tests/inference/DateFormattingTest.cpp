@@ -112,6 +112,8 @@ struct ChoiceCase {
 constexpr ChoiceCase kChoiceCases[] = {
     {FieldType::kDate, u"", u"M/d/yyyy H:mm:ss", u"M/d/yyyy H:mm:ss"},
     {FieldType::kDate, u"yyyy-MM-dd HH:mm", u"M/d/yyyy H:mm:ss", u"yyyy-MM-dd HH:mm"},
+    {FieldType::kDate, u"", u"", u"yyyy-MM-dd HH:mm:ss"},
+    {FieldType::kDateOnly, u"", u"", u"yyyy-MM-dd"},
     {FieldType::kTimestampOffset, u"", u"M/d/yyyy H:mm:ss", u"M/d/yyyy H:mm:ss"},
     {FieldType::kDateOnly, u"", u"M/d/yyyy H:mm:ss", u"M/d/yyyy"},
     {FieldType::kDateOnly, u"", u"dd.MM.yyyy hh:mm", u"dd.MM.yyyy"},
