@@ -81,6 +81,9 @@ HeaderReading TypeInference::ReadHeader() {
   HeaderReading reading;
   reader_.Rewind();
   reading.foundRecord = ReadRecord();
+  reading.onlyLineEnds =
+      reading.foundRecord && reader_.record().size() == 1 &&
+      reader_.record()[0].find_first_not_of(u"\r\n") == std::u16string_view::npos;
   reading.reachedEnd = reader_.StreamAtEnd();
   if (!options_.IsSpecified(SchemaOptions::kColNameHeader))
     options_.columnNameHeader = reading.foundRecord && IsHeader();

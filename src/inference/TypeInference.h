@@ -24,7 +24,8 @@ namespace TextFile {
 // What reading the first record has shown.
 struct HeaderReading {
   bool foundRecord = false;
-  bool reachedEnd = false;  // the file holds nothing beyond its first record
+  bool onlyLineEnds = false;  // the record is nothing but CRs and line feeds
+  bool reachedEnd = false;    // the file holds nothing beyond its first record
 };
 
 class TypeInference {

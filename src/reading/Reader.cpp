@@ -27,8 +27,8 @@ void Reader::ReadHeader(TypeInference& inference, SchemaOptions& options) {
   SwitchRecordTerminator();
   inference.ForgetHeader();
   const HeaderReading second = inference.ReadHeader();
-  // Without a record now, the file is nothing but the other line ends.
-  if (!second.foundRecord || !second.reachedEnd) {
+  // Without a record now, a file of nothing but the other line ends has none.
+  if (second.foundRecord ? !second.reachedEnd : first.onlyLineEnds) {
     options.recordTerminator = recordTerminator();
     return;
   }

@@ -171,6 +171,14 @@ TEST_F(OpenTextDatasetTest, CarriageReturnsAreKeptForTheCursors) {
   EXPECT_EQ(RecordTexts(*rows), (Texts{u"[3] [4]"}));
 }
 
+// A reading with the other line ends finds no record where a zero ends the line.
+TEST_F(OpenTextDatasetTest, ALineCutToNothingHidesNoRecord) {
+  const TextDatasetDescription table = Open(u"a.csv", "\0\n1,2\n"s);
+  EXPECT_EQ(NamesOf(table), (Texts{u"Field1", u"Field2"}));
+  EXPECT_EQ(MakeDataReader(table)->record().size(), 2U);
+  EXPECT_EQ(NamesOf(Open(u"b.csv", "\0\nabc"s)), (Texts{u"abc"}));
+}
+
 // ---------------------------------------------------------------------------------------------
 // Delimiters of extensions and locales
 // ---------------------------------------------------------------------------------------------
