@@ -59,17 +59,17 @@ bool IsWorkspaceFolder(std::u16string_view path) {
   }
 }
 
-bool ForEachTextFile(std::u16string_view folder,
-                     const std::function<bool(std::u16string_view name)>& visitor) {
+boost::system::error_code ForEachTextFile(
+    std::u16string_view folder, const std::function<bool(std::u16string_view name)>& visitor) {
   boost::system::error_code error;
   fs::directory_iterator entry(fs::path(NativeFromFileName(folder)), error);
   for (const fs::directory_iterator end; !error && entry != end; entry.increment(error)) {
     // The name first: the status costs a call of the system where the folder does not tell it.
     const std::u16string name = FileNameFromNative(entry->path().filename().native());
     if (!IsTextFileName(name) || !IsRegularFile(*entry)) continue;
-    if (!visitor(name)) return true;
+    if (!visitor(name)) return {};
   }
-  return !error;
+  return error;
 }
 
 std::optional<TextFile::TextDatasetDescription> FindTable(std::u16string_view folder,

@@ -5,6 +5,7 @@
 //   });
 #pragma once
 
+#include <boost/system/error_code.hpp>
 #include <functional>
 #include <optional>
 #include <string>
@@ -26,10 +27,10 @@ bool IsDirectory(std::u16string_view path);
 bool IsWorkspaceFolder(std::u16string_view path);
 
 // Hands the visitor the name of each regular text file, in the file system's order, until it
-// answers false. Entries that vanish, and links that lead nowhere, are passed over. False when the
+// answers false. Entries that vanish, and links that lead nowhere, are passed over. Answers why the
 // folder cannot be walked to its end.
-bool ForEachTextFile(std::u16string_view folder,
-                     const std::function<bool(std::u16string_view name)>& visitor);
+boost::system::error_code ForEachTextFile(
+    std::u16string_view folder, const std::function<bool(std::u16string_view name)>& visitor);
 
 // The description, not opened yet, of the file or other object named `name` in the folder, whatever
 // its extension. Nullopt when there is none, or when the name leads to another folder.

@@ -45,11 +45,11 @@ std::u16string_view LeafOf(std::u16string_view path) {
 bool FolderHoldsTextFile(std::u16string_view folder) {
   if (!IsDirectory(folder)) return false;
   bool found = false;
-  const bool walked = ForEachTextFile(folder, [&found](std::u16string_view) {
-    found = true;
-    return false;
-  });
-  return walked && found;
+  const bool failed = ForEachTextFile(folder, [&found](std::u16string_view) {
+                        found = true;
+                        return false;
+                      }).failed();
+  return found && !failed;
 }
 
 // What the host receives for a question about text files.

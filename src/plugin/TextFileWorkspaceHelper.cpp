@@ -1,5 +1,6 @@
 #include "plugin/TextFileWorkspaceHelper.h"
 
+#include <boost/system/system_error.hpp>
 #include <utility>
 #include <vector>
 
@@ -66,11 +67,13 @@ HRESULT STDMETHODCALLTYPE TextFileWorkspaceHelper::EnumerateDatasets(LONG datase
   if (FAILED(CreateComponentInstance(CLSID_HostArray, array.Receive()))) return E_OUTOFMEMORY;
   std::vector<std::u16string> names;
   if (workspace_.folderVerified) {
-    // A folder that cannot be walked any further lists what it has shown.
-    static_cast<void>(ForEachTextFile(workspace_.folder, [&names](std::u16string_view name) {
-      names.emplace_back(name);
-      return true;
-    }));
+    const boost::system::error_code error =
+        ForEachTextFile(workspace_.folder, [&names](std::u16string_view name) {
+          names.emplace_back(name);
+          return true;
+        });
+    // What has been shown until then must not pass for all there is.
+    if (error.failed()) throw boost::system::system_error(error);
   }
   for (const std::u16string& name : names) {
     const ComPtr<TextFileDatasetHelper> dataset = FindDataset(name);

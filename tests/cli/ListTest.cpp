@@ -50,6 +50,14 @@ TEST_F(ListTest, FileInPlaceOfAFolderIsRefused) {
   ExpectRefused(Run({"list", "a.csv"}), "texttables: error: 0x80040258: a.csv\n");
 }
 
+#ifndef _WIN32
+// What is no plain file may be a folder shown in another way; whether it can be read is seen then.
+TEST_F(ListTest, AFolderThatCannotBeReadIsNotAnEmptyOne) {
+  ExpectRefused(Run({"list", "/dev/null"}),
+                "texttables: error: 0x80070014: Not a directory: /dev/null\n");
+}
+#endif
+
 using ClaimTest = TexttablesTest;
 
 TEST_F(ClaimTest, ClaimsTablesAndTheirMetadataFiles) {
