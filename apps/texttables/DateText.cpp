@@ -44,7 +44,8 @@ char* WriteTime(char* place, const SYSTEMTIME& time) {
 char* WriteOffset(char* place, int minutes) {
   *place++ = minutes < 0 ? '-' : '+';
   const auto size = static_cast<unsigned>(std::abs(minutes));
-  place = WriteDigits(place, size / 60, 2);
+  // Tables may have offsets that no place on earth has.
+  place = WriteDigits(place, size / 60, size < 100 * 60 ? 2 : 3);
   *place++ = ':';
   return WriteDigits(place, size % 60, 2);
 }

@@ -84,12 +84,11 @@ int Columns() {
 
 std::size_t WriteStandardOutput(const char* bytes, std::size_t count) {
   for (;;) {
+    // A write that an interrupt has ended half-way has succeeded as well.
+    DeferInterrupts::Poll();
     const ssize_t done = ::write(STDOUT_FILENO, bytes, count);
     if (done >= 0) return static_cast<std::size_t>(done);
-    if (errno == EINTR) {
-      DeferInterrupts::Poll();
-      continue;
-    }
+    if (errno == EINTR) continue;
     if (errno == EPIPE) throw OutputClosed();
     throw SystemRefusal(errno, u"standard output");
   }

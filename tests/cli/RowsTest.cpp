@@ -189,6 +189,12 @@ TEST_F(RowsTest, TimestampsKeepTheirOffset) {
             "[{\"VT_UNKNOWN\":{\"date\":43835.4375,\"offsetMinutes\":-210}}]\n");
 }
 
+TEST_F(RowsTest, OffsetsOfHundredHoursAreWhole) {
+  Write("a.csv", "D,X\n2020-01-05 10:30 +100:00,1\n2020-01-05 10:30 -123:45,1\n");
+  EXPECT_EQ(Output({"rows", "a.csv", "--columns", "D"}),
+            "D\n2020-01-05T10:30:00+100:00\n2020-01-05T10:30:00-123:45\n");
+}
+
 TEST_F(RowsTest, DatesBefore1900CountTheirTimeAwayFromZero) {
   Write("a.csv", "When\n1899-12-29 06:00\n1752-09-14 18:00\n");
   EXPECT_EQ(Output({"rows", "a.csv", "--format", "typed", "--limit", "1"}),
