@@ -13,7 +13,6 @@ namespace {
 
 using quenra::test::ToUtf8;
 using testing::ElementsAre;
-using testing::HasSubstr;
 
 class TableFilesTest : public testing::Test {
  protected:

@@ -21,14 +21,15 @@ using quenra::Variant;
 constexpr char kFence = '\x7E';
 
 bool IsDropped(std::u16string_view text) {
-  return text.find(u'\0') != text.npos || text.find(u'\x1A') != text.npos;
+  return text.find(u'\0') != std::u16string_view::npos ||
+         text.find(u'\x1A') != std::u16string_view::npos;
 }
 
 // As it stands in a file with commas and double quotes.
 std::string Expected(std::u16string_view text) {
-  bool quoted = text.find_first_of(u",\r\n") != text.npos;
+  bool quoted = text.find_first_of(u",\r\n") != std::u16string_view::npos;
   const std::size_t first = text.find(u'"');
-  quoted = quoted || (first != text.npos && quenra::IsBlank(text.substr(0, first)));
+  quoted = quoted || (first != std::u16string_view::npos && quenra::IsBlank(text.substr(0, first)));
   std::u16string doubled;
   for (const char16_t unit : text) doubled.append(unit == u'"' ? 2 : 1, unit);
   std::string bytes;

@@ -21,7 +21,6 @@ namespace TextFile {
 namespace {
 
 using quenra::test::TemporaryFolder;
-using quenra::test::ToUtf16;
 using quenra::test::ToUtf8;
 using testing::StartsWith;
 

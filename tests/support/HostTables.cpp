@@ -28,7 +28,7 @@ VARIANT& Begin(Variant& value, VARTYPE type) {
 }  // namespace
 
 ComPtr<HostFieldCollection> MakeFields(const std::vector<FieldAsked>& fields) {
-  const auto collection = Make<HostFieldCollection>(CLSID_HostFieldCollection);
+  auto collection = Make<HostFieldCollection>(CLSID_HostFieldCollection);
   for (const FieldAsked& asked : fields) {
     const auto field = Make<HostField>(CLSID_HostField);
     const auto edit = field.As<HostFieldEdit>();
@@ -43,7 +43,7 @@ ComPtr<HostFieldCollection> MakeFields(const std::vector<FieldAsked>& fields) {
 
 ComPtr<HostRowBuffer> MakeRow(const ComPtr<HostFieldCollection>& fields,
                               const std::vector<Variant>& values) {
-  const auto row = Make<HostRowBuffer>(CLSID_HostRowBuffer);
+  auto row = Make<HostRowBuffer>(CLSID_HostRowBuffer);
   row.As<HostRowBufferEdit>()->SetFields(fields.Get());
   LONG index = 0;
   for (const Variant& value : values) row->SetValue(index++, value.Address());
@@ -51,7 +51,7 @@ ComPtr<HostRowBuffer> MakeRow(const ComPtr<HostFieldCollection>& fields,
 }
 
 ComPtr<HostWorkspace> MakeWorkspace(std::u16string_view folder) {
-  const auto workspace = Make<HostWorkspace>(CLSID_HostWorkspace);
+  auto workspace = Make<HostWorkspace>(CLSID_HostWorkspace);
   workspace.As<HostWorkspaceEdit>()->SetWorkspacePath(BString(folder).Get());
   return workspace;
 }

@@ -52,7 +52,7 @@ bool DecodeUtf8(std::string_view bytes, std::u16string& text) {
   for (std::size_t i = 0; i < bytes.size();) {
     const int lead = static_cast<unsigned char>(bytes[i]);
     const Sequence sequence = SequenceOf(lead);
-    std::uint32_t code = static_cast<std::uint32_t>(
+    auto code = static_cast<std::uint32_t>(
         sequence.length <= 1 ? lead : lead & (0xFF >> (sequence.length + 1)));
     int taken = 1;
     for (; taken < sequence.length && i + static_cast<std::size_t>(taken) < bytes.size(); ++taken) {

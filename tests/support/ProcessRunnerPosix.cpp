@@ -2,7 +2,6 @@
 
 #include <fcntl.h>
 #include <poll.h>
-#include <signal.h>
 #include <spawn.h>
 #include <sys/ioctl.h>
 #include <sys/wait.h>
@@ -10,6 +9,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <csignal>
 #include <cstdlib>
 #include <cstring>
 #include <fstream>
@@ -20,7 +20,7 @@
 
 #include "support/ProcessRunner.h"
 
-extern char** environ;
+extern char** environ;  // NOLINT(readability-redundant-declaration): not everywhere
 
 namespace {
 
@@ -92,8 +92,8 @@ bool IsLocaleOrOurs(const char* variable) {
 std::vector<std::string> EnvironmentFor(const ProcessRequest& request) {
   std::vector<std::string> variables;
   for (char** variable = environ; *variable != nullptr; ++variable)
-    if (!IsLocaleOrOurs(*variable)) variables.push_back(*variable);
-  if (request.environment.count("LC_ALL") == 0) variables.push_back("LC_ALL=C");
+    if (!IsLocaleOrOurs(*variable)) variables.emplace_back(*variable);
+  if (!request.environment.contains("LC_ALL")) variables.emplace_back("LC_ALL=C");
   for (const auto& [name, value] : request.environment) variables.push_back(name + "=" + value);
   return variables;
 }

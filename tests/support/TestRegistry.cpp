@@ -47,6 +47,8 @@ void DumpKey(const std::u16string& path, std::vector<std::string>& lines) {
 
 }  // namespace
 
+// An object of the class has put the test's registry in place of the user's.
+// NOLINTBEGIN(readability-convert-member-functions-to-static)
 std::vector<std::string> TestRegistry::Dump(const std::u16string& path) const {
   std::vector<std::string> lines;
   DumpKey(path, lines);
@@ -62,5 +64,6 @@ void TestRegistry::Write(const std::u16string& path, const std::u16string& text)
                    static_cast<DWORD>((text.size() + 1) * sizeof(char16_t)));
   ::RegCloseKey(key);
 }
+// NOLINTEND(readability-convert-member-functions-to-static)
 
 }  // namespace quenra::test
