@@ -148,8 +148,11 @@ RowWriter::RowWriter(const TextDatasetDescription& table)
     column.width =
         static_cast<std::size_t>(anyWidth ? kDefaultTextWidth : std::max(field.width, 0));
     column.hasOwnPattern = !field.dateFormat.pattern.empty();
-    column.pattern =
-        DatePattern(WritingPattern(field.dateFormat, field.type, TablePatternFor(field, options_)));
+    const std::u16string tablePattern = TablePatternFor(field, options_);
+    column.pattern = DatePattern(WritingPattern(field.dateFormat, field.type, tablePattern));
+    if (options_.fixedLength && field.type == FieldType::kDate)
+      column.dayPattern =
+          DatePattern(WritingPattern(field.dateFormat, FieldType::kDateOnly, tablePattern));
     column.digits = NumberFormat::DigitsOf(options_.number, field.type);
     column.way = WayOf(column);
     column.wanted = column.way == Way::kDate ? VARTYPE{VT_DATE} : VariantTypeOf(column.type);
@@ -535,9 +538,19 @@ bool RowWriter::FormatDate(const Column& column, const VARIANT& value) {
   }
   SYSTEMTIME time{};
   if (!quenra::DatetimeHelper::FromOADate(date, time)) return false;
-  column.pattern.Append(time, value_);
+  AppendDate(column, time);
   if (column.type == FieldType::kTimestampOffset) AppendOffset(0, value_);
   return true;
+}
+
+// In a fixed-length table midnight gives way where the column has room for the day alone.
+void RowWriter::AppendDate(const Column& column, const SYSTEMTIME& time) {
+  column.pattern.Append(time, value_);
+  const bool isMidnight =
+      time.wHour == 0 && time.wMinute == 0 && time.wSecond == 0 && time.wMilliseconds == 0;
+  if (column.dayPattern.empty() || !isMidnight || Utf16Length(value_) <= column.width) return;
+  value_.clear();
+  column.dayPattern.Append(time, value_);
 }
 
 // A date and time with its offset, in the one form that is read back as such.

@@ -61,7 +61,8 @@ class RowWriter {
     FieldType type;
     std::size_t width;  // UTF-16 code units
     bool hasOwnPattern;
-    DatePattern pattern;  // dates and times
+    DatePattern pattern;     // dates and times
+    DatePattern dayPattern;  // the part of it that days have
     Way way;
     VARTYPE wanted;             // the variant type that the values have when they take that way
     int digits;                 // kReal
@@ -98,6 +99,7 @@ class RowWriter {
   bool FormatNumber(const Column& column, const VARIANT& value);
   bool FormatText(const Column& column, const VARIANT& value);
   bool FormatDate(const Column& column, const VARIANT& value);
+  void AppendDate(const Column& column, const SYSTEMTIME& time);
   bool FormatTimestamp(IUnknown* object);
   void AppendDelimited();
   char16_t Writable(char16_t unit) const noexcept;

@@ -357,13 +357,15 @@ TEST_F(RowWriterTest, FixedLengthValuesArePaddedOnTheLeft) {
   EXPECT_EQ(messages_.size(), 2u);
 }
 
-TEST_F(RowWriterTest, FixedLengthDatesThatAreTooWideAreLeftBlank) {
+TEST_F(RowWriterTest, FixedLengthDatesLoseMidnightOrAreLeftBlank) {
   const TextDatasetDescription table = Table(
       "Format=FixedLength\nColNameHeader=True\nCol1=A Long Width 3\n"
       "Col2=D Date Width 10\nCol3=B Text Width 3",
       "  A         D  B\n");
   EXPECT_EQ(Added(table, Row(Whole(1), Date(kNoonOf5January2020), Text(u"xyz"))),
             "  1          xyz" + std::string(kEnd));
+  EXPECT_EQ(Added(table, Row(Whole(1), Date(43835), Text(u"xyz"))),
+            "  1  1/5/2020xyz" + std::string(kEnd));
   EXPECT_THAT(messages_,
               ElementsAre("In file t.csv, a value of field D cannot be written as the field's "
                           "type. It is left blank."));
