@@ -89,6 +89,7 @@ void Open(benchmark::State& state, const BenchmarkTable& table) {
 // The slots of a host that wants every field, and the map that says so.
 class AllColumns {
  public:
+  // NOLINTNEXTLINE(cppcoreguidelines-pro-type-member-init): written before it is read
   explicit AllColumns(quenra::IPlugInDatasetHelper& dataset) {
     ComPtr<quenra::HostFieldCollection> fields;
     Require(dataset.DescribeFields(0, fields.Receive()), "fields");

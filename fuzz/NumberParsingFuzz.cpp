@@ -99,9 +99,9 @@ void CheckPlainNumber(char16_t decimalSymbol, std::u16string_view text) {
   const std::string bytes = BytesOf(text);
   const std::string padded = bytes + std::string(TextFile::kPlainNumberBytes, '7');
   const std::string_view view = std::string_view(padded).substr(0, bytes.size());
-  TextFile::PlainNumber ofUnits;
-  TextFile::PlainNumber ofBytes;
-  TextFile::PlainNumber quick;
+  TextFile::PlainNumber ofUnits{};
+  TextFile::PlainNumber ofBytes{};
+  TextFile::PlainNumber quick{};
   const bool isPlain = TextFile::ReadPlainNumber(decimalSymbol, text, ofUnits);
   Check(TextFile::ReadPlainNumber(decimalSymbol, bytes, ofBytes) == isPlain);
   Check(TextFile::QuickestPlainCells().readNumber(decimalSymbol, view, quick) == isPlain);

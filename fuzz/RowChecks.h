@@ -28,6 +28,7 @@ inline std::u16string MessageTemplate(std::uint32_t id) {
 // Owns one value.
 class Value {
  public:
+  // NOLINTNEXTLINE(cppcoreguidelines-pro-type-member-init): written before it is read
   Value(TextFile::ConverterWithSlots& converter, std::size_t field) {
     ::VariantInit(&value_);
     converter.MoveValue(field, value_);

@@ -80,6 +80,7 @@ ColumnPlan PlanFeatures(const std::vector<Field>& fields,
   return plan;
 }
 
+// NOLINTNEXTLINE(cppcoreguidelines-pro-type-member-init): written before it is read
 FieldMap::FieldMap(const std::vector<LONG>& slots) {
   ::VariantInit(&value_);
   SAFEARRAY* array = ::SafeArrayCreateVector(VT_I4, 0, static_cast<ULONG>(slots.size()));

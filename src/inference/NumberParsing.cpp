@@ -17,6 +17,7 @@ using quenra::TrimWhiteSpace;
 // A text as narrow characters, on the stack for every number of ordinary length.
 class NarrowText {
  public:
+  // NOLINTNEXTLINE(cppcoreguidelines-pro-type-member-init): written before it is read
   explicit NarrowText(std::size_t capacity) {
     if (capacity > sizeof(local_)) {
       heap_.resize(capacity);
@@ -119,6 +120,7 @@ class NarrowNumber {
 
   // `text` has kLeast to kMost characters.
   template <class Character>
+  // NOLINTNEXTLINE(cppcoreguidelines-pro-type-member-init): written before it is read
   NarrowNumber(char16_t decimalSymbol, std::basic_string_view<Character> text) noexcept
       : size_(text.size()) {
     if (size_ >= 8) {
@@ -200,6 +202,7 @@ bool NumberFormat::IsValidGrouping(const Settings& settings, std::u16string_view
 
 bool NumberFormat::Convert(const Settings& settings, std::u16string_view text, FieldType type,
                            NumberValue& value) {
+  // NOLINTNEXTLINE(cppcoreguidelines-pro-type-member-init): written before it is read
   PlainNumber plain;
   if (ReadPlainNumber(settings.decimalSymbol, text, plain) && FromPlainNumber(plain, type, value))
     return true;
@@ -236,6 +239,7 @@ FieldType NumberFormat::Classify(const Settings& settings, std::u16string_view t
                                  std::uint32_t version) {
   text = TrimWhiteSpace(text);
   // Every whole number of 32 bits is the same number as a Double.
+  // NOLINTNEXTLINE(cppcoreguidelines-pro-type-member-init): written before it is read
   PlainNumber plain;
   std::int32_t plainWhole = 0;
   if (ReadPlainNumber(settings.decimalSymbol, text, plain) && PlainInteger(plain, plainWhole))

@@ -15,6 +15,7 @@
 namespace TextFile {
 
 // A number of one of the numeric field types. Which member is set follows from the type asked for.
+// NOLINTNEXTLINE(cppcoreguidelines-pro-type-member-init): written before it is read
 struct NumberValue {
   union {
     std::int64_t integer = 0;  // kSmallInteger, kInteger, kBigInteger: within the type's range

@@ -48,6 +48,7 @@ class PlainCellsKernel {
       return Values::ReadDate(formats.fields[step.field].dateFormat, bytes, date) &&
              SetPlainDate(date, *step.slot);
     }
+    // NOLINTNEXTLINE(cppcoreguidelines-pro-type-member-init): written before it is read
     PlainNumber number;
     return (Values::ReadNumber(formats.decimalSymbol, bytes, number) &&
             SetPlainNumber(step.way, number, *step.slot)) ||
@@ -80,6 +81,7 @@ class PlainCellsKernel {
       return Values::ReadDate(formats.fields[step.field].dateFormat, bytes, date) &&
              quenra::IsOleDay(date.day);
     }
+    // NOLINTNEXTLINE(cppcoreguidelines-pro-type-member-init): written before it is read
     PlainNumber number;
     return (Values::ReadNumber(formats.decimalSymbol, bytes, number) &&
             IsPlainValue(step.way, number)) ||

@@ -63,6 +63,7 @@ template <class Character>
 template <class Character>
 [[gnu::always_inline]] inline bool ReadDayFromYear(const Character* units,
                                                    quenra::CivilDay& day) noexcept {
+  // NOLINTNEXTLINE(cppcoreguidelines-pro-type-member-init): written before it is read
   EightCharacters eight;
   if (!ReadEight(units, 4, 7, eight)) return false;
   constexpr unsigned kFirstSeparator = u'-' ^ u'0';  // "-", "." and "/" follow one another
@@ -76,6 +77,7 @@ template <class Character>
 // Eight characters: "10:30:00".
 template <class Character>
 [[gnu::always_inline]] inline bool ReadTimeToSecond(const Character* units, int& seconds) noexcept {
+  // NOLINTNEXTLINE(cppcoreguidelines-pro-type-member-init): written before it is read
   EightCharacters eight;
   constexpr unsigned kColon = u':' ^ u'0';
   if (!ReadEight(units, 2, 5, eight) || eight.Difference(2) != kColon ||

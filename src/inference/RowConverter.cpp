@@ -41,6 +41,7 @@ std::u16string_view TextOf(const PlainRow& row, std::size_t column, UnitBuffer& 
 
 }  // namespace
 
+// NOLINTNEXTLINE(cppcoreguidelines-pro-type-member-init): written before it is read
 RowConverter::RowConverter(std::shared_ptr<const TextDatasetDescription> table,
                            MessageLoader loadMessage, Reported reported,
                            const PlainCells& plainCells)
@@ -146,6 +147,7 @@ bool RowConverter::FitsPlainly(const CellStep& step, std::u16string_view text) c
     return ReadPlainDate(formats_.fields[step.field].dateFormat, text, date) &&
            quenra::IsOleDay(date.day);
   }
+  // NOLINTNEXTLINE(cppcoreguidelines-pro-type-member-init): written before it is read
   PlainNumber number;
   return ReadPlainNumber(formats_.decimalSymbol, text, number) && IsPlainValue(step.way, number);
 }
@@ -160,6 +162,7 @@ bool RowConverter::ConvertPlainly(const CellStep& step, std::u16string_view text
     return ReadPlainDate(formats_.fields[step.field].dateFormat, text, date) &&
            SetPlainDate(date, value);
   }
+  // NOLINTNEXTLINE(cppcoreguidelines-pro-type-member-init): written before it is read
   PlainNumber number;
   return ReadPlainNumber(formats_.decimalSymbol, text, number) &&
          SetPlainNumber(step.way, number, value);

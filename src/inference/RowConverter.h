@@ -67,6 +67,7 @@ class RowConverter {
   const std::map<std::size_t, std::u16string>& messages() const noexcept { return messages_; }
 
  private:
+  // NOLINTNEXTLINE(cppcoreguidelines-pro-type-member-init): written before it is read
   struct Field {
     VARIANT* slot;  // or unwanted_
     FieldType type;

@@ -79,6 +79,7 @@ class PlainBlock {
 // Every x86-64 processor has these instructions.
 class Sse2Block {
  public:
+  // NOLINTNEXTLINE(cppcoreguidelines-pro-type-member-init): written before it is read
   explicit Sse2Block(const char* bytes) noexcept {
     for (int i = 0; i < 4; ++i)
       parts_[i] = _mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes) + i);

@@ -187,6 +187,7 @@ DelimitedReader::Step DelimitedReader::TakeFieldExactly() {
   bool hasText = false;
   char16_t unit = 0;
   while (TakeCharacter(unit)) {
+    // NOLINTBEGIN(bugprone-branch-clone): two reasons to be a character
     if (textDelimiter_ != 0 && unit == textDelimiter_) {
       quoting = TakeQuote(quoting, hasText);
     } else if (quoting) {
@@ -199,6 +200,7 @@ DelimitedReader::Step DelimitedReader::TakeFieldExactly() {
     } else {
       record_.Append(unit);
     }
+    // NOLINTEND(bugprone-branch-clone)
   }
   EndRecord();
   return Step::kRecord;

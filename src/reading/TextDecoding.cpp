@@ -90,6 +90,7 @@ std::size_t WidenAscii(std::string_view bytes, char16_t* text) noexcept {
 }
 
 // A UTF-8 sequence of two to four bytes.
+// NOLINTNEXTLINE(cppcoreguidelines-pro-type-member-init): written before it is read
 struct Sequence {
   std::size_t length;  // 0: ill-formed
   char32_t character = 0;

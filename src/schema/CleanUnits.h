@@ -21,6 +21,7 @@ class CleanUnits {
   static constexpr std::size_t kExcess = 0;  // bytes that Write may write behind the text
 
   // Two ASCII characters that are not clean.
+  // NOLINTNEXTLINE(cppcoreguidelines-pro-type-member-init): written before it is read
   CleanUnits(char delimiter, char quote) noexcept {
     delimiters_.fill(delimiter);
     quotes_.fill(quote);

@@ -127,6 +127,7 @@ std::u16string TablePatternFor(const FieldDefinition& field, const SchemaOptions
 
 }  // namespace
 
+// NOLINTNEXTLINE(cppcoreguidelines-pro-type-member-init): written before it is read
 RowWriter::RowWriter(const TextDatasetDescription& table)
     : path_(table.path),
       tableName_(table.name),
@@ -289,6 +290,7 @@ inline char* RowWriter::WriteSeparator(const Column& column, char* to) const {
 
 // The end of a value that takes no more than its column's room; null when it is not a usual one.
 inline char* RowWriter::WriteSized(const Column& column, const VARIANT& value, char* to) const {
+  // NOLINTNEXTLINE(cppcoreguidelines-pro-type-member-init): written before it is read
   SYSTEMTIME time;
   switch (column.way) {
     case Way::kInteger:

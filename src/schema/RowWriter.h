@@ -55,6 +55,7 @@ class RowWriter {
   enum class Way : std::uint8_t { kGeneral, kInteger, kReal, kText, kDate };
 
   // A column of the file.
+  // NOLINTNEXTLINE(cppcoreguidelines-pro-type-member-init): written before it is read
   struct Column {
     std::size_t field;  // its place in a row of values
     std::u16string name;

@@ -34,9 +34,9 @@ std::uint64_t BitsOf(FieldType type, const NumberValue& value) {
 void ExpectSamePlainNumber(char16_t decimalSymbol, const std::u16string& text) {
   const std::string bytes = quenra::test::ToUtf8(text);
   const std::string padded = bytes + std::string(kPlainNumberBytes, '7');
-  PlainNumber ofUnits;
-  PlainNumber ofBytes;
-  PlainNumber quick;
+  PlainNumber ofUnits{};
+  PlainNumber ofBytes{};
+  PlainNumber quick{};
   const bool isPlain = ReadPlainNumber(decimalSymbol, text, ofUnits);
   ASSERT_EQ(ReadPlainNumber(decimalSymbol, bytes, ofBytes), isPlain) << Show(text);
   const std::string_view view = std::string_view(padded).substr(0, bytes.size());

@@ -7,6 +7,7 @@ namespace quenra {
 
 class CriticalSection {
  public:
+  // NOLINTNEXTLINE(cppcoreguidelines-pro-type-member-init): written before it is read
   CriticalSection() { ::InitializeCriticalSection(&section_); }
   ~CriticalSection() { ::DeleteCriticalSection(&section_); }
   CriticalSection(const CriticalSection&) = delete;

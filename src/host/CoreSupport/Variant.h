@@ -55,6 +55,7 @@ inline HRESULT CopyVariant(const VARIANT& source, VARIANT& target) noexcept {
 
 class Variant {
  public:
+  // NOLINTNEXTLINE(cppcoreguidelines-pro-type-member-init): written before it is read
   Variant() noexcept { ::VariantInit(&value_); }  // VT_EMPTY
   // VT_BSTR; throws std::bad_alloc.
   explicit Variant(std::u16string_view text) : Variant() {

@@ -14,7 +14,7 @@ char* BlockOf(BSTR text) { return reinterpret_cast<char*>(text) - kPrefix; }
 
 // In bytes.
 UINT LengthOf(BSTR text) {
-  UINT bytes;
+  UINT bytes = 0;
   std::memcpy(&bytes, BlockOf(text), kPrefix);
   return bytes;
 }

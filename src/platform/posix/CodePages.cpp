@@ -39,7 +39,7 @@ ConversionResult DecodeByTable(const CodePageTable& table, const char* bytes, st
   std::size_t i = 0;
   while (i < length) {
     const auto byte = static_cast<unsigned char>(bytes[i++]);
-    char16_t c;
+    char16_t c = 0;
     if (!table.IsLead(byte)) {
       c = table.Single(byte);
     } else if (i < length) {

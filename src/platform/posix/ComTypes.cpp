@@ -29,7 +29,7 @@ void ToTextOrder(REFGUID guid, std::uint8_t* bytes) {
 }
 
 GUID FromTextOrder(const std::uint8_t* bytes) {
-  GUID guid;
+  GUID guid{};
   guid.Data1 = 0;
   for (unsigned i = 0; i < 4; ++i) guid.Data1 = (guid.Data1 << 8) | bytes[i];
   guid.Data2 = static_cast<std::uint16_t>((bytes[4] << 8) | bytes[5]);

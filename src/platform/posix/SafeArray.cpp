@@ -68,7 +68,7 @@ std::size_t DescriptorSize(UINT dimensions) {
 char* BlockOf(SAFEARRAY* array) { return reinterpret_cast<char*>(array) - kHiddenPrefix; }
 
 VARTYPE TypeOf(SAFEARRAY* array) {
-  VARTYPE vt;
+  VARTYPE vt = VT_EMPTY;
   std::memcpy(&vt, BlockOf(array), sizeof vt);
   return vt;
 }

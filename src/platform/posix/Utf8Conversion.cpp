@@ -38,7 +38,7 @@ std::size_t WidenAscii(const unsigned char* bytes, std::size_t length, char16_t*
 std::size_t CountAscii(const unsigned char* bytes, std::size_t length) {
   std::size_t i = 0;
   for (; i + 8 <= length; i += 8) {
-    std::uint64_t block;
+    std::uint64_t block = 0;
     std::memcpy(&block, bytes + i, sizeof block);
     if ((block & 0x8080808080808080u) != 0) break;
   }

@@ -112,7 +112,7 @@ std::u16string Widen(std::string_view ascii) { return {ascii.begin(), ascii.end(
 
 // A date text is a row of numbers, words, and the marks between them.
 struct Token {
-  enum Kind { kNumber, kWord, kMark } kind;
+  enum Kind { kNumber, kWord, kMark } kind = kNumber;
   int value = 0;  // of a number
   std::size_t digits = 0;
   std::u16string word;  // lower case; of a mark the character
@@ -394,7 +394,7 @@ std::optional<double> ReadDate(std::u16string_view text, const TextLocale& local
 }
 
 std::optional<std::u16string> WriteDate(double date, const TextLocale& locale) {
-  SYSTEMTIME time;
+  SYSTEMTIME time{};
   if (VariantTimeToSystemTime(date, &time) == FALSE) return std::nullopt;
   const bool isMidnight = time.wHour == 0 && time.wMinute == 0 && time.wSecond == 0;
   const bool isDayZero = time.wYear == 1899 && time.wMonth == 12 && time.wDay == 30;

@@ -22,6 +22,7 @@ SYSTEMTIME Time(int year, int month, int day, int hour = 0, int minute = 0, int 
   return time;
 }
 
+// NOLINTNEXTLINE(cppcoreguidelines-pro-type-member-init): written before it is read
 struct DateRow {
   SYSTEMTIME time;
   std::optional<DATE> date;
