@@ -7,7 +7,7 @@
 namespace {
 
 TEST(ThreadsTest, TheOwnerMayEnterAgainAndOthersMayNot) {
-  CRITICAL_SECTION lock;
+  CRITICAL_SECTION lock{};
   ::InitializeCriticalSection(&lock);
   ::EnterCriticalSection(&lock);
   ::EnterCriticalSection(&lock);

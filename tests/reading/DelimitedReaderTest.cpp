@@ -237,7 +237,7 @@ class PlainSplitter {
   bool Add(char16_t unit) {
     if (cut_.textDelimiter != 0 && unit == cut_.textDelimiter) {
       AddTextDelimiter();
-    } else if (quoting_) {
+    } else if (quoting_) {  // NOLINT(bugprone-branch-clone): one of two reasons
       field_ += unit;
     } else if (unit == cut_.delimiter) {
       EndField();
