@@ -171,6 +171,46 @@ TEST_F(OpenTextDatasetTest, CarriageReturnsAreKeptForTheCursors) {
   EXPECT_EQ(RecordTexts(*rows), (Texts{u"[3] [4]"}));
 }
 
+// The first reading takes the whole file for one record, and its fields for names.
+TEST_F(OpenTextDatasetTest, NamesOfAReadingThatDidNotEndLinesAreForgotten) {
+  const TextDatasetDescription table = Open(u"a.csv", "a,b\rx,y\rz,w\r");
+  EXPECT_EQ(table.options.recordTerminator, '\r');
+  EXPECT_EQ(NamesOf(table), (Texts{u"a", u"b"}));
+  EXPECT_EQ(RecordText(MakeDataReader(table)->record()), u"[x] [y]");
+  // Neither record terminator cuts this file: what the first reading found stands.
+  const TextDatasetDescription single = Open(u"b.csv", "a,b\n");
+  EXPECT_EQ(single.options.recordTerminator, '\n');
+  EXPECT_EQ(NamesOf(single), (Texts{u"a", u"b"}));
+}
+
+// Without a header the first line may still be all there is, so one more record is read.
+TEST_F(OpenTextDatasetTest, FirstRowOfDataIsNotTheWholeFileUntilAnotherWasLookedFor) {
+  const TextDatasetDescription table = Open(u"a.csv", "1,2\r3,4\n");
+  EXPECT_EQ(table.options.recordTerminator, '\r') << "a line feed ends one record alone";
+  EXPECT_EQ(NamesOf(table), (Texts{u"Field1", u"Field2"}));
+  EXPECT_EQ(MakeDataReader(table)->record().size(), 2u);
+  // The second row is the last record read when single fields are refused.
+  const TextDatasetDescription wider = Open(u"b.csv", "1\n2;3\n");
+  EXPECT_EQ(wider.options.delimiter, u';');
+  EXPECT_EQ(NamesOf(wider), (Texts{u"Field1", u"Field2"}));
+}
+
+// A zero ends each line's text, so with line feeds there is no record at all.
+TEST_F(OpenTextDatasetTest, RecordTerminatorStaysWhereNoRecordWasFound) {
+  const TextDatasetDescription table = Open(u"a.csv", "\0\r1,2\r3,4\n"s);
+  EXPECT_EQ(table.options.recordTerminator, '\n');
+  EXPECT_EQ(NamesOf(table), (Texts{u"Field0"}));
+}
+
+// With commas the quote opens and the whole file is one record, so carriage returns are tried and
+// cut it; the semicolon, which splits the header, is tried on from there.
+TEST_F(OpenTextDatasetTest, NextDelimiterIsTriedWithTheRecordTerminatorOfTheOneBefore) {
+  const TextDatasetDescription table = Open(u"a.csv", "a;b\rc,\"d\ne;f\n");
+  EXPECT_EQ(table.options.delimiter, u';');
+  EXPECT_EQ(table.options.recordTerminator, '\r');
+  EXPECT_EQ(NamesOf(table), (Texts{u"a", u"b"}));
+}
+
 // A reading with the other line ends finds no record where a zero ends the line.
 TEST_F(OpenTextDatasetTest, ALineCutToNothingHidesNoRecord) {
   const TextDatasetDescription table = Open(u"a.csv", "\0\n1,2\n"s);

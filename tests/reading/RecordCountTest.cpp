@@ -11,6 +11,7 @@
 #include "reading/ReaderFactory.h"
 #include "reading/RecordCount.h"
 #include "reading/RecordScan.h"
+#include "reading/TextLineStream.h"
 #include "support/TemporaryFolder.h"
 
 namespace TextFile {
@@ -197,6 +198,34 @@ TEST_F(RecordCountTest, TheHeaderIsNoRow) {
 }
 
 TEST_F(RecordCountTest, TheTextEndsAtItsMark) { EXPECT_EQ(Count("a\nb\x1A\nc\nd\n"), 2); }
+
+TEST_F(RecordCountTest, TheTextEndsAtItsMarkInLaterBlocks) {
+  std::string rows;
+  while (rows.size() < 3 * TextLineStream::kDefaultBlockSize) rows += "a row,1\n";
+  const auto before = static_cast<std::int64_t>(rows.size() / 8);
+  EXPECT_EQ(Count(rows + "\x1A" + rows), before);
+  // In the middle of the last row that is read.
+  EXPECT_EQ(Count(rows + "a ro\x1Aw,1\n" + rows), before + 1);
+  EXPECT_EQ(Count(rows + "\"\n\x1A\"\n" + rows), before + 1) << "in quotes as well";
+}
+
+// In this code page the second byte of a character may be the delimiter's: 83 7C is U+30DD.
+TEST_F(RecordCountTest, HalvesOfCharactersDelimitNothing) {
+  ASSERT_TRUE(quenra::QUENRALocale::SetAnsiCodePage(932));
+  TextDatasetDescription table;
+  table.options.delimiter = u'|';
+  EXPECT_EQ(Count("a|\x83|\"x\ny\"\n", table), 2) << "the quote stands behind text";
+  EXPECT_EQ(Count("a||\"x\ny\"\n", table), 1) << "and here behind a delimiter";
+}
+
+// U+0085 is white space, which may stand in front of an opening quote; in code page 1252 its byte
+// is an ellipsis.
+TEST_F(RecordCountTest, NextLineCharacterIsWhiteSpaceInFrontOfAQuote) {
+  ASSERT_TRUE(quenra::QUENRALocale::SetAnsiCodePage(1252));
+  EXPECT_EQ(Count("a,\xC2\x85\"x\ny\"\n"), 1);
+  EXPECT_EQ(Count("\xEF\xBB\xBF\xC2\x85\"x\ny\"\n"), 1);
+  EXPECT_EQ(Count("a,\x85\"x\ny\"\n"), 2);
+}
 
 // No-break spaces open a quoted field in UTF-8; the same bytes in another encoding are text.
 TEST_F(RecordCountTest, AnEarlierLineDecidesWhatBytesMean) {

@@ -130,5 +130,85 @@ TEST_F(LocaleDefaultsTest, DecimalCommaMakesSemicolonsUnlessTheFormatWasGiven) {
   EXPECT_EQ(pointed.delimiter, u',') << "a point given to a German locale";
 }
 
+// A locale that no system has, with values at the bounds of what is taken.
+struct OddLocale {
+  std::u16string shortDate = u"d/M/yy";
+  std::u16string time = u"H:mm";
+  std::u16string currency = u"x";
+  std::u16string thousand = u",";
+  std::u16string decimal = u".";
+  std::u16string digits = u"2";
+  std::u16string leadingZeros = u"1";
+};
+
+OddLocale oddLocale;
+
+// As the system does: a value that does not fit with its zero is none.
+std::u16string OddValue(LCTYPE type, int bufferUnits) {
+  const std::u16string value = [&] {
+    switch (type) {
+      case LOCALE_SSHORTDATE:
+        return oddLocale.shortDate;
+      case LOCALE_STIMEFORMAT:
+        return oddLocale.time;
+      case LOCALE_SCURRENCY:
+        return oddLocale.currency;
+      case LOCALE_STHOUSAND:
+        return oddLocale.thousand;
+      case LOCALE_SDECIMAL:
+        return oddLocale.decimal;
+      case LOCALE_ILZERO:
+        return oddLocale.leadingZeros;
+      default:
+        return oddLocale.digits;
+    }
+  }();
+  return value.size() < static_cast<std::size_t>(bufferUnits) ? value : std::u16string();
+}
+
+SchemaOptions CompletedFrom(OddLocale locale) {
+  oddLocale = std::move(locale);
+  SchemaOptions options;
+  options.currency.thousandSymbol = u'_';
+  options.currency.decimalSymbol = u'!';
+  options.currency.digits = 9;
+  options.number.digits = 8;
+  CompleteFromLocale(options, &OddValue);
+  return options;
+}
+
+TEST_F(LocaleDefaultsTest, OnlySymbolsOfOneCharacterReplaceWhatWasThere) {
+  EXPECT_EQ(CompletedFrom({.thousand = u"'"}).currency.thousandSymbol, u'\'');
+  for (const std::u16string_view odd : {u"", u"''", u"abc"}) {
+    SCOPED_TRACE(::testing::PrintToString(std::u16string(odd)));
+    EXPECT_EQ(CompletedFrom({.thousand = std::u16string(odd)}).currency.thousandSymbol, u'_');
+    EXPECT_EQ(CompletedFrom({.decimal = std::u16string(odd)}).currency.decimalSymbol, u'!');
+  }
+}
+
+TEST_F(LocaleDefaultsTest, ValuesThatDoNotFitTheirBuffersAreMissing) {
+  const std::u16string currency(12, u'c');
+  EXPECT_EQ(CompletedFrom({.currency = currency}).currency.symbol, currency);
+  EXPECT_EQ(CompletedFrom({.currency = currency + u'c'}).currency.symbol, u"");
+
+  const std::u16string pattern(79, u'y');
+  EXPECT_EQ(CompletedFrom({.shortDate = pattern}).dateTimeFormat, pattern + u" H:mm");
+  EXPECT_EQ(CompletedFrom({.shortDate = pattern + u'y'}).dateTimeFormat, u" H:mm");
+  const std::u16string time(79, u'm');
+  EXPECT_EQ(CompletedFrom({.time = time}).dateTimeFormat, u"d/M/yy " + time);
+  EXPECT_EQ(CompletedFrom({.time = time + u'm'}).dateTimeFormat, u"d/M/yy ");
+
+  EXPECT_EQ(CompletedFrom({.digits = u"7"}).number.digits, 7u);
+  EXPECT_EQ(CompletedFrom({.digits = u"10"}).number.digits, 8u);
+  EXPECT_EQ(CompletedFrom({.digits = u"10"}).currency.digits, 9u);
+  EXPECT_FALSE(CompletedFrom({.leadingZeros = u"11"}).number.leadingZeros);
+}
+
+TEST_F(LocaleDefaultsTest, MarksOfTheDayPeriodGoFromAnyTimeFormat) {
+  EXPECT_EQ(CompletedFrom({.time = u"tt hh:mm"}).dateTimeFormat, u"d/M/yy HH:mm");
+  EXPECT_EQ(CompletedFrom({.time = u"h 'at' mm"}).dateTimeFormat, u"d/M/yy H 'a ' mm");
+  EXPECT_EQ(CompletedFrom({.time = u"hh:mm"}).dateTimeFormat, u"d/M/yy hh:mm");
+}
+
 }  // namespace
 }  // namespace TextFile
