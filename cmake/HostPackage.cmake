@@ -6,6 +6,21 @@
 #
 # The package may be moved: its paths are relative to its own file.
 
+# The public headers, below src. What is not here is the host library's own: the embedded objects are made by
+# CreateComponentInstance, and the parts of coordinate reading, options and errors behind their
+# headers are nobody else's.
+file(GLOB QUENRA_PUBLIC_HEADERS CONFIGURE_DEPENDS RELATIVE "${PROJECT_SOURCE_DIR}/src"
+  "${PROJECT_SOURCE_DIR}/src/host/interfaces/*.h"
+  "${PROJECT_SOURCE_DIR}/src/host/com/*.h"
+  "${PROJECT_SOURCE_DIR}/src/host/CoreSupport/*.h"
+  "${PROJECT_SOURCE_DIR}/src/host/AppEventLog/*.h")
+list(APPEND QUENRA_PUBLIC_HEADERS
+  host/HostApi.h
+  host/DataCore/DataAccessUtil.h host/DataCore/DataCoreUtil.h host/DataCore/LatLongFormat.h
+  platform/CodePages.h platform/ComTypes.h platform/FileNames.h platform/LastError.h
+  platform/LocaleInfo.h platform/Modules.h platform/OleAutomation.h platform/OleText.h
+  platform/Registry.h platform/SingleThread.h platform/Threads.h)
+
 if(NOT TARGET quenraHost OR NOT TARGET quenraCom OR NOT TARGET quenraDataSourcesFile)
   return()
 endif()
@@ -32,21 +47,7 @@ install(FILES
   "${CMAKE_CURRENT_BINARY_DIR}/quenraTextFileConfigVersion.cmake"
   DESTINATION "${QUENRA_PACKAGE_INSTALL_FOLDER}")
 
-# The public headers. What is not here is the host library's own: the embedded objects are made by
-# CreateComponentInstance, and the parts of coordinate reading, options and errors behind their
-# headers are nobody else's.
-file(GLOB public_headers CONFIGURE_DEPENDS RELATIVE "${PROJECT_SOURCE_DIR}/src"
-  "${PROJECT_SOURCE_DIR}/src/host/interfaces/*.h"
-  "${PROJECT_SOURCE_DIR}/src/host/com/*.h"
-  "${PROJECT_SOURCE_DIR}/src/host/CoreSupport/*.h"
-  "${PROJECT_SOURCE_DIR}/src/host/AppEventLog/*.h")
-list(APPEND public_headers
-  host/HostApi.h
-  host/DataCore/DataAccessUtil.h host/DataCore/DataCoreUtil.h host/DataCore/LatLongFormat.h
-  platform/CodePages.h platform/ComTypes.h platform/FileNames.h platform/LastError.h
-  platform/LocaleInfo.h platform/Modules.h platform/OleAutomation.h platform/OleText.h
-  platform/Registry.h platform/SingleThread.h platform/Threads.h)
-foreach(header IN LISTS public_headers)
+foreach(header IN LISTS QUENRA_PUBLIC_HEADERS)
   cmake_path(GET header PARENT_PATH folder)
   install(FILES "src/${header}" DESTINATION "${QUENRA_HEADER_INSTALL_FOLDER}/${folder}")
 endforeach()

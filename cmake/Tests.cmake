@@ -115,10 +115,12 @@ endif()
 
 if(module_test_sources AND TARGET quenraDataSourcesFile)
   source_trees(snippet_sources tests/snippets)
+  list(JOIN QUENRA_PUBLIC_HEADERS "," public_header_list)
   add_test_program(module_tests ${module_test_sources} ${snippet_sources})
   add_dependencies(module_tests quenraDataSourcesFile text_table_host plain_c_host)
   target_compile_definitions(module_tests PRIVATE
     SOURCE_FOLDER="${PROJECT_SOURCE_DIR}"
+    PUBLIC_HEADERS="${public_header_list}"
     TEXT_TABLE_HOST="$<TARGET_FILE:text_table_host>"
     PLAIN_C_HOST="$<TARGET_FILE:plain_c_host>")
 endif()

@@ -40,15 +40,17 @@ std::string Utf8(std::u16string_view text) {
   return bytes;
 }
 
-std::u16string FromArgument(std::string_view bytes) {
 #ifdef _WIN32
-  constexpr UINT kCodePage = CP_ACP;
+constexpr UINT kArgumentCodePage = CP_ACP;
 #else
-  constexpr UINT kCodePage = CP_UTF8;
+constexpr UINT kArgumentCodePage = CP_UTF8;
 #endif
+
+std::u16string FromArgument(std::string_view bytes) {
   std::u16string text(bytes.size(), u'\0');
-  const int size = ::MultiByteToWideChar(kCodePage, 0, bytes.data(), static_cast<int>(bytes.size()),
-                                         AsOle(text.data()), static_cast<int>(text.size()));
+  const int size =
+      ::MultiByteToWideChar(kArgumentCodePage, 0, bytes.data(), static_cast<int>(bytes.size()),
+                            AsOle(text.data()), static_cast<int>(text.size()));
   text.resize(static_cast<std::size_t>(size));
   return text;
 }

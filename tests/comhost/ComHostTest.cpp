@@ -23,7 +23,6 @@ namespace {
 
 using ::testing::ElementsAre;
 
-constexpr wchar_t kProgId[] = L"quenraDataSourcesFile.TextFileWorkspaceFactory";
 constexpr wchar_t kModuleName[] = L"quenraDataSourcesFile.dll";
 
 // An apartment of one thread, as a desktop host's.
@@ -37,13 +36,20 @@ class Apartment {
 
 bool ModuleIsLoaded() { return ::GetModuleHandleW(kModuleName) != nullptr; }
 
-ComPtr<IPlugInWorkspaceFactoryHelper2> NewFactory() {
+// snippet: registered
+HRESULT NewRegisteredFactory(ComPtr<IPlugInWorkspaceFactoryHelper2>& factory) {
   CLSID classId = {};
-  EXPECT_EQ(::CLSIDFromProgID(kProgId, &classId), S_OK);
+  const HRESULT result =
+      ::CLSIDFromProgID(L"quenraDataSourcesFile.TextFileWorkspaceFactory", &classId);
+  if (FAILED(result)) return result;
+  return ::CoCreateInstance(classId, nullptr, CLSCTX_INPROC_SERVER,
+                            kInterfaceId<IPlugInWorkspaceFactoryHelper2>, factory.ReceiveVoid());
+}
+// end of snippet
+
+ComPtr<IPlugInWorkspaceFactoryHelper2> NewFactory() {
   ComPtr<IPlugInWorkspaceFactoryHelper2> factory;
-  EXPECT_EQ(::CoCreateInstance(classId, nullptr, CLSCTX_INPROC_SERVER,
-                               IID_IPlugInWorkspaceFactoryHelper2, factory.ReceiveVoid()),
-            S_OK);
+  EXPECT_EQ(NewRegisteredFactory(factory), S_OK);
   return factory;
 }
 
