@@ -11,6 +11,7 @@
 #include <string_view>
 #include <vector>
 
+// snippet: headers
 #include "host/AppEventLog/EventLog.h"
 #include "host/CoreSupport/BString.h"
 #include "host/CoreSupport/Components.h"
@@ -28,6 +29,7 @@
 #include "platform/Modules.h"
 
 using namespace quenra;
+// end of snippet
 
 namespace {
 
@@ -169,7 +171,6 @@ void PrintValue(const VARIANT& value) {
 class FieldMap {
  public:
   explicit FieldMap(LONG count) {
-    ::VariantInit(&map_);
     map_.vt = VT_ARRAY | VT_I4;
     map_.parray = ::SafeArrayCreateVector(VT_I4, 0, static_cast<ULONG>(count));
     for (LONG i = 0; i < count; ++i) ::SafeArrayPutElement(map_.parray, &i, &i);
@@ -180,7 +181,7 @@ class FieldMap {
   const VARIANT& Get() const { return map_; }
 
  private:
-  VARIANT map_;
+  VARIANT map_ = {};
 };
 
 HRESULT PrintRows(const ComPtr<IPlugInDatasetHelper>& table) {
