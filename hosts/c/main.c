@@ -12,7 +12,7 @@
 #define ARGUMENT_CODE_PAGE CP_ACP
 
 /* The host library lies beside the module. Windows looks there for a full path with backslashes. */
-static HMODULE LoadModule(OLECHAR* path) {
+static HMODULE LoadDataSource(OLECHAR* path) {
   OLECHAR* unit = path;
   for (; *unit != 0; ++unit)
     if (*unit == L'/') *unit = L'\\';
@@ -23,7 +23,7 @@ static HMODULE LoadModule(OLECHAR* path) {
 
 #define ARGUMENT_CODE_PAGE CP_UTF8
 
-static HMODULE LoadModule(OLECHAR* path) { return LoadLibraryW(path); }
+static HMODULE LoadDataSource(OLECHAR* path) { return LoadLibraryW(path); }
 
 #endif
 
@@ -93,7 +93,7 @@ int main(int count, char** arguments) {
   for (i = 0; i < 3; ++i)
     if (MultiByteToWideChar(ARGUMENT_CODE_PAGE, 0, texts[i], -1, paths[i], kPathUnits) == 0)
       return 1;
-  module = LoadModule(paths[2]);
+  module = LoadDataSource(paths[2]);
   if (module == NULL) return 1;
   status = Run(module, paths[0], paths[1]);
   if (!Unload(module)) return 1;

@@ -26,7 +26,7 @@ class ThreadTable {
   struct Entry {
     ThreadLife thread;
     ComPtr<T> instance;
-    ULONG unusedCount;  // the instance's references when nobody but the table holds it
+    ULONG unusedCount = 0;  // the instance's references when nobody but the table holds it
   };
 
   // Valid until the table changes; null when the thread has none.

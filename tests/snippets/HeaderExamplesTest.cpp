@@ -319,7 +319,7 @@ TEST_F(HeaderExamplesTest, FileNames) {
 
 TEST_F(HeaderExamplesTest, Threads) {
   // snippet: platform/Threads.h
-  CRITICAL_SECTION lock;
+  CRITICAL_SECTION lock = {};
   ::InitializeCriticalSection(&lock);
   ::EnterCriticalSection(&lock);  // the owner may enter again
   ::LeaveCriticalSection(&lock);
