@@ -28,6 +28,11 @@ else()
   set(QUENRA_LIBRARY_PREFIX "lib")
 endif()
 
+# What a builder of hosts needs besides.
+set(QUENRA_HEADER_INSTALL_FOLDER "include/quenra/textfile")
+set(QUENRA_ARCHIVE_INSTALL_FOLDER "lib/quenra/textfile")
+set(QUENRA_PACKAGE_INSTALL_FOLDER "lib/cmake/quenraTextFile")
+
 if(NOT CMAKE_BUILD_TYPE AND NOT CMAKE_CONFIGURATION_TYPES)
   set(CMAKE_BUILD_TYPE Release CACHE STRING "Build type" FORCE)
 endif()

@@ -11,7 +11,7 @@ else()
   set(documentation_folder "share/doc/texttables")
 endif()
 install(FILES README.md DESTINATION "${documentation_folder}")
-install(DIRECTORY docs examples DESTINATION "${documentation_folder}")
+install(DIRECTORY docs examples hosts DESTINATION "${documentation_folder}")
 
 set(CPACK_PACKAGE_NAME "texttables")
 set(CPACK_PACKAGE_VENDOR "quenra")
@@ -44,6 +44,10 @@ if(BUILD_TESTING AND TARGET texttables AND NOT SANITIZE)
   if(QUENRA_DPKG_DEB OR WIN32)
     add_test(NAME package
       COMMAND "${PROJECT_SOURCE_DIR}/scripts/test-package" "${CMAKE_BINARY_DIR}")
-    set_tests_properties(package PROPERTIES TIMEOUT 300 RESOURCE_LOCK registry)
+    set_tests_properties(package PROPERTIES TIMEOUT 900 RESOURCE_LOCK registry)
   endif()
+  # What is installed without a package serves builders of hosts as well.
+  add_test(NAME installed_hosts
+    COMMAND "${PROJECT_SOURCE_DIR}/scripts/test-installed-hosts" "${CMAKE_BINARY_DIR}")
+  set_tests_properties(installed_hosts PROPERTIES TIMEOUT 900 RESOURCE_LOCK registry)
 endif()

@@ -2,6 +2,7 @@
 #   unit_tests    platform, host and core, linked with them
 #   module_tests  the built module through its exports alone
 #   cli_tests     the built program alone
+# and, on Windows, com_host_tests: the registered module
 # and include_rules, which holds the includes of src/ and apps/ against the architecture.
 # Each program writes its results to <build>/test-results/<name>.json, from which scripts/test counts.
 
@@ -96,9 +97,32 @@ if(unit_sources AND fault_sources AND NOT WIN32)
     WRITING_FAULTS_PROGRAM="$<TARGET_FILE:writing_faults>")
 endif()
 
+# The hosts that are installed as examples. The tests run them, and hold what the documents quote
+# against their sources.
+if(TARGET quenraDataSourcesFile)
+  enable_language(C)
+  add_executable(text_table_host hosts/cpp/TextTableHost.cpp)
+  target_link_libraries(text_table_host PRIVATE project_warnings quenraCom quenraHost)
+  add_executable(plain_c_host hosts/c/main.c hosts/c/PlainCHost.c)
+  target_link_libraries(plain_c_host PRIVATE project_warnings)
+  if(NOT WIN32)
+    target_link_libraries(plain_c_host PRIVATE quenraHost)
+  endif()
+  foreach(host text_table_host plain_c_host)
+    target_compile_definitions(${host} PRIVATE MODULE_FILE="$<TARGET_FILE:quenraDataSourcesFile>")
+  endforeach()
+endif()
+
 if(module_test_sources AND TARGET quenraDataSourcesFile)
-  add_test_program(module_tests ${module_test_sources})
-  add_dependencies(module_tests quenraDataSourcesFile)
+  source_trees(snippet_sources tests/snippets)
+  list(JOIN QUENRA_PUBLIC_HEADERS "," public_header_list)
+  add_test_program(module_tests ${module_test_sources} ${snippet_sources})
+  add_dependencies(module_tests quenraDataSourcesFile text_table_host plain_c_host)
+  target_compile_definitions(module_tests PRIVATE
+    SOURCE_FOLDER="${PROJECT_SOURCE_DIR}"
+    PUBLIC_HEADERS="${public_header_list}"
+    TEXT_TABLE_HOST="$<TARGET_FILE:text_table_host>"
+    PLAIN_C_HOST="$<TARGET_FILE:plain_c_host>")
 endif()
 
 if(cli_test_sources AND TARGET quenraDataSourcesFile AND TARGET texttables)
@@ -109,10 +133,9 @@ endif()
 
 # The registered module in the hands of the system's COM, from C++ and from plain C.
 if(WIN32 AND TARGET quenraDataSourcesFile)
-  enable_language(C)
   source_trees(com_host_sources tests/comhost)
   add_test_program(com_host_tests
-    ${com_host_sources} tests/comhost/PlainCHost.c tests/module/ModuleTest.cpp)
+    ${com_host_sources} hosts/c/PlainCHost.c tests/module/ModuleTest.cpp)
   add_dependencies(com_host_tests quenraDataSourcesFile)
 endif()
 

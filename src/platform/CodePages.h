@@ -4,7 +4,8 @@
 // ANSI and OEM code pages by tables filled from ICU once, so every call is safe from any thread.
 //
 //   const int size = ::MultiByteToWideChar(CP_UTF8, 0, bytes, count, nullptr, 0);  // asks the size
-//   ::MultiByteToWideChar(CP_UTF8, 0, bytes, count, text, size);
+//   std::u16string text(static_cast<std::size_t>(size), u'\0');
+//   ::MultiByteToWideChar(CP_UTF8, 0, bytes, count, AsOle(text.data()), size);
 #pragma once
 
 #include "platform/ComTypes.h"

@@ -4,9 +4,12 @@
 // widths, values, slot orders and interface identifiers, so that an interface written against this
 // header has one binary layout per system.
 //
-//   STDMETHODIMP Widget::QueryInterface(REFIID iid, void** result) {
+//   STDMETHODIMP Plain::QueryInterface(REFIID iid, void** result) {
 //     if (result == nullptr) return E_POINTER;
-//     if (iid == IID_IUnknown) ...
+//     *result = IsEqualIID(iid, IID_IUnknown) ? static_cast<IUnknown*>(this) : nullptr;
+//     if (*result == nullptr) return E_NOINTERFACE;
+//     AddRef();
+//     return S_OK;
 //   }
 #pragma once
 

@@ -4,8 +4,8 @@
 // spell; a byte that is no part of UTF-8 becomes the lone surrogate U+DC00 + byte (U+DC80..U+DCFF).
 // So every name that a folder lists can be opened again, and two names never become one text.
 //
-//   const std::u16string name = FileNameFromNative(entry);
-//   std::ifstream stream(NativeFromFileName(name));
+//   const std::u16string name = FileNameFromNative(entry.path().filename().native());
+//   std::ifstream stream(folder / NativeFromFileName(name));
 #pragma once
 
 #include <string>

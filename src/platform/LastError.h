@@ -1,6 +1,7 @@
 // The calling thread's last-error code and the codes that the calls in use leave there.
 //
-//   if (::GetLocaleInfoW(lcid, LOCALE_SDECIMAL, text, 4) == 0) Report(::GetLastError());
+//   if (::GetLocaleInfoW(LOCALE_USER_DEFAULT, LOCALE_SDECIMAL, symbol, 1) == 0)
+//     reason = ::GetLastError();  // ERROR_INSUFFICIENT_BUFFER
 #pragma once
 
 #include "platform/ComTypes.h"

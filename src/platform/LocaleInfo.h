@@ -6,7 +6,7 @@
 //
 //   WCHAR symbol[4];
 //   const int count = ::GetLocaleInfoW(LOCALE_USER_DEFAULT, LOCALE_SDECIMAL, symbol, 4);
-//   if (count == 2) Use(symbol[0]);  // one character and the terminating zero
+//   if (count == 2) unit = symbol[0];  // one character and the terminating zero
 #pragma once
 
 #include "platform/ComTypes.h"

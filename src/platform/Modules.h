@@ -3,8 +3,9 @@
 // On Windows this is the SDK's header. Elsewhere a module is what dlopen gives. Its texts are an
 // array that it exports under the C name quenraStringTable:
 //
-//   extern "C" PLATFORM_API const PlatformStringTableEntry quenraStringTable[] = {
-//       {101, u"Text file"}, {0, nullptr}};
+//   extern "C" PLATFORM_API const PlatformStringTableEntry quenraStringTable[];
+//   extern "C" const PlatformStringTableEntry quenraStringTable[] = {
+//       {101, u"Text file"}, {118, u"Gr\u00F6\u00DFe"}, {102, u""}, {0, nullptr}};
 #pragma once
 
 #include "platform/ComTypes.h"

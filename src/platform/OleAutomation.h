@@ -7,8 +7,7 @@
 //   ::VariantInit(&value);
 //   value.vt = VT_BSTR;
 //   value.bstrVal = ::SysAllocStringLen(AsOle(text.data()), static_cast<UINT>(text.size()));
-//   ...
-//   ::VariantClear(&value);
+//   ::VariantClear(&value);  // frees the text
 #pragma once
 
 #include "platform/ComTypes.h"

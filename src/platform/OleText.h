@@ -2,8 +2,9 @@
 //
 // OLECHAR is wchar_t on Windows and char16_t elsewhere; both are UTF-16 code units of 16 bits.
 //
-//   BSTR name = ::SysAllocStringLen(AsOle(text.data()), static_cast<UINT>(text.size()));
-//   std::u16string copy(ViewOf(name));
+//   const BSTR name = ::SysAllocStringLen(AsOle(text.data()), static_cast<UINT>(text.size()));
+//   const std::u16string copy(ViewOf(name));
+//   ::SysFreeString(name);
 #pragma once
 
 #include <cstring>

@@ -3,17 +3,16 @@
 // On Windows this is the SDK's header. Elsewhere the key's contents are one file that a person can
 // read, QUENRA_REGISTRY or else quenra/registry in the user's configuration folder:
 //
-//   [CLSID\{B2E7A59D-0C38-4AC3-BE0B-F18EB40409C5}]
-//   @="Text File Workspace Factory"
+//     [CLSID\{B2E7A59D-0C38-4AC3-BE0B-F18EB40409C5}]
+//     @="Text File Workspace Factory"
 //
 // Keys and values compare without regard to case. Each call that changes something reads the file,
 // changes it and puts it back in one rename, while it holds the file's lock: several programs may
 // call at once, and a reader never sees half a change.
 //
 //   HKEY key = nullptr;
-//   if (::RegCreateKeyExW(HKEY_CLASSES_ROOT, u"workshop.Widget", 0, nullptr, 0, KEY_WRITE, nullptr,
-//                         &key, nullptr) == ERROR_SUCCESS) ...
-//   ::RegCloseKey(key);
+//   if (::RegOpenKeyExW(HKEY_CLASSES_ROOT, AsOle(u"CLSID"), 0, KEY_READ, &key) == ERROR_SUCCESS)
+//     closed = ::RegCloseKey(key);
 #pragma once
 
 #include "platform/ComTypes.h"

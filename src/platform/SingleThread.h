@@ -1,6 +1,6 @@
 // Whether this thread is the process's only one.
 //
-//   if (IsOnlyThread()) ...  // nobody else looks
+//   if (IsOnlyThread()) ++references;  // nobody else looks
 #pragma once
 
 #if defined(__has_include)

@@ -1,6 +1,6 @@
 // Locks, atomic counts and thread identity.
 //
-//   CRITICAL_SECTION lock;
+//   CRITICAL_SECTION lock = {};
 //   ::InitializeCriticalSection(&lock);
 //   ::EnterCriticalSection(&lock);  // the owner may enter again
 //   ::LeaveCriticalSection(&lock);

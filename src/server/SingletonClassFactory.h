@@ -9,7 +9,6 @@
 #include "host/CoreSupport/CriticalSection.h"
 #include "host/interfaces/HostInternalUnknown.h"
 #include "platform/ThreadLife.h"
-#include "platform/Threads.h"
 #include "server/ClassFactory.h"
 #include "server/ThreadTable.h"
 
@@ -36,8 +35,8 @@ class SingletonClassFactory final : public ClassFactory<T>, public ISingleton {
   }
 
   HRESULT STDMETHODCALLTYPE DropUnusedInstance() override try {
-    const DWORD self = ::GetCurrentThreadId();
-    DropUnused([self](DWORD thread) { return thread == self || HasThreadEnded(thread); });
+    const ThreadLife self = ThreadLife::OfThisThread();
+    DropUnused([&self](const ThreadLife& thread) { return thread == self || thread.HasEnded(); });
     return S_OK;
   } catch (...) {
     return HResultFromCurrentException();
@@ -54,15 +53,15 @@ class SingletonClassFactory final : public ClassFactory<T>, public ISingleton {
  private:
   using Entry = typename ThreadTable<T>::Entry;
 
-  // Creates the instance under the lock: a thread's id cannot be looked up by another thread, but
-  // the table is one for all of them.
+  // Creates the instance under the lock: no thread is looked up by another one, but the table is
+  // one for all of them.
   ComPtr<T> InstanceOfThisThread() {
-    const DWORD thread = ::GetCurrentThreadId();
+    const ThreadLife thread = ThreadLife::OfThisThread();
     const AutoLock lock(section_);
     if (const Entry* const known = table_.Find(thread)) return known->instance;
     // A thread that has ended cannot ask for its instance to be dropped. What such threads left
     // goes before another one joins, so the table is no longer than the threads that live.
-    DropUnused([](DWORD other) { return HasThreadEnded(other); });
+    DropUnused([](const ThreadLife& other) { return other.HasEnded(); });
     ComPtr<T> instance = MakeObject<T>();
     const ULONG unusedCount = instance->ReferenceCount();
     table_.Insert({thread, instance, unusedCount});

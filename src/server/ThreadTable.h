@@ -1,9 +1,10 @@
 // The instances of a class that has one instance a thread.
 //
 // A hash table by thread id. The lowest bits of an id say little where systems hand out multiples
-// of a power of two, so bucket and order go by the id shifted right; a match is of the full id.
+// of a power of two, so bucket and order go by the id shifted right; a match is of the thread's
+// life, since an id may have belonged to a thread that has ended.
 //
-//   if (ThreadTable<T>::Entry* entry = table.Find(id)) entry->instance->...
+//   if (ThreadTable<T>::Entry* entry = table.Find(ThreadLife::OfThisThread())) entry->instance->...
 #pragma once
 
 #include <algorithm>
@@ -14,7 +15,7 @@
 #include <vector>
 
 #include "host/com/ComPtr.h"
-#include "platform/ComTypes.h"
+#include "platform/ThreadLife.h"
 
 namespace quenra {
 
@@ -23,13 +24,13 @@ template <class T>
 class ThreadTable {
  public:
   struct Entry {
-    DWORD thread;
+    ThreadLife thread;
     ComPtr<T> instance;
-    ULONG unusedCount;  // the instance's references when nobody but the table holds it
+    ULONG unusedCount = 0;  // the instance's references when nobody but the table holds it
   };
 
   // Valid until the table changes; null when the thread has none.
-  Entry* Find(DWORD thread) noexcept {
+  Entry* Find(const ThreadLife& thread) noexcept {
     for (Entry& entry : BucketOf(thread))
       if (entry.thread == thread) return &entry;
     return nullptr;
@@ -59,8 +60,10 @@ class ThreadTable {
   // A prime, so that ids in steps of any other number spread. Hosts have a few dozen threads.
   static constexpr std::size_t kBucketCount = 61;
 
-  static constexpr DWORD KeyOf(DWORD thread) noexcept { return thread >> 4; }
-  Bucket& BucketOf(DWORD thread) noexcept { return buckets_[KeyOf(thread) % kBucketCount]; }
+  static DWORD KeyOf(const ThreadLife& thread) noexcept { return thread.Id() >> 4; }
+  Bucket& BucketOf(const ThreadLife& thread) noexcept {
+    return buckets_[KeyOf(thread) % kBucketCount];
+  }
 
   template <class Predicate>
   static void TakeFrom(Bucket& bucket, Predicate matches, std::vector<Entry>& taken) {

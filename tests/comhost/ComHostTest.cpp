@@ -7,13 +7,13 @@
 #include <string>
 #include <thread>
 
-#include "comhost/PlainCHost.h"
 #include "host/CoreSupport/BString.h"
 #include "host/com/ComPtr.h"
 #include "host/interfaces/DataSourceClasses.h"
 #include "host/interfaces/HostErrors.h"
 #include "host/interfaces/HostInternalUnknown.h"
 #include "host/interfaces/PlugInWorkspaceFactory.h"
+#include "hosts/c/PlainCHost.h"
 #include "module/ModuleTest.h"
 #include "support/TemporaryFolder.h"
 #include "support/TestText.h"
@@ -23,7 +23,6 @@ namespace {
 
 using ::testing::ElementsAre;
 
-constexpr wchar_t kProgId[] = L"quenraDataSourcesFile.TextFileWorkspaceFactory";
 constexpr wchar_t kModuleName[] = L"quenraDataSourcesFile.dll";
 
 // An apartment of one thread, as a desktop host's.
@@ -37,13 +36,20 @@ class Apartment {
 
 bool ModuleIsLoaded() { return ::GetModuleHandleW(kModuleName) != nullptr; }
 
-ComPtr<IPlugInWorkspaceFactoryHelper2> NewFactory() {
+// snippet: registered
+HRESULT NewRegisteredFactory(ComPtr<IPlugInWorkspaceFactoryHelper2>& factory) {
   CLSID classId = {};
-  EXPECT_EQ(::CLSIDFromProgID(kProgId, &classId), S_OK);
+  const HRESULT result =
+      ::CLSIDFromProgID(L"quenraDataSourcesFile.TextFileWorkspaceFactory", &classId);
+  if (FAILED(result)) return result;
+  return ::CoCreateInstance(classId, nullptr, CLSCTX_INPROC_SERVER,
+                            kInterfaceId<IPlugInWorkspaceFactoryHelper2>, factory.ReceiveVoid());
+}
+// end of snippet
+
+ComPtr<IPlugInWorkspaceFactoryHelper2> NewFactory() {
   ComPtr<IPlugInWorkspaceFactoryHelper2> factory;
-  EXPECT_EQ(::CoCreateInstance(classId, nullptr, CLSCTX_INPROC_SERVER,
-                               IID_IPlugInWorkspaceFactoryHelper2, factory.ReceiveVoid()),
-            S_OK);
+  EXPECT_EQ(NewRegisteredFactory(factory), S_OK);
   return factory;
 }
 
@@ -231,24 +237,33 @@ TEST_F(ComHostTest, ClassesAreNotAggregated) {
   ExpectModuleToGo();
 }
 
+void AddRow(const FieldValue* values, LONG count, void* context) {
+  std::string row;
+  for (LONG i = 0; i < count; ++i) row += (i == 0 ? "" : "|") + Dump(values[i].value);
+  static_cast<std::vector<std::string>*>(context)->push_back(row);
+}
+
 TEST_F(ComHostTest, PlainCReadsTheSameTable) {
   folder_.Write(u"a.csv",
                 "Id,Name\n1,Ann\n2,B\xC3\xB6"
                 "b\n");
   const Apartment apartment;
-  PlainCResult seen;
-  const std::wstring folder(folder_.Path().begin(), folder_.Path().end());
-  EXPECT_EQ(RunPlainCHost(folder.c_str(), L"a.csv", &seen), S_OK);
-  EXPECT_EQ(seen.count, 2);
-  ASSERT_EQ(seen.rows, 2);
-  EXPECT_EQ(Dump(seen.values[0][0].value), "I4:1");
-  EXPECT_EQ(Dump(seen.values[0][1].value), "BSTR:Ann");
-  EXPECT_EQ(Dump(seen.values[1][0].value), "I4:2");
-  EXPECT_EQ(Dump(seen.values[1][1].value),
-            "BSTR:B\xC3\xB6"
-            "b");
-  EXPECT_EQ(ViewOf(seen.progId), u"quenraDataSourcesFile.TextFileWorkspaceFactory.1");
-  FreePlainCResult(&seen);
+  {
+    const auto known = NewFactory();
+    auto* const factory =
+        reinterpret_cast<Object*>(static_cast<IPlugInWorkspaceFactoryHelper*>(known.Get()));
+    const std::wstring folder(folder_.Path().begin(), folder_.Path().end());
+    std::vector<std::string> rows;
+    LONG count = 0;
+    EXPECT_EQ(::ReadTable(factory, folder.c_str(), L"a.csv", &AddRow, &rows, &count), S_OK);
+    EXPECT_EQ(count, 2);
+    EXPECT_THAT(rows, ElementsAre("I4:1|BSTR:Ann",
+                                  "I4:2|BSTR:B\xC3\xB6"
+                                  "b"));
+    BString progId;
+    EXPECT_EQ(::ProgIdOf(factory, progId.Receive()), S_OK);
+    EXPECT_EQ(progId.View(), u"quenraDataSourcesFile.TextFileWorkspaceFactory.1");
+  }
   ExpectModuleToGo();
 }
 

@@ -12,9 +12,11 @@
 // The test program is a module like any other: it carries a string table of its own. The programs
 // that hold this test export their symbols (ENABLE_EXPORTS), or the table could not be found.
 // NOLINTBEGIN(readability-identifier-naming)
+// snippet: platform/Modules.h
 extern "C" PLATFORM_API const PlatformStringTableEntry quenraStringTable[];
 extern "C" const PlatformStringTableEntry quenraStringTable[] = {
     {101, u"Text file"}, {118, u"Gr\u00F6\u00DFe"}, {102, u""}, {0, nullptr}};
+// end of snippet
 // NOLINTEND(readability-identifier-naming)
 
 namespace {

@@ -2,8 +2,8 @@
 //
 // Events go to one sink that the application sets; without one they are dropped.
 //
-//   EventLog::SetSink([](const EventLogRecord& record) { ... });
-//   EventLog::Write(u"In file a.csv, ...");
+//   EventLog::SetSink([&](const EventLogRecord& record) { texts.emplace_back(record.text); });
+//   EventLog::Write(u"In file a.csv, a value does not fit.");
 #pragma once
 
 #include <cstdint>

@@ -1,9 +1,9 @@
 // Owns one BSTR.
 //
 //   BString name(u"Id");
-//   field->SetName(name.Get());
+//   edit->SetName(name.Get());
 //   field->GetName(name.Receive());
-//   std::u16string_view text = name.View();
+//   const std::u16string_view text = name.View();
 #pragma once
 
 #include <limits>

@@ -1,7 +1,7 @@
 // Creation of the host's objects by class.
 //
 //   ComPtr<HostFieldCollectionEdit> fields;
-//   CreateComponentInstance(CLSID_HostFieldCollection, nullptr, fields.Receive());
+//   const HRESULT result = CreateComponentInstance(CLSID_HostFieldCollection, fields.Receive());
 #pragma once
 
 #include "host/HostApi.h"

@@ -1,4 +1,6 @@
 // A pair of begin and end events around a piece of work.
+//
+//   const EventLogTimer timer(2, u"Workshop.Table.Open", u"start", u"end", u"/data/a.csv", 0);
 #pragma once
 
 #include <chrono>
@@ -9,8 +11,6 @@
 
 namespace quenra {
 
-//   EventLogTimer timer(2, u"Workshop.Table.Open", u"start", u"end", u"/data/a.csv", 0);
-//
 // Hands a begin event to the event log when it is made and an end event when it goes, on every
 // path out of the scope. The texts are copied.
 class EventLogTimer {

@@ -1,6 +1,6 @@
 // OLE dates from days of the Gregorian calendar.
 //
-//   DATE date;
+//   DATE date = 0;
 //   OleDateOf({2024, 2, 29}, 0, date);  // 45351
 #pragma once
 

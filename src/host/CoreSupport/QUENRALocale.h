@@ -4,7 +4,7 @@
 // application sets it before it loads a module; reading is safe from any thread.
 //
 //   QUENRALocale::SetLocale(u"de-DE");
-//   QUENRALocale::Value(LOCALE_SDECIMAL, 4);  // u","
+//   const std::u16string decimal = QUENRALocale::Value(LOCALE_SDECIMAL, 4);  // u","
 #pragma once
 
 #include <string>

@@ -3,7 +3,7 @@
 //   Variant value(u"13.1");
 //   properties->SetProperty(name.Get(), value.Address());
 //   properties->GetProperty(name.Get(), value.Receive());
-//   if (value.Type() == VT_BSTR) Use(value.Text());
+//   if (value.Type() == VT_BSTR) version = value.Text();
 #pragma once
 
 #include <string_view>

@@ -4,12 +4,12 @@
 // throws, and ignores the process locale. docs/coordinates.md lists the notations.
 //
 //   const LatLongFormat latLong;
+//   const std::u16string_view text = u"40\u00B026'46\"N 79\u00B058'56\"W";
 //   std::int32_t format = 0;
-//   double x = 0, y = 0;
-//   if (latLong.IsLatLong(u"40°26'46\"N 79°58'56\"W", format)) {
-//     latLong.ParseLatLong(u"40°26'46\"N 79°58'56\"W", format, x, y);  // x = -79.98..., y
-//     = 40.44...
-//   }
+//   double x = 0;
+//   double y = 0;
+//   if (latLong.IsLatLong(text, format)) latLong.ParseLatLong(text, format, x, y);
+//   // x is -79.98..., y is 40.44...
 #pragma once
 
 #include <cstdint>

@@ -1,7 +1,8 @@
 // What a host-facing method answers for an exception: the one place where exceptions end.
 //
 //   HRESULT STDMETHODCALLTYPE Widget::Turn(LONG degrees) try {
-//     ...
+//     turns.push_back(degrees);  // may throw
+//     return S_OK;
 //   } catch (...) {
 //     return HResultFromCurrentException();
 //   }

@@ -1,8 +1,8 @@
 // Holds one reference to a COM object.
 //
-//   ComPtr<HostArray> array;
-//   HRESULT result = workspace->EnumerateDatasets(kDatasetTypeAny, array.Receive());
-//   ComPtr<HostWorkspace> other = array.As<HostWorkspace>();  // empty when it does not answer
+//   ComPtr<HostArray> tables;
+//   const HRESULT result = workspace->EnumerateDatasets(kDatasetTypeAny, tables.Receive());
+//   const auto creation = workspace.As<IPlugInCreateDataset>();  // empty when it does not answer
 #pragma once
 
 #include <cstddef>

@@ -1,6 +1,10 @@
 // A COM class from the interfaces that it answers.
 //
-//   class Reader : public Implements<IPlugInRowCount, IDatasetFileStat2> { ... };
+//   class Counter : public Implements<IPlugInRowCount> {
+//    public:
+//     std::u16string_view ClassName() const noexcept override { return u"Counter"; }
+//     HRESULT STDMETHODCALLTYPE CountRows(LONG classIndex, LONG* count) override;
+//   };
 //
 // Answers each interface listed and those that it extends (BaseInterface in
 // host/interfaces/InterfaceId.h); Unknown answers the rest. Bases are laid out in the order listed.

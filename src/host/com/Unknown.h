@@ -9,7 +9,8 @@
 //     const CLSID* ClassId() const noexcept override { return &CLSID_Widget; }
 //     HRESULT STDMETHODCALLTYPE Turn(LONG degrees) override;
 //   };
-//   ComPtr<Widget> widget = MakeObject<Widget>();
+//
+//   const ComPtr<Widget> widget = MakeObject<Widget>();
 //
 // The object's identity is its internal unknown. Without an outer object every face counts on it;
 // with one, the faces hand IUnknown's calls to the outer object and the internal unknown alone

@@ -21,7 +21,7 @@ class EmbeddedField final : public Implements<HostField, HostFieldEdit, HostFiel
   HRESULT STDMETHODCALLTYPE GetLength(LONG* length) override;
   HRESULT STDMETHODCALLTYPE GetPrecision(LONG* precision) override;
 
-  // HostFieldEdit. E_INVALIDARG for numbers below 0.
+  // HostFieldEdit. E_INVALIDARG for a type or a precision below 0.
   HRESULT STDMETHODCALLTYPE SetName(BSTR name) override;
   HRESULT STDMETHODCALLTYPE SetAliasName(BSTR name) override;
   HRESULT STDMETHODCALLTYPE SetType(LONG type) override;

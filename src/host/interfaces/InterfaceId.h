@@ -1,6 +1,7 @@
 // The identifier of an interface, found from its type.
 //
-//   object->QueryInterface(kInterfaceId<IPlugInRowCount>, &out);
+//   ComPtr<IPlugInRowCount> counter;
+//   table->QueryInterface(kInterfaceId<IPlugInRowCount>, counter.ReceiveVoid());
 //
 // Every interface header defines IID_<name> and the specialisation of kInterfaceId beside the
 // interface. The values are fixed for ever: hosts are compiled against them.

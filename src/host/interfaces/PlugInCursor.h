@@ -1,9 +1,10 @@
 // Walking the rows of a table.
 //
-//     while (cursor->AtLastRecord(&finished), !finished) {
-//       fast->ReadRecordValuesFast(slots);
-//       cursor->AdvanceRecord();
-//     }
+//   VARIANT_BOOL finished = VARIANT_FALSE;
+//   while (cursor->AtLastRecord(&finished) == S_OK && finished == VARIANT_FALSE) {
+//     fast->ReadRecordValuesFast(slots);
+//     cursor->AdvanceRecord();
+//   }
 #pragma once
 
 #include "host/interfaces/HostRowBuffer.h"
