@@ -49,6 +49,8 @@ if(BUILD_FUZZERS)
   if(NOT CMAKE_CXX_COMPILER_ID MATCHES "Clang")
     message(FATAL_ERROR "BUILD_FUZZERS needs clang++ (use the preset fuzz)")
   endif()
-  # Coverage counters for libFuzzer in every library; its main() comes with the targets alone.
-  add_compile_options(-fsanitize=fuzzer-no-link)
+  # Coverage counters for libFuzzer in every library; its main() comes with the targets alone. The
+  # code compares character by character, where to trace comparisons tells nothing that the counters
+  # do not, and takes a quarter of the time.
+  add_compile_options(-fsanitize=fuzzer-no-link -fno-sanitize-coverage=trace-cmp)
 endif()
