@@ -11,7 +11,12 @@ set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
 # Program, module and host library side by side: the program finds both in its own folder.
 set(CMAKE_RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/bin")
 set(CMAKE_LIBRARY_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/bin")
-set(CMAKE_BUILD_RPATH_USE_ORIGIN ON)
+
+# Libraries are looked for beside the file that needs them, in the build tree as where it is
+# installed. A path that the installation would exchange is filled up with colons in the build tree,
+# and each empty part of a path stands for the current folder: it would run a library from there.
+set(CMAKE_BUILD_WITH_INSTALL_RPATH ON)
+set(CMAKE_INSTALL_RPATH "$ORIGIN")
 
 # Where host library and module are installed, from the prefix and from the program's folder.
 if(WIN32)
@@ -49,6 +54,8 @@ if(BUILD_FUZZERS)
   if(NOT CMAKE_CXX_COMPILER_ID MATCHES "Clang")
     message(FATAL_ERROR "BUILD_FUZZERS needs clang++ (use the preset fuzz)")
   endif()
-  # Coverage counters for libFuzzer in every library; its main() comes with the targets alone.
-  add_compile_options(-fsanitize=fuzzer-no-link)
+  # Coverage counters for libFuzzer in every library; its main() comes with the targets alone. The
+  # code compares character by character, where to trace comparisons tells nothing that the counters
+  # do not, and takes a quarter of the time.
+  add_compile_options(-fsanitize=fuzzer-no-link -fno-sanitize-coverage=trace-cmp)
 endif()

@@ -2,8 +2,8 @@
 #   unit_tests    platform, host and core, linked with them
 #   module_tests  the built module through its exports alone
 #   cli_tests     the built program alone
-# and, on Windows, com_host_tests: the registered module
-# and include_rules, which holds the includes of src/ and apps/ against the architecture.
+# and, on Windows, com_host_tests: the registered module; and include_rules, which holds the includes of src/ and apps/ against the architecture, and
+# library_paths, which looks where the files that are built and installed look for libraries.
 # Each program writes its results to <build>/test-results/<name>.json, from which scripts/test counts.
 
 if(NOT WIN32)
@@ -150,4 +150,6 @@ endif()
 
 if(NOT WIN32)
   add_test(NAME include_rules COMMAND "${PROJECT_SOURCE_DIR}/scripts/check-includes")
+  add_test(NAME library_paths
+    COMMAND "${PROJECT_SOURCE_DIR}/scripts/check-library-paths" "${CMAKE_BINARY_DIR}")
 endif()

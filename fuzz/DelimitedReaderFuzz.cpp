@@ -7,12 +7,13 @@
 // a kind that its field may hold, and the same when the texts are not asked for; counting gives as
 // many rows.
 
+#include <optional>
+
 #include "FuzzInput.h"
 #include "RowChecks.h"
 #include "host/CoreSupport/CharacterClasses.h"
 #include "host/CoreSupport/QUENRALocale.h"
-#include "reading/OpenTextDataset.h"
-#include "reading/TextLineStream.h"
+#include "schema/LocaleDefaults.h"
 
 namespace {
 
@@ -21,7 +22,7 @@ using Fuzz::PlainRecord;
 using TextFile::TextDatasetDescription;
 using TextFile::TextLineStream;
 
-constexpr const char* kNames[] = {"t.csv", "t.txt", "t.tsv", "t.psv", "t.tab", "t.asc"};
+constexpr const char16_t* kNames[] = {u"t.csv", u"t.txt", u"t.tsv", u"t.psv", u"t.tab", u"t.asc"};
 
 // The rules of delimited records, written for being looked through alone.
 class PlainReader {
@@ -30,7 +31,7 @@ class PlainReader {
       : delimiter_(table.options.delimiter),
         quote_(table.options.textDelimiter),
         terminator_(static_cast<unsigned char>(table.options.recordTerminator)) {
-    stream_.Open(table.path, TextLineStream::kTerminateLines);
+    table.openStream(stream_);
     stream_.SetLineDelimiter(table.options.recordTerminator);
   }
 
@@ -102,22 +103,33 @@ TextFile::OpenOptions OptionsOf(unsigned switches) {
   return options;
 }
 
+TextDatasetDescription TableOf(unsigned switches, std::string_view bytes) {
+  const char16_t* const name = kNames[(switches & 0x07) % std::size(kNames)];
+  const bool isGerman = (switches & 0x80) != 0;
+  // To ask for the locale's values takes as long as to read a small table.
+  static std::optional<bool> wasGerman;
+  static TextFile::SchemaOptions options;
+  if (wasGerman != isGerman) {
+    Check(quenra::QUENRALocale::SetLocale(isGerman ? u"de-DE" : u"en-US"));
+    options = {};
+    TextFile::CompleteFromLocale(options);
+    wasGerman = isGerman;
+  }
+  TextDatasetDescription table = Fuzz::TableInMemory(name, bytes);
+  const char16_t delimiter = table.options.delimiter;
+  table.options = options;
+  table.options.delimiter = delimiter;
+  return table;
+}
+
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  static const Fuzz::TemporaryFolder folder;
   Fuzz::FuzzInput input(data, size);
   const unsigned switches = input.TakeSwitches();
-  const std::string name = kNames[(switches & 0x07) % std::size(kNames)];
-  Check(quenra::QUENRALocale::SetLocale((switches & 0x80) != 0 ? u"de-DE" : u"en-US"));
-  // The run before may have recorded a mismatch.
-  folder.Remove("schema.ini");
-  folder.Write(name.c_str(), input.Rest());
-
-  TextDatasetDescription table =
-      TextFile::DescribeFile(folder.Path(), std::u16string(name.begin(), name.end()));
+  TextDatasetDescription table = TableOf(switches, input.Rest());
   auto status = TextFile::OpenDatasetStatus::kFileNotOpened;
-  const bool opened = TextFile::OpenTextDataset(table, OptionsOf(switches), status);
+  const bool opened = TextFile::ScanTextDataset(table, OptionsOf(switches), status);
   Check(status != TextFile::OpenDatasetStatus::kFileNotOpened);
   Check(opened == (status == TextFile::OpenDatasetStatus::kOpened) && opened == table.loaded);
   Check(opened != table.fields.empty());

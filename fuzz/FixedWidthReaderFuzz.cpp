@@ -12,8 +12,7 @@
 #include "RowChecks.h"
 #include "host/CoreSupport/CharacterClasses.h"
 #include "host/CoreSupport/QUENRALocale.h"
-#include "reading/OpenTextDataset.h"
-#include "reading/TextLineStream.h"
+#include "schema/SchemaIniReader.h"
 
 namespace {
 
@@ -60,7 +59,7 @@ class PlainReader {
   explicit PlainReader(const TextDatasetDescription& table) {
     for (const TextFile::FieldDefinition& field : table.fields)
       if (!field.isCoordinate) widths_.push_back(field.width);
-    stream_.Open(table.path, TextLineStream::kTerminateLines);
+    table.openStream(stream_);
     stream_.SetLineDelimiter(table.options.recordTerminator);
   }
 
@@ -109,15 +108,15 @@ class PlainReader {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  static const Fuzz::TemporaryFolder folder;
   Check(quenra::QUENRALocale::SetLocale(u"en-US"));
   Fuzz::FuzzInput input(data, size);
-  folder.Write("schema.ini", SchemaOf(input.TakeLine()));
-  folder.Write("t.txt", input.Rest());
+  const std::string schema = SchemaOf(input.TakeLine());
 
-  TextDatasetDescription table = TextFile::DescribeFile(folder.Path(), u"t.txt");
+  TextDatasetDescription table = Fuzz::TableInMemory(u"t.txt", input.Rest());
+  Check(TextFile::ReadSchemaSection(std::make_unique<Fuzz::MemoryFile>(schema), u"t.txt",
+                                    table.options));
   auto status = TextFile::OpenDatasetStatus::kFileNotOpened;
-  const bool opened = TextFile::OpenTextDataset(table, {}, status);
+  const bool opened = TextFile::ScanTextDataset(table, {}, status);
   Check(status != TextFile::OpenDatasetStatus::kFileNotOpened && opened != table.fields.empty());
   Check(table.options.fixedLength);
   if (!opened) return 0;

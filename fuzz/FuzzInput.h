@@ -1,21 +1,18 @@
-// What the fuzz targets share: checks, texts and switches out of the fuzzer's bytes, and a folder
-// for the files that a target reads.
+// What the fuzz targets share: checks, texts and switches out of the fuzzer's bytes, and those
+// bytes as a file in memory.
 //
 //   FuzzInput input(data, size);
 //   const unsigned switches = input.TakeSwitches();
-//   folder.Write("t.csv", input.Rest());
+//   stream.Open(std::make_unique<MemoryFile>(input.Rest()), TextLineStream::kPlainLines);
 #pragma once
 
 #include <algorithm>
-#include <boost/filesystem.hpp>
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
-#include <fstream>
+#include <streambuf>
 #include <string>
 #include <string_view>
-
-#include "platform/FileNames.h"
 
 namespace Fuzz {
 
@@ -74,35 +71,19 @@ class FuzzInput {
   std::string_view bytes_;
 };
 
-// A folder of this process's own, removed with its files at the end. TMPDIR on a memory file
-// system makes the targets several times faster.
-class TemporaryFolder {
+// Bytes that are read as a file's are; they must outlive it.
+class MemoryFile final : public std::streambuf {
  public:
-  TemporaryFolder()
-      : path_(boost::filesystem::temp_directory_path() /
-              boost::filesystem::unique_path("fuzz-%%%%-%%%%-%%%%")) {
-    boost::filesystem::create_directories(path_);
-  }
-  ~TemporaryFolder() {
-    boost::system::error_code ignored;
-    boost::filesystem::remove_all(path_, ignored);
-  }
-  TemporaryFolder(const TemporaryFolder&) = delete;
-  TemporaryFolder& operator=(const TemporaryFolder&) = delete;
-
-  std::u16string Path() const { return FileNameFromNative(path_.native()); }
-
-  void Write(const char* name, std::string_view bytes) const {
-    std::ofstream file((path_ / name).c_str(), std::ios::binary | std::ios::trunc);
-    file.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-    file.close();
-    Check(!file.fail());
+  explicit MemoryFile(std::string_view bytes) {
+    char* const begin = const_cast<char*>(bytes.data());  // only ever read
+    setg(begin, begin, begin + bytes.size());
   }
 
-  void Remove(const char* name) const { boost::filesystem::remove(path_ / name); }
-
- private:
-  boost::filesystem::path path_;
+ protected:
+  pos_type seekpos(pos_type position, std::ios_base::openmode) override {
+    setg(eback(), eback() + std::min<off_type>(position, egptr() - eback()), egptr());
+    return gptr() - eback();
+  }
 };
 
 }  // namespace Fuzz

@@ -6,7 +6,6 @@
 // and stands nowhere else in the lines of 8-bit files; encodings that are not read give no line.
 
 #include <memory>
-#include <sstream>
 #include <vector>
 
 #include "FuzzInput.h"
@@ -21,7 +20,7 @@ using TextFile::TextLineStream;
 void OpenBytes(TextLineStream& stream, std::string_view bytes, unsigned switches,
                std::size_t blockSize) {
   stream.Open(
-      std::make_unique<std::stringbuf>(std::string(bytes), std::ios::in),
+      std::make_unique<Fuzz::MemoryFile>(bytes),
       (switches & 0x40) != 0 ? TextLineStream::kTerminateLines : TextLineStream::kPlainLines,
       blockSize);
   if ((switches & 0x80) != 0) stream.SetLineDelimiter('\r');

@@ -11,14 +11,32 @@
 
 #include "FuzzInput.h"
 #include "platform/OleText.h"
+#include "reading/OpenTextDataset.h"
 #include "reading/ReaderFactory.h"
 #include "reading/RecordCount.h"
+#include "reading/TextLineStream.h"
 #include "tests/support/ConverterWithSlots.h"
 
 namespace Fuzz {
 
 // A row as the plain readers of the targets give it.
 using PlainRecord = std::vector<std::u16string>;
+
+// A table that is not opened yet and whose file is in memory; `bytes` must outlive it. There can be
+// no folder of that name, and so no schema.ini: mismatches are reported, and not recorded.
+inline TextFile::TextDatasetDescription TableInMemory(std::u16string_view name,
+                                                      std::string_view bytes) {
+  // Mostly one that holds the whole input. The usual ones are a hundred times as large, and under
+  // the sanitizer that takes more time than all else.
+  constexpr std::size_t kWholeInput = 4096;
+  const std::size_t blockSize = bytes.size() % 4 == 1 ? 1 + bytes.size() / 4 % 100 : kWholeInput;
+  TextFile::TextDatasetDescription table = TextFile::DescribeFile(u"/dev/null/folder", name);
+  table.openStream = [bytes, blockSize](TextFile::TextLineStream& stream) {
+    stream.Open(std::make_unique<MemoryFile>(bytes), TextFile::TextLineStream::kTerminateLines,
+                blockSize);
+  };
+  return table;
+}
 
 inline std::u16string MessageTemplate(std::uint32_t id) {
   Check(id >= 115 && id <= 118);

@@ -11,10 +11,9 @@
 // which is the exact way, and when texts are lent.
 
 #include <cstring>
-#include <fstream>
-#include <iterator>
 #include <vector>
 
+#include "FuzzFolder.h"
 #include "FuzzInput.h"
 #include "host/AppEventLog/EventLog.h"
 #include "host/CoreSupport/QUENRALocale.h"
@@ -121,8 +120,7 @@ std::string Written(const TextDatasetDescription& table, const Fuzz::TemporaryFo
   for (std::size_t i = 0; i < values.size(); i += columns)
     Check(writer.Write({&values[i], std::min(columns, values.size() - i)}));
   Check(writer.Close());
-  std::ifstream file(NativeFromFileName(table.path).c_str(), std::ios::binary);
-  return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+  return folder.Read("t.csv");
 }
 
 }  // namespace

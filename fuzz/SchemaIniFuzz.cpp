@@ -6,6 +6,7 @@
 // names with quotes or with white space that is no blank, and a few of the lines' own ambiguities.
 
 #include <algorithm>
+#include <memory>
 #include <optional>
 
 #include "FuzzInput.h"
@@ -26,11 +27,11 @@ using TextFile::SchemaOptions;
 
 constexpr std::u16string_view kFileName = u"t.csv";
 
-std::optional<SchemaOptions> Read(const Fuzz::TemporaryFolder& folder) {
+std::optional<SchemaOptions> Read(std::string_view schemaIni) {
   SchemaOptions options;
   try {
-    const bool found =
-        TextFile::ReadSchemaSection(TextFile::SchemaIniPaths(folder.Path()), kFileName, options);
+    const bool found = TextFile::ReadSchemaSection(std::make_unique<Fuzz::MemoryFile>(schemaIni),
+                                                   kFileName, options);
     if (found) return options;
   } catch (const TextFile::ParseError& error) {
     Check(error.code() <= TextFile::ParseErrorCode::kUnknownOption);
@@ -133,15 +134,12 @@ void CheckSame(const SchemaOptions& first, const SchemaOptions& second) {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  static const Fuzz::TemporaryFolder folder;
   Check(quenra::QUENRALocale::SetLocale(u"en-US"));
-  folder.Write("schema.ini", {reinterpret_cast<const char*>(data), size});
-  const std::optional<SchemaOptions> options = Read(folder);
+  const std::optional<SchemaOptions> options = Read({reinterpret_cast<const char*>(data), size});
   if (!options.has_value() || !FitsFormat(*options)) return 0;
 
   const std::string section = ToUtf8(TextFile::SchemaSectionText(kFileName, *options));
-  folder.Write("schema.ini", section);
-  const std::optional<SchemaOptions> again = Read(folder);
+  const std::optional<SchemaOptions> again = Read(section);
   Check(again.has_value());
   CheckSame(*options, *again);
   // What is written is settled after the first time.

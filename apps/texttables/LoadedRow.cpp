@@ -102,8 +102,7 @@ void LoadedRow::ReadObject() {
     asBefore = asBefore && i < lastNames_.size() && lastNames_[i].first == name;
     if (!asBefore) {
       lastNames_.resize(i);
-      lastNames_.emplace_back(name, kNoField);
-      lastNames_[i].second = FieldNamed(lastNames_[i].first);
+      lastNames_.emplace_back(name, FieldNamed(name));
     }
     const std::size_t field = lastNames_[i].second;
     given_[field] = true;
@@ -125,12 +124,11 @@ std::size_t LoadedRow::FreeField(const Index& index, const std::u16string& key, 
 }
 
 // Exactly, else without regard to case. Of several fields of one name each takes its turn.
-std::size_t LoadedRow::FieldNamed(const std::u16string& name) {
+std::size_t LoadedRow::FieldNamed(std::u16string_view name) const {
   bool known = false;
-  std::size_t field = FreeField(exact_, name, known);
+  std::size_t field = FreeField(exact_, std::u16string(name), known);
   if (!known) field = FreeField(folded_, Folded(name), known);
   if (field != kNoField) return field;
-  lastNames_.clear();
   if (known) throw BadRow(kInvalidData, "field " + Quoted(name) + " is given twice");
   std::string names;
   for (const std::size_t column : columns_) {

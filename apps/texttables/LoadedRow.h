@@ -49,7 +49,7 @@ class LoadedRow {
 
   void ReadArray();
   void ReadObject();
-  std::size_t FieldNamed(const std::u16string& name);
+  std::size_t FieldNamed(std::u16string_view name) const;
   std::size_t FreeField(const Index& index, const std::u16string& key, bool& known) const;
   void SetNull(std::size_t field);
   void SetValue(std::size_t field, std::size_t node);
@@ -62,7 +62,8 @@ class LoadedRow {
   quenra::ComPtr<quenra::HostRowBuffer> buffer_;
   JsonDocument document_;
   std::vector<bool> given_;  // in this row
-  // The names of the last object and their fields: rows mostly name the same fields in one order.
+  // The names of the last object, as far as they had a field, and their fields: rows mostly name
+  // the same fields in one order.
   std::vector<std::pair<std::u16string, std::size_t>> lastNames_;
   std::vector<bool> warned_;
   std::vector<std::string> warnings_;

@@ -39,6 +39,8 @@ inline constexpr REGSAM KEY_READ = 0x20019;
 inline constexpr REGSAM KEY_WRITE = 0x20006;
 inline constexpr REGSAM KEY_ALL_ACCESS = 0xF003F;
 
+inline constexpr DWORD ERROR_BAD_FILE_TYPE = 222;
+inline constexpr DWORD ERROR_FILE_TOO_LARGE = 223;
 inline constexpr DWORD ERROR_MORE_DATA = 234;
 inline constexpr DWORD ERROR_NO_MORE_ITEMS = 259;
 inline constexpr DWORD ERROR_REGISTRY_CORRUPT = 1015;
@@ -51,7 +53,8 @@ extern "C" {
 
 // All of these answer ERROR_SUCCESS or the reason of the failure, which ::GetLastError() does not
 // repeat. Paths join names by backslashes; an empty or null one is the key itself. Names hold no
-// control characters and no lone surrogates: ERROR_INVALID_PARAMETER.
+// control characters and no lone surrogates, and no more than 255 characters, and a path from the
+// root no more than 512 of them: ERROR_INVALID_PARAMETER.
 
 // Creates what is missing of the path. `*result` is the caller's to close; null after a failure.
 PLATFORM_API LSTATUS RegCreateKeyExW(HKEY key, LPCWSTR path, DWORD reserved, LPWSTR className,

@@ -38,7 +38,12 @@ bool OpenTextDataset(TextDatasetDescription& description, const OpenOptions& ope
   const SchemaIniPaths paths(FolderOf(description.path));
   if (!ReadSchemaSection(paths, description.name, description.options))
     CompleteFromLocale(description.options);
+  return ScanTextDataset(description, openOptions, status);
+}
 
+bool ScanTextDataset(TextDatasetDescription& description, const OpenOptions& openOptions,
+                     OpenDatasetStatus& status) {
+  description.fields.clear();
   const ReaderPtr reader = MakeReader(description);
   if (!reader->IsOpen()) {
     status = OpenDatasetStatus::kFileNotOpened;

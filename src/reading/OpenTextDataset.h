@@ -29,4 +29,9 @@ TextDatasetDescription DescribeFile(std::u16string_view folder, std::u16string_v
 bool OpenTextDataset(TextDatasetDescription& description, const OpenOptions& openOptions,
                      OpenDatasetStatus& status);
 
+// The part of that behind schema.ini, of which the description already has the options (see
+// ReadSchemaSection, CompleteFromLocale). The event log gets nothing.
+bool ScanTextDataset(TextDatasetDescription& description, const OpenOptions& openOptions,
+                     OpenDatasetStatus& status);
+
 }  // namespace TextFile

@@ -49,7 +49,11 @@ class PlainRowIndex {
  public:
   // A kernel takes so many blocks of 64 bytes, few enough for what it reads to be near when the
   // rows are used, and needs so many places for what it finds.
+#ifdef SMALL_ROW_INDEX
+  static constexpr std::size_t kBlocks = 8;  // for searching what stands where they end
+#else
   static constexpr std::size_t kBlocks = 256;
+#endif
   static constexpr std::size_t kPlaces = 64 * kBlocks + 8;
 
   // The code of lesser processors may be asked for, for comparison; what this one lacks is

@@ -6,7 +6,10 @@
 namespace TextFile {
 
 Reader::Reader(const TextDatasetDescription& description) {
-  stream_.Open(description.path, TextLineStream::kTerminateLines);
+  if (description.openStream)
+    description.openStream(stream_);
+  else
+    stream_.Open(description.path, TextLineStream::kTerminateLines);
   if (description.options.recordTerminator != stream_.lineDelimiter()) SwitchRecordTerminator();
 }
 

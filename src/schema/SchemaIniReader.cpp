@@ -5,6 +5,7 @@
 #include <map>
 #include <optional>
 #include <string>
+#include <utility>
 
 #include "host/CoreSupport/CharacterClasses.h"
 #include "host/DataCore/DataCoreUtil.h"
@@ -277,12 +278,7 @@ void OptionApplier::ApplyCurrency(CurrencySettings& currency) {
        CurrencySettings::kDecimalSymbol);
 }
 
-}  // namespace
-
-bool ReadSchemaSection(const SchemaIniPaths& paths, std::u16string_view fileName,
-                       SchemaOptions& options) {
-  TextLineStream stream;
-  if (!stream.Open(paths.schemaIni, TextLineStream::kPlainLines)) return false;
+bool ReadSection(TextLineStream& stream, std::u16string_view fileName, SchemaOptions& options) {
   auto name = FindSection(stream, fileName);
   if (!name.has_value()) return false;
 
@@ -295,6 +291,23 @@ bool ReadSchemaSection(const SchemaIniPaths& paths, std::u16string_view fileName
     throw ParseError(ParseErrorCode::kUnknownOption, map.begin()->first, map.begin()->second);
   options = std::move(applied);
   return true;
+}
+
+}  // namespace
+
+bool ReadSchemaSection(const SchemaIniPaths& paths, std::u16string_view fileName,
+                       SchemaOptions& options) {
+  TextLineStream stream;
+  return stream.Open(paths.schemaIni, TextLineStream::kPlainLines) &&
+         ReadSection(stream, fileName, options);
+}
+
+bool ReadSchemaSection(std::unique_ptr<std::streambuf> schemaIni, std::u16string_view fileName,
+                       SchemaOptions& options) {
+  constexpr std::size_t kBlockSize = 16 * 1024;  // holds most of them
+  TextLineStream stream;
+  stream.Open(std::move(schemaIni), TextLineStream::kPlainLines, kBlockSize);
+  return ReadSection(stream, fileName, options);
 }
 
 }  // namespace TextFile

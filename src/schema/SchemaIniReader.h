@@ -5,6 +5,8 @@
 //   if (!ReadSchemaSection(SchemaIniPaths(folder), u"a.csv", options)) CompleteFromLocale(options);
 #pragma once
 
+#include <memory>
+#include <streambuf>
 #include <string_view>
 
 #include "schema/ParseError.h"
@@ -18,6 +20,10 @@ namespace TextFile {
 // that can be read or no such section. Throws ParseError for anything it does not understand;
 // `options` is left alone then too.
 bool ReadSchemaSection(const SchemaIniPaths& paths, std::u16string_view fileName,
+                       SchemaOptions& options);
+
+// The same of a schema.ini of any bytes.
+bool ReadSchemaSection(std::unique_ptr<std::streambuf> schemaIni, std::u16string_view fileName,
                        SchemaOptions& options);
 
 }  // namespace TextFile

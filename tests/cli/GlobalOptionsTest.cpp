@@ -26,6 +26,12 @@ TEST_F(LocaleTest, LocaleOptionChangesTheValues) {
 // On Windows the user sets it in the system's settings.
 #ifndef _WIN32
 
+// Windows has no number for it. The first locale of that kind that a program names is one too.
+TEST_F(LocaleTest, LocaleWithoutANumberOfWindowsIsKnown) {
+  const std::string values = Output({"--locale", "en-DE", "locale", "--json"});
+  EXPECT_NE(values.find("\"currency\":\"\xE2\x82\xAC\""), std::string::npos) << values;
+}
+
 TEST_F(LocaleTest, EnvironmentGivesTheUsersLocale) {
   ProcessRequest request = Request({"locale", "--json"});
   EXPECT_EQ(RunProcess(request).output, Output({"--locale", "en-US", "locale", "--json"}));

@@ -173,6 +173,30 @@ TEST_F(LoadTest, RowsThatDoNotFitTheTableNameTheLine) {
   ExpectBadLine("null", "0x8007000D", "a row is an array or an object, not null");
 }
 
+// Names that no string object holds in itself: they are told whole.
+TEST_F(LoadTest, LongNamesThatDoNotFitTheTableAreToldWhole) {
+  constexpr const char* kNames[] = {"Population", "Number_of_households",
+                                    "Stra\xC3\x9F"
+                                    "enverzeichnis-\xE5\x90\x8D\xF0\x9F\x98\x80"};
+  for (const char* name : kNames) {
+    const std::string quoted = "\"" + std::string(name) + "\"";
+    ExpectBadLine("{" + quoted + ":1}", "0x8007000D",
+                  "there is no field " + quoted + "; fields: Id, Name");
+    ExpectBadLine("{\"Id\":3," + quoted + ":1}", "0x8007000D",
+                  "there is no field " + quoted + "; fields: Id, Name");
+  }
+  for (const char* name : kNames) {
+    const std::string quoted = "\"" + std::string(name) + "\"";
+    const std::string table = "Id," + std::string(name) + "\n1,Ann\n";
+    Write("b.csv", table);
+    ExpectRefused(
+        Load("[2,\"Bob\"]\n{" + quoted + ":\"x\",\"Id\":3," + quoted + ":\"y\"}\n", "b.csv"),
+        "texttables: error: 0x8007000D: standard input, line 2: field " + quoted +
+            " is given twice; 1 row loaded\n");
+    EXPECT_EQ(ReadTable("b.csv"), table + "2,Bob\n");
+  }
+}
+
 struct BadJsonCase {
   std::string_view line;
   const char* place;

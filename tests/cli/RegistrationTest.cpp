@@ -1,3 +1,9 @@
+#ifndef _WIN32
+#include <sys/stat.h>
+#endif
+
+#include <cstdint>
+
 #include "cli/TexttablesTest.h"
 
 namespace {
@@ -74,8 +80,50 @@ TEST_F(RegistrationTest, WritesOneReadableFile) {
 TEST_F(RegistrationTest, RefusedRegistryIsAnError) {
   Write("registry", "no registry\n");
   ExpectRefused(RunRegistered({"register"}),
-                "texttables: error: 0x80040201: the registration cannot be changed\n");
+                "texttables: error: 0x80040201: the registration cannot be changed: the registry "
+                "file cannot be understood\n");
   EXPECT_EQ(Read("registry"), "no registry\n");
+}
+
+TEST_F(RegistrationTest, KeysOfAnyDepthAreRefusedAndNotFollowed) {
+  std::string text = "[a";
+  for (int i = 0; i < 500000; ++i) text += "\\a";
+  text += "]\n";
+  Write("registry", text);
+  ExpectRefused(RunRegistered({"register"}),
+                "texttables: error: 0x80040201: the registration cannot be changed: the registry "
+                "file cannot be understood\n");
+  EXPECT_EQ(Read("registry"), text);
+}
+
+// Nobody writes to the pipe: who opened it to read would wait for ever.
+TEST_F(RegistrationTest, RegistryIsARegularFile) {
+  const std::string path = (Folder() / "registry").string();
+  const std::string error =
+      "texttables: error: 0x80040201: the registration cannot be changed: the registry file is not "
+      "a regular file\n";
+  ASSERT_EQ(::mkfifo(path.c_str(), 0600), 0);
+  ExpectRefused(RunRegistered({"register"}), error);
+  ExpectRefused(RunRegistered({"unregister"}), error);
+  EXPECT_TRUE(std::filesystem::is_fifo(path));
+  std::filesystem::remove(path);
+  std::filesystem::create_directory(path);
+  ExpectRefused(RunRegistered({"register"}), error);
+  EXPECT_TRUE(std::filesystem::is_directory(path));
+  std::filesystem::remove(path);
+  std::filesystem::create_symlink("/dev/zero", path);
+  ExpectRefused(RunRegistered({"register"}), error);
+  EXPECT_TRUE(std::filesystem::is_symlink(path));
+}
+
+// A file with a hole, which takes no room on the disk.
+TEST_F(RegistrationTest, HugeRegistryIsNotRead) {
+  Write("registry", "");
+  std::filesystem::resize_file(Folder() / "registry", std::uintmax_t{1} << 40);
+  ExpectRefused(RunRegistered({"register"}),
+                "texttables: error: 0x80040201: the registration cannot be changed: the registry "
+                "file is too large\n");
+  EXPECT_EQ(std::filesystem::file_size(Folder() / "registry"), std::uintmax_t{1} << 40);
 }
 
 #endif

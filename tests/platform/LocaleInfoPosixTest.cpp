@@ -210,6 +210,7 @@ TEST(LocaleInfoTest, LocalesWithoutNumberGetOneThatWorks) {
   EXPECT_NE(first, second);
   EXPECT_EQ(::LocaleNameToLCID(u"en-DE", 0), first);
   EXPECT_EQ(first & 0xFFFF, LOCALE_CUSTOM_UNSPECIFIED);
+  EXPECT_NE(first, LOCALE_CUSTOM_UNSPECIFIED);
   EXPECT_EQ(NameOf(first), u"en-DE");
   EXPECT_EQ(Value(first, LOCALE_SDECIMAL), u",");
 }

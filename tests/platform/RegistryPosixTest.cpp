@@ -121,6 +121,52 @@ TEST_F(RegistryPosixTest, NamesThatNoLineHoldsAreRefused) {
   EXPECT_THAT(folder_.Names(), IsEmpty());
 }
 
+// The limits are Windows': 512 levels, and names of 255 characters.
+TEST_F(RegistryPosixTest, DeepPathsAndLongNamesAreRefused) {
+  const auto path = [](std::size_t names) {
+    std::u16string text = u"a";
+    for (std::size_t i = 1; i < names; ++i) text += u"\\a";
+    return text;
+  };
+  const std::u16string longest(255, u'n');
+  registry_.Write(path(512), u"x");
+  registry_.Write(longest, u"x");
+  EXPECT_EQ(Open(path(512).c_str()), Status(ERROR_SUCCESS));
+  EXPECT_EQ(Open(longest.c_str()), Status(ERROR_SUCCESS));
+  for (const std::u16string& refused : {path(513), path(500000), longest + u"n"}) {
+    EXPECT_EQ(Open(refused.c_str()), Status(ERROR_INVALID_PARAMETER));
+    HKEY key = nullptr;
+    EXPECT_EQ(::RegCreateKeyExW(HKEY_CLASSES_ROOT, refused.c_str(), 0, nullptr, 0, KEY_WRITE,
+                                nullptr, &key, nullptr),
+              Status(ERROR_INVALID_PARAMETER));
+    EXPECT_EQ(key, nullptr);
+  }
+  HKEY deep = nullptr;
+  ASSERT_EQ(::RegOpenKeyExW(HKEY_CLASSES_ROOT, path(300).c_str(), 0, KEY_READ, &deep),
+            Status(ERROR_SUCCESS));
+  HKEY key = nullptr;
+  EXPECT_EQ(
+      ::RegCreateKeyExW(deep, path(213).c_str(), 0, nullptr, 0, KEY_WRITE, nullptr, &key, nullptr),
+      Status(ERROR_INVALID_PARAMETER))
+      << "below a key that is open, the whole path counts";
+  EXPECT_EQ(key, nullptr);
+  ::RegCloseKey(deep);
+}
+
+TEST_F(RegistryPosixTest, FileThatGrowsTooLargeStaysAsItWas) {
+  registry_.Write(u"a", std::u16string(1000000, u'x'));
+  const std::string before = folder_.Read(u"registry");
+  HKEY key = nullptr;
+  ASSERT_EQ(::RegOpenKeyExW(HKEY_CLASSES_ROOT, u"a", 0, KEY_WRITE, &key), Status(ERROR_SUCCESS));
+  const std::u16string more(100000, u'x');
+  EXPECT_EQ(::RegSetValueExW(key, u"more", 0, REG_SZ, reinterpret_cast<const BYTE*>(more.c_str()),
+                             static_cast<DWORD>(more.size() * sizeof(char16_t))),
+            Status(ERROR_FILE_TOO_LARGE));
+  ::RegCloseKey(key);
+  EXPECT_EQ(folder_.Read(u"registry"), before);
+  EXPECT_THAT(folder_.Names(), ElementsAre(u"registry"));
+}
+
 TEST_F(RegistryPosixTest, WritersOnManyThreadsLoseNothing) {
   std::vector<std::thread> writers;
   for (char16_t name = u'a'; name < u'e'; ++name)

@@ -89,7 +89,8 @@ LCID WindowsLcid(const std::string& locale) {
 }
 
 // Locales named in this process for which Windows has no number, in the order of naming. Their
-// numbers are LOCALE_CUSTOM_UNSPECIFIED with the position in the upper half.
+// numbers are LOCALE_CUSTOM_UNSPECIFIED with the position in the upper half, from 1: the number
+// without it means, as on Windows, a locale that cannot be told by its number.
 class CustomLocales {
  public:
   static CustomLocales& Instance() {
@@ -97,11 +98,15 @@ class CustomLocales {
     return instance;
   }
 
+  // 0 when all numbers have been given.
   LCID NumberOf(const std::string& locale) {
     const std::lock_guard<std::mutex> guard(mutex_);
     auto found = std::find(names_.begin(), names_.end(), locale);
-    if (found == names_.end()) found = names_.insert(names_.end(), locale);
-    const auto position = static_cast<LCID>(found - names_.begin());
+    if (found == names_.end()) {
+      if (names_.size() == kMostNames) return 0;
+      found = names_.insert(names_.end(), locale);
+    }
+    const auto position = static_cast<LCID>(found - names_.begin()) + 1;
     return LOCALE_CUSTOM_UNSPECIFIED | (position << 16);
   }
 
@@ -109,11 +114,13 @@ class CustomLocales {
     if ((lcid & 0xFFFFu) != LOCALE_CUSTOM_UNSPECIFIED) return std::nullopt;
     const std::lock_guard<std::mutex> guard(mutex_);
     const std::size_t position = lcid >> 16;
-    if (position >= names_.size()) return std::nullopt;
-    return names_[position];
+    if (position == 0 || position > names_.size()) return std::nullopt;
+    return names_[position - 1];
   }
 
  private:
+  static constexpr std::size_t kMostNames = 0xFFFF;
+
   std::mutex mutex_;
   std::vector<std::string> names_;
 };

@@ -20,7 +20,7 @@ constexpr LSTATUS Status(DWORD error) { return static_cast<LSTATUS>(error); }
 
 constexpr LSTATUS kDone = Status(ERROR_SUCCESS);
 
-// Nullopt for a null handle or a name that cannot be one.
+// Nullopt for a null handle, a name that cannot be one, and too many of them.
 std::optional<Path> FullPath(HKEY key, LPCWSTR below) {
   if (key == nullptr) return std::nullopt;
   const auto names = SplitRegistryPath(below != nullptr ? below : u"");
@@ -28,6 +28,7 @@ std::optional<Path> FullPath(HKEY key, LPCWSTR below) {
   Path path;
   if (key != HKEY_CLASSES_ROOT) path = key->path;
   path.insert(path.end(), names->begin(), names->end());
+  if (path.size() > kDeepestRegistryPath) return std::nullopt;
   return path;
 }
 
