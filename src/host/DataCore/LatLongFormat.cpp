@@ -167,7 +167,6 @@ bool IsCompactPlain(const Pair& pair) noexcept {
   const int latitudeDigits = (latitudeFirst ? a : b).degreeDigits;
   const int longitudeDigits = (latitudeFirst ? b : a).degreeDigits;
   if (!HasLetter(a) || !HasLetter(b) || latitudeDigits > longitudeDigits) return false;
-  if (a.commaBefore && !pair.twoTexts && pair.separator != ',') return false;
   return !(IsWhole(a) || IsWhole(b)) || IsWholeCompactPlain(pair, latitudeDigits, longitudeDigits);
 }
 
