@@ -359,9 +359,10 @@ bool ReadPair(const char* position, CommaUse commaUse, Pair& pair) noexcept {
   return *position == '\0';
 }
 
-// Whether a comma between digits may also be read as a separator: "46,8" in a column of
-// "46.123,8.456".
-bool CommaCanSeparate(const Format& hint) noexcept {
+// Whether a comma between digits, which was read as a decimal symbol, may separate the halves: in a
+// column of "46.123,8.456" that has "46,8", and behind the seconds in "40-26-46,79-58-56W".
+bool CommaCanSeparate(const Coordinate& first, const Format& hint) noexcept {
+  if (first.groups == 3) return first.decimalComma;
   return hint.notation == Notation::kDecimalDegrees && hint.evidence == Evidence::kNumbers &&
          !hint.decimalComma && !hint.twoTexts;
 }
@@ -382,10 +383,9 @@ bool ReadSingle(std::u16string_view text, const Format& hint, Result& result) no
     return true;
   }
   pair = Pair{};
-  if (ReadPair(folded.Begin(), CommaUse::kDecimalOrSeparator, pair)) {
-    return Judge(pair, hint, result);
-  }
-  if (!CommaCanSeparate(hint)) return false;
+  if (ReadPair(folded.Begin(), CommaUse::kDecimalOrSeparator, pair) && Judge(pair, hint, result))
+    return true;
+  if (!CommaCanSeparate(pair.first, hint)) return false;
   pair = Pair{};
   return ReadPair(folded.Begin(), CommaUse::kSeparator, pair) && Judge(pair, hint, result);
 }

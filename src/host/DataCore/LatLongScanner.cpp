@@ -385,6 +385,7 @@ bool IsSecondsLetter(const char* position, const Coordinate& half) noexcept {
            ReadEnglishHemisphere(after) != Hemisphere::kNone;
   }
   if (half.letterSide == LetterSide::kBefore) {
+    if (*after == '.') ++after;
     SkipBlank(after);
     return !IsDigit(*after);  // before digits it is the other half's hemisphere
   }
@@ -533,12 +534,16 @@ Joint FindJoint(const char*& position, bool afterMark) noexcept {
 enum class GroupResult { kRead, kAbsent, kWrong };
 
 // Reads minutes or seconds at `position`. A number with a degree mark is absent: it starts the
-// other half.
+// other half, which in "26,79°" begins behind the comma.
 GroupResult ReadGroup(const char*& position, CommaUse commaUse, Number& number) noexcept {
   const char* p = position;
   if (!ReadNumber(p, commaUse, number)) return GroupResult::kAbsent;
   const char* after = p;
-  if (ReadDegreeMark(after) != Mark::kNone) return GroupResult::kAbsent;
+  if (ReadDegreeMark(after) != Mark::kNone) {
+    if (!number.comma) return GroupResult::kAbsent;
+    p = position;
+    ReadNumber(p, CommaUse::kSeparator, number);
+  }
   if (!IsMinutesOrSeconds(number)) return GroupResult::kWrong;
   position = p;
   return GroupResult::kRead;
@@ -649,10 +654,11 @@ bool TakeHemisphere(Hemisphere hemisphere, LetterSide side, Coordinate& half) no
 }
 
 bool ReadLeadingHemisphere(const char*& position, Coordinate& half) noexcept {
+  const bool onlyInFront = IsOfScript(*position, kHan);
   if (!TakeHemisphere(ReadHemisphere(position), LetterSide::kBefore, half)) return false;
   half.fullStop = *position == '.';
   if (half.fullStop) ++position;
-  half.letterTouches = *position != ' ';
+  half.letterTouches = onlyInFront || *position != ' ';
   SkipBlank(position);
   return true;
 }
@@ -676,8 +682,10 @@ bool ReadTrailingHemisphere(const char*& position, Coordinate& half) noexcept {
   const char* end = begin;
   const Hemisphere hemisphere = ReadHemisphere(end);
   if (hemisphere == Hemisphere::kNone) return true;
-  if (half.hasSign || !TakeHemisphere(hemisphere, LetterSide::kAfter, half)) return false;
   half.letterTouches = begin == position;
+  // "-40° W73°": what a sign forbids here may be the other half's.
+  if (half.hasSign) return !half.letterTouches;
+  if (!TakeHemisphere(hemisphere, LetterSide::kAfter, half)) return false;
   half.letterIsSmallS = *begin == 's' && end - begin == 1;
   half.fullStop = *end == '.';
   if (half.fullStop) ++end;
@@ -860,13 +868,12 @@ bool SplitCompact(const Number& number, Coordinate& coordinate) noexcept {
 }
 
 bool ReadCoordinate(const char*& position, CommaUse commaUse, Coordinate& coordinate) noexcept {
-  coordinate = Coordinate{};
   if (IsWordStart(*position)) {
     coordinate.axis = ReadLabel(position);
     coordinate.hasLabel = coordinate.axis != Axis::kUnknown;
     if (IsWordStart(*position) && !ReadLeadingHemisphere(position, coordinate)) return false;
   }
-  const bool behindStop = position[-1] == '.';
+  const bool behindStop = position[-1] == '.' && IsDigit(*position);
   if (*position == '-' || *position == '+') {
     if (coordinate.letterSide != LetterSide::kNone) return false;
     coordinate.hasSign = true;

@@ -93,7 +93,7 @@ struct Coordinate {
   Mark secondMark = Mark::kNone;  // the letter s also is the south
   bool decimalComma = false;
   bool looksGrouped = false;   // "1,234": a decimal comma, or thousands
-  bool letterTouches = false;  // no blank between the digits and the hemisphere letter
+  bool letterTouches = false;  // no blank between the digits and the hemisphere, or none is needed
   bool letterIsSmallS = false;
   bool fullStop = false;     // behind the hemisphere letter
   bool commaBefore = false;  // the hemisphere letter is a field of its own: "4042.767,N"
@@ -102,8 +102,9 @@ struct Coordinate {
   bool negative = false;  // by sign, or south or west
 };
 
-// Reads label, hemisphere and value at `position`, which moves past them. False when there is no
-// coordinate, or one that is out of its range; `position` and `coordinate` are then unspecified.
+// Reads label, hemisphere and value at `position`, which moves past them, into a new `coordinate`.
+// False when there is no coordinate, or one that is out of its range; `position` and `coordinate`
+// are then unspecified.
 bool ReadCoordinate(const char*& position, CommaUse commaUse, Coordinate& coordinate) noexcept;
 
 // Two coordinates, and how one text joins them.
