@@ -4,7 +4,9 @@
 //
 // Holds: nothing crashes; what is accepted reads under its own and under every other format code,
 // with the same values, finite and within the range of latitude and longitude; what is refused
-// leaves zeros; a blank in front changes nothing.
+// leaves zeros; a blank in front changes nothing, nor do invisible characters around a text; and
+// none of an invisible character inside it, brackets around it or two texts written as one puts a
+// place elsewhere.
 
 #include <cmath>
 #include <cstddef>
@@ -75,6 +77,48 @@ void CheckBlankInFront(const quenra::LatLongFormat& latLong, const std::u16strin
   Check(x == exactX && y == exactY);
 }
 
+struct Reading {
+  bool accepted = false;
+  double x = 0;
+  double y = 0;
+};
+
+Reading Read(const std::u16string& text) {
+  Reading reading;
+  reading.accepted = quenra::LatLongFormat().ParseLatLong(text, 0, reading.x, reading.y);
+  return reading;
+}
+
+bool IsSame(const Reading& a, const Reading& b) {
+  return a.accepted == b.accepted && a.x == b.x && a.y == b.y;
+}
+
+bool IsNowhereElse(const Reading& a, const Reading& b) {
+  return !a.accepted || !b.accepted || (a.x == b.x && a.y == b.y);
+}
+
+// `place` chooses where inside the text a character is put.
+void CheckNeighbours(const std::u16string& text, std::size_t place) {
+  constexpr std::size_t kMaxLength = 126;
+  if (text.size() > kMaxLength) return;
+  const Reading reading = Read(text);
+  Check(IsSame(Read(u"\u2066" + text + u"\u2069"), reading));
+  std::u16string parted = text;
+  parted.insert(place % (text.size() + 1), 1, u'\u200E');
+  Check(IsNowhereElse(Read(parted), reading));
+  Check(IsNowhereElse(Read(u"[" + text + u"]"), reading));
+  Check(IsNowhereElse(Read(u"(" + text + u")"), reading));
+}
+
+// Of two texts each value belongs to its text; of one the longitude comes first.
+void CheckJoined(const std::u16string& first, const std::u16string& second) {
+  double a = 0;
+  double b = 0;
+  const Reading joined = Read(first + u"; " + second);
+  if (!joined.accepted || !quenra::LatLongFormat().ParseLatLong(first, second, 0, a, b)) return;
+  Check((a == joined.y && b == joined.x) || (a == joined.x && b == joined.y));
+}
+
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
@@ -92,6 +136,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         return latLong.ParseLatLong(first, format, x, y);
       });
   CheckBlankInFront(latLong, first);
+  CheckNeighbours(first, static_cast<std::size_t>(otherFormat));
   if (divider == size) return 0;
   const std::u16string second = Widen(data + divider + 1, size - divider - 1);
   CheckText(
@@ -100,5 +145,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
       [&](std::int32_t format, double& a, double& b) {
         return latLong.ParseLatLong(first, second, format, a, b);
       });
+  CheckJoined(first, second);
   return 0;
 }

@@ -42,16 +42,29 @@ class PointSource {
   bool IsLatitudeFirst(const quenra::HostFieldValue* slots, double first, double second) {
     if (std::fabs(first) > kGreatestLatitude) return latitudeFirst_ = false;
     if (std::fabs(second) > kGreatestLatitude) return latitudeFirst_ = true;
-    std::u16string both(TextOf(slots[columns_.texts->first].value));
-    both += u"; ";
-    both += TextOf(slots[columns_.texts->second].value);
+    const std::u16string_view a = TextOf(slots[columns_.texts->first].value);
+    const std::u16string_view b = TextOf(slots[columns_.texts->second].value);
     double x = 0;
     double y = 0;
-    if (first != second && format_.ParseLatLong(both, 0, x, y)) {
-      if (x == second && y == first) latitudeFirst_ = true;
-      if (x == first && y == second) latitudeFirst_ = false;
+    if (Read(u"", a, u"; ", b, x, y)) {
+      if (first != second && x == second && y == first) latitudeFirst_ = true;
+      if (first != second && x == first && y == second) latitudeFirst_ = false;
+      return latitudeFirst_;
     }
+    // One text cannot say all that two can, but with labels it can, and only those that agree with
+    // the letters are read.
+    const bool mayBe = Read(u"Lat: ", a, u"; Lon: ", b, x, y);
+    const bool mayBeTurned = Read(u"Lon: ", a, u"; Lat: ", b, x, y);
+    if (mayBe != mayBeTurned) latitudeFirst_ = mayBe;
     return latitudeFirst_;
+  }
+
+  // Reads the two texts as one, with what is put in front of each.
+  bool Read(std::u16string_view beforeA, std::u16string_view a, std::u16string_view beforeB,
+            std::u16string_view b, double& x, double& y) const {
+    std::u16string both(beforeA);
+    both.append(a).append(beforeB).append(b);
+    return format_.ParseLatLong(both, 0, x, y);
   }
 
   static std::u16string_view TextOf(const VARIANT& value) {

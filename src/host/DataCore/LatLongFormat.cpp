@@ -12,31 +12,34 @@ using latlong::Coordinate;
 using latlong::FoldedText;
 using latlong::Joint;
 using latlong::LetterSide;
+using latlong::Mark;
 using latlong::Notation;
 using latlong::Pair;
 using latlong::StandardPair;
 
-// A bare pair of numbers is a position when one of them has this many decimals; `24.0, 26.0` is
-// not.
-constexpr int kPlainDecimals = 3;
+// A pair of numbers without letters is a position when one of them has this many decimals: prices,
+// shares and measures seldom have as many. A degree mark or a sign speaks for a position as well.
+constexpr int kBareDecimals = 4;
+constexpr int kMarkedDecimals = 3;
 
 // By what a pair says that it is one, and which half is the latitude.
 enum class Evidence : std::uint8_t { kNumbers, kMarks, kLetters, kLabels };
 
-// What a format code says. Bits 0-3 notation, 4 compact digits, 5-6 evidence, 8 longitude first,
-// 9 decimal comma, 10 two texts.
+// What a format code says. Bits 0-3 notation, 4 compact digits, 5-6 evidence, 7 numbers with a
+// comma in square brackets, 8 longitude first, 9 decimal comma, 10 two texts.
 struct Format {
   Notation notation = Notation::kNone;
   Evidence evidence = Evidence::kNumbers;
   bool compact = false;
+  bool commaInBrackets = false;
   bool longitudeFirst = false;
   bool decimalComma = false;
   bool twoTexts = false;
 
   std::int32_t Encode() const noexcept {
     return static_cast<std::int32_t>(notation) | (compact ? 1 << 4 : 0) |
-           static_cast<std::int32_t>(evidence) << 5 | (longitudeFirst ? 1 << 8 : 0) |
-           (decimalComma ? 1 << 9 : 0) | (twoTexts ? 1 << 10 : 0);
+           static_cast<std::int32_t>(evidence) << 5 | (commaInBrackets ? 1 << 7 : 0) |
+           (longitudeFirst ? 1 << 8 : 0) | (decimalComma ? 1 << 9 : 0) | (twoTexts ? 1 << 10 : 0);
   }
 
   // A code that Encode never gives decodes to a format that widens nothing or as little as its bits
@@ -44,10 +47,11 @@ struct Format {
   static Format Decode(std::int32_t code) noexcept {
     Format format;
     const std::int32_t notation = code & 15;
-    if (code < 0 || notation > static_cast<std::int32_t>(Notation::kWktPoint)) return format;
+    if (code < 0 || notation > static_cast<std::int32_t>(Notation::kNmea)) return format;
     format.notation = static_cast<Notation>(notation);
     format.compact = (code & 1 << 4) != 0;
     format.evidence = static_cast<Evidence>(code >> 5 & 3);
+    format.commaInBrackets = (code & 1 << 7) != 0;
     format.longitudeFirst = (code & 1 << 8) != 0;
     format.decimalComma = (code & 1 << 9) != 0;
     format.twoTexts = (code & 1 << 10) != 0;
@@ -65,65 +69,135 @@ bool HasLetter(const Coordinate& half) noexcept { return half.letterSide != Lett
 
 bool IsWhole(const Coordinate& half) noexcept { return half.decimals == 0; }
 
+bool HasSign(const Pair& pair) noexcept { return pair.first.hasSign || pair.second.hasSign; }
+
 // One notation in both halves, down to the symbols between the parts.
 bool IsOneNotation(const Coordinate& a, const Coordinate& b) noexcept {
-  if (a.groups != b.groups || a.joint != b.joint || a.letterS != b.letterS) return false;
+  if (a.groups != b.groups || a.joint != b.joint || a.commaBefore != b.commaBefore) return false;
+  if ((a.secondMark == Mark::kLetter) != (b.secondMark == Mark::kLetter)) return false;
   return IsWhole(a) || IsWhole(b) || a.decimalComma == b.decimalComma;
+}
+
+// Whether the half's degree mark says that these are degrees. The letter d may also be days, or
+// stand in a part number: it says so only beside another mark or a hemisphere. With m, min or s
+// alone it is a duration; "deg" is no duration, but alone it says no more than the number.
+bool TellsDegrees(const Coordinate& half) noexcept {
+  switch (half.degreeMark) {
+    case Mark::kSign:
+      return true;
+    case Mark::kWord:
+    case Mark::kLetter:
+      break;
+    default:
+      return false;
+  }
+  if (HasLetter(half) || half.minuteMark == Mark::kSign || half.secondMark == Mark::kSign)
+    return true;
+  return half.degreeMark == Mark::kWord &&
+         (half.minuteMark == Mark::kWord || half.secondMark == Mark::kWord);
 }
 
 Evidence EvidenceOf(const Coordinate& a, const Coordinate& b) noexcept {
   if (a.hasLabel || b.hasLabel) return Evidence::kLabels;
   if (HasLetter(a) || HasLetter(b)) return Evidence::kLetters;
-  return a.degreeMark || b.degreeMark ? Evidence::kMarks : Evidence::kNumbers;
+  return TellsDegrees(a) || TellsDegrees(b) ? Evidence::kMarks : Evidence::kNumbers;
 }
 
-// Gives each half its axis: by letter or label, else by the other half's, else latitude first;
-// longitude first only where the column's order says so and nothing else fits. Fails when both are
-// the same or a latitude exceeds 90 degrees.
-bool SettleAxes(Coordinate& a, Coordinate& b, const Format& hint) noexcept {
+// Whether the halves' order is open: nothing tells latitude and longitude, and of numbers with a
+// comma in square brackets data formats write the longitude first and map libraries the latitude.
+bool IsOrderOpen(const Pair& pair, Evidence evidence) noexcept {
+  return evidence == Evidence::kNumbers && pair.squareBrackets && pair.separator == ',';
+}
+
+// Whether the first half is the longitude, although no letter or label says so. Fails when that is
+// open: then only a number that no latitude reaches tells it, or the column's order.
+bool FindOrder(const Pair& pair, Evidence evidence, const Format& hint,
+               bool& longitudeFirst) noexcept {
+  const bool firstOver = pair.first.degrees > 90;
+  longitudeFirst = hint.longitudeFirst && hint.twoTexts && firstOver;
+  if (!IsOrderOpen(pair, evidence)) return true;
+  const bool secondOver = pair.second.degrees > 90;
+  longitudeFirst = firstOver == secondOver ? hint.longitudeFirst : firstOver;
+  return firstOver != secondOver || hint.commaInBrackets;
+}
+
+// Gives each half its axis: by letter or label, else by the other half's, else latitude first.
+// Fails when both are the same, a latitude exceeds 90 degrees or the order is open.
+bool SettleAxes(Coordinate& a, Coordinate& b, bool longitudeFirst) noexcept {
   const auto other = [](Axis axis) {
     return axis == Axis::kLatitude ? Axis::kLongitude : Axis::kLatitude;
   };
-  if (a.axis == Axis::kUnknown && b.axis == Axis::kUnknown) {
-    const bool longitudeFirst = hint.longitudeFirst && hint.twoTexts && a.degrees > 90;
+  if (a.axis == Axis::kUnknown && b.axis == Axis::kUnknown)
     a.axis = longitudeFirst ? Axis::kLongitude : Axis::kLatitude;
-  }
   if (a.axis == Axis::kUnknown) a.axis = other(b.axis);
   if (b.axis == Axis::kUnknown) b.axis = other(a.axis);
   if (a.axis == b.axis) return false;
   return (a.axis == Axis::kLatitude ? a : b).degrees <= 90;
 }
 
-// "46N078W": whole degrees are plain without a mark only as two and three digits in one word.
+// "46N078W": whole degrees are plain without a mark only as two and three digits in one word, with
+// the letters behind them. "S01E001" is an episode of a series.
 bool IsFlightPlan(const Pair& pair) noexcept {
   const auto fits = [](const Coordinate& half) {
-    return IsWhole(half) && half.letterTouches && !half.degreeMark &&
+    return IsWhole(half) && half.letterSide == LetterSide::kAfter && half.letterTouches &&
+           !half.fullStop && half.degreeMark == Mark::kNone &&
            half.degreeDigits == (half.axis == Axis::kLatitude ? 2 : 3);
   };
   return !pair.twoTexts && pair.separator == '\0' && !pair.blank && fits(pair.first) &&
          fits(pair.second);
 }
 
-// Whether compact digits are plain: whole numbers beside a letter are house numbers as well, so
-// they touch it ("0045N", not "1200 N"); and a latitude is not written wider than the longitude, as
-// in grids.
-bool IsCompactPlain(const Pair& pair) noexcept {
-  const auto touches = [](const Coordinate& half) { return !IsWhole(half) || half.letterTouches; };
-  const bool latitudeFirst = pair.first.axis == Axis::kLatitude;
-  const int latitudeDigits = (latitudeFirst ? pair.first : pair.second).degreeDigits;
-  const int longitudeDigits = (latitudeFirst ? pair.second : pair.first).degreeDigits;
-  return HasLetter(pair.first) && HasLetter(pair.second) && touches(pair.first) &&
-         touches(pair.second) && latitudeDigits <= longitudeDigits;
+// Whether whole compact digits are plain. Those of degrees and minutes are house numbers as well:
+// they touch their letters and the longitude has a digit more ("0045N 01010E"). Those with seconds
+// touch them or have a digit more.
+bool IsWholeCompactPlain(const Pair& pair, int latitudeDigits, int longitudeDigits) noexcept {
+  const Coordinate& a = pair.first;
+  const Coordinate& b = pair.second;
+  const bool touch = a.letterTouches && b.letterTouches;
+  if (a.groups == 2) return touch && !a.fullStop && !b.fullStop && longitudeDigits == 3;
+  return touch || longitudeDigits == latitudeDigits + 1;
 }
 
-// Whether a hemisphere letter on one half only belongs to that half without doubt: it stands at an
-// end of the text, or a separator keeps it from the other half.
+// Whether compact digits are plain: each half has its letter, and a latitude is not written wider
+// than the longitude, as in grids.
+bool IsCompactPlain(const Pair& pair) noexcept {
+  const Coordinate& a = pair.first;
+  const Coordinate& b = pair.second;
+  const bool latitudeFirst = a.axis == Axis::kLatitude;
+  const int latitudeDigits = (latitudeFirst ? a : b).degreeDigits;
+  const int longitudeDigits = (latitudeFirst ? b : a).degreeDigits;
+  if (!HasLetter(a) || !HasLetter(b) || latitudeDigits > longitudeDigits) return false;
+  return !(IsWhole(a) || IsWhole(b)) || IsWholeCompactPlain(pair, latitudeDigits, longitudeDigits);
+}
+
+// Whether the only hemisphere letter belongs to its half without doubt: a separator keeps it from
+// the other half, or it touches its own, or stands at an end of the text.
 bool IsLoneLetterClear(const Pair& pair) noexcept {
-  if (pair.twoTexts) return true;
-  if (pair.first.letterS || !pair.first.degreeMark || !pair.second.degreeMark) return false;
   if (pair.separator != '\0') return true;
-  return pair.blank && (pair.first.letterSide == LetterSide::kBefore ||
-                        pair.second.letterSide == LetterSide::kAfter);
+  if (!pair.blank) return false;
+  const bool first = HasLetter(pair.first);
+  const Coordinate& half = first ? pair.first : pair.second;
+  return half.letterTouches ||
+         half.letterSide == (first ? LetterSide::kBefore : LetterSide::kAfter);
+}
+
+// Whether a hemisphere letter on one half alone is plain: both halves have degree marks, or three
+// groups with the same separators.
+bool IsLoneLetterPlain(const Pair& pair) noexcept {
+  const Coordinate& a = pair.first;
+  const Coordinate& b = pair.second;
+  if (pair.twoTexts) return true;
+  const bool smallS = a.letterIsSmallS || b.letterIsSmallS;  // or the mark of the seconds
+  if (smallS && a.groups == 3) return false;
+  if (a.secondMark == Mark::kLetter || !IsLoneLetterClear(pair)) return false;
+  if (TellsDegrees(a) && TellsDegrees(b)) return true;
+  return a.groups == 3 && a.joint != Joint::kMark && a.joint != Joint::kCompact &&
+         a.minuteMark == b.minuteMark;
+}
+
+// Whether a decimal comma may as well group thousands in both halves.
+bool LooksGrouped(const Pair& pair) noexcept {
+  return pair.first.looksGrouped && pair.second.looksGrouped && !HasSign(pair);
 }
 
 // Whether degrees with hemisphere letters are plain; `known` when the column is known to hold such
@@ -132,16 +206,22 @@ bool AreLettersPlain(const Pair& pair, bool known) noexcept {
   const Coordinate& a = pair.first;
   const Coordinate& b = pair.second;
   if (HasLetter(a) != HasLetter(b)) {
-    if (!IsLoneLetterClear(pair)) return false;
+    if (!IsLoneLetterPlain(pair)) return false;
   } else if (!pair.twoTexts && a.letterSide != b.letterSide) {
     return false;
   }
+  // "N45.5E 120": the letters are a bearing, as the second one touches the first half only.
+  const bool joined = !pair.twoTexts && pair.separator == '\0' && !pair.blank;
+  if (joined && b.letterSide == LetterSide::kBefore && !b.letterTouches) return false;
   if (a.joint == Joint::kCompact) return IsCompactPlain(pair);
   if (a.groups > 1) return true;
+  if (known && HasLetter(a) && HasLetter(b)) return true;
+  const bool marked = TellsDegrees(a) && TellsDegrees(b);
+  if (LooksGrouped(pair) && !marked) return false;
   const auto plain = [](const Coordinate& half) {
-    return !IsWhole(half) || (half.degreeMark && HasLetter(half));
+    return !IsWhole(half) || (TellsDegrees(half) && HasLetter(half));
   };
-  return (plain(a) && plain(b)) || IsFlightPlan(pair) || (known && HasLetter(a) && HasLetter(b));
+  return (plain(a) && plain(b)) || IsFlightPlan(pair);
 }
 
 // Labels stand on both halves of one text; of two texts one can do without when it is plain itself.
@@ -154,47 +234,67 @@ bool AreLabelsPlain(const Pair& pair) noexcept {
   return pair.twoTexts && plain(pair.first) && plain(pair.second);
 }
 
-// Whether the comma is a decimal symbol without doubt, in a pair without letters: it is not what
-// separates the halves, and where only a blank does so, the numbers do not read as grouped
-// thousands.
+// Whether decimals in a pair without letters are neither grouped thousands nor cut by a comma that
+// also separates the halves.
 bool IsDecimalCommaClear(const Pair& pair) noexcept {
   const Coordinate& a = pair.first;
   const Coordinate& b = pair.second;
   if (!a.decimalComma && !b.decimalComma) return true;
-  if (pair.twoTexts || (a.degreeMark && b.degreeMark)) return true;
-  if (pair.separator != '\0') return pair.separator != ',';
-  return a.hasSign || b.hasSign || a.decimals > 3 || b.decimals > 3;
+  const bool marked = a.degreeMark != Mark::kNone && b.degreeMark != Mark::kNone;
+  return pair.separator != ',' || marked || pair.twoTexts;
 }
 
-// Whether numbers without letters and labels are plain; `known` when the column is known to hold
-// such pairs.
+// Whether both numbers are decimals, one of them with so many places or more.
+bool HaveDecimals(const Pair& pair, int decimals) noexcept {
+  const Coordinate& a = pair.first;
+  const Coordinate& b = pair.second;
+  return !IsWhole(a) && !IsWhole(b) && (a.decimals >= decimals || b.decimals >= decimals);
+}
+
+// Whether degrees with degree marks and without letters are plain; `known` as above.
+bool AreMarksPlain(const Pair& pair, bool known) noexcept {
+  const Coordinate& a = pair.first;
+  const Coordinate& b = pair.second;
+  const bool both = TellsDegrees(a) && TellsDegrees(b);
+  if (!IsDecimalCommaClear(pair)) return false;
+  if (a.groups > 1) return both;
+  if (known) return true;
+  return (both || pair.twoTexts) && !LooksGrouped(pair) && HaveDecimals(pair, kMarkedDecimals);
+}
+
+// Whether numbers that nothing marks are plain; `known` as above. Prices and shares stand on both
+// sides of a solidus as well.
 bool AreNumbersPlain(const Pair& pair, bool known) noexcept {
   const Coordinate& a = pair.first;
   const Coordinate& b = pair.second;
-  if (a.joint == Joint::kCompact || !IsDecimalCommaClear(pair)) return false;
-  if (a.groups > 1) return a.degreeMark && b.degreeMark;
+  const bool mayBeDays = a.degreeMark == Mark::kLetter || b.degreeMark == Mark::kLetter;
+  if (a.groups > 1 || mayBeDays || !IsDecimalCommaClear(pair)) return false;
   if (known) return true;
-  if (pair.twoTexts ? !(a.degreeMark || b.degreeMark) : a.degreeMark != b.degreeMark) return false;
-  return !IsWhole(a) && !IsWhole(b) &&
-         (a.decimals >= kPlainDecimals || b.decimals >= kPlainDecimals);
+  if (pair.twoTexts || a.degreeMark != b.degreeMark || LooksGrouped(pair)) return false;
+  if (pair.separator == '/' && !HasSign(pair)) return false;
+  return HaveDecimals(pair, HasSign(pair) ? kMarkedDecimals : kBareDecimals);
 }
 
 // Whether `hint` is of a column of decimal degrees that are told to be so as this pair's are.
 bool IsKnown(const Pair& pair, Evidence evidence, const Format& hint) noexcept {
   if (hint.notation != Notation::kDecimalDegrees || hint.twoTexts != pair.twoTexts) return false;
+  if (hint.commaInBrackets != IsOrderOpen(pair, evidence)) return false;
   const bool lettered = evidence == Evidence::kLetters;
   const bool hintLettered = hint.evidence == Evidence::kLetters;
   return lettered == hintLettered && hint.evidence != Evidence::kLabels;
 }
 
 bool IsPlain(const Pair& pair, Evidence evidence, const Format& hint) noexcept {
+  const bool known = IsKnown(pair, evidence, hint);
   switch (evidence) {
     case Evidence::kLabels:
       return AreLabelsPlain(pair);
     case Evidence::kLetters:
-      return AreLettersPlain(pair, IsKnown(pair, evidence, hint));
+      return AreLettersPlain(pair, known);
+    case Evidence::kMarks:
+      return AreMarksPlain(pair, known);
     default:
-      return AreNumbersPlain(pair, IsKnown(pair, evidence, hint));
+      return AreNumbersPlain(pair, known);
   }
 }
 
@@ -202,14 +302,19 @@ bool IsPlain(const Pair& pair, Evidence evidence, const Format& hint) noexcept {
 bool Judge(Pair& pair, const Format& hint, Result& result) noexcept {
   Coordinate& a = pair.first;
   Coordinate& b = pair.second;
-  if (!IsOneNotation(a, b) || !SettleAxes(a, b, hint)) return false;
+  if (!IsOneNotation(a, b)) return false;
   const Evidence evidence = EvidenceOf(a, b);
-  if (!IsPlain(pair, evidence, hint)) return false;
+  bool longitudeFirst = false;
+  if (!FindOrder(pair, evidence, hint, longitudeFirst) || !SettleAxes(a, b, longitudeFirst) ||
+      !IsPlain(pair, evidence, hint)) {
+    return false;
+  }
   constexpr Notation kByGroups[] = {Notation::kDecimalDegrees, Notation::kDegreesMinutes,
                                     Notation::kDegreesMinutesSeconds};
-  result.format.notation = kByGroups[a.groups - 1];
+  result.format.notation = a.commaBefore ? Notation::kNmea : kByGroups[a.groups - 1];
   result.format.compact = a.joint == Joint::kCompact;
   result.format.evidence = evidence;
+  result.format.commaInBrackets = IsOrderOpen(pair, evidence);
   result.format.longitudeFirst = a.axis == Axis::kLongitude;
   result.format.decimalComma = a.decimalComma || b.decimalComma;
   result.format.twoTexts = pair.twoTexts;
@@ -222,7 +327,12 @@ bool Judge(Pair& pair, const Format& hint, Result& result) noexcept {
 bool ReadSeparator(const char*& position, Pair& pair) noexcept {
   const char* begin = position;
   latlong::SkipBlank(position);
-  if (*position == ',' || *position == ';' || *position == '/') pair.separator = *position++;
+  if (*position == ',' || *position == ';' || *position == '/') {
+    pair.separator = *position++;
+  } else if (*position == latlong::kWideComma) {
+    pair.separator = ',';
+    ++position;
+  }
   latlong::SkipBlank(position);
   pair.blank = pair.separator == '\0' && position != begin;
   return position != begin || HasLetter(pair.first);
@@ -230,7 +340,8 @@ bool ReadSeparator(const char*& position, Pair& pair) noexcept {
 
 // Reads "[a b]", "(a b)" or "a b" up to the end of the text.
 bool ReadPair(const char* position, CommaUse commaUse, Pair& pair) noexcept {
-  const char close = *position == '[' ? ']' : *position == '(' ? ')' : '\0';
+  pair.squareBrackets = *position == '[';
+  const char close = pair.squareBrackets ? ']' : *position == '(' ? ')' : '\0';
   if (close != '\0') {
     ++position;
     latlong::SkipBlank(position);
@@ -248,9 +359,10 @@ bool ReadPair(const char* position, CommaUse commaUse, Pair& pair) noexcept {
   return *position == '\0';
 }
 
-// Whether a comma between digits may also be read as a separator: "46,8" in a column of
-// "46.123,8.456".
-bool CommaCanSeparate(const Format& hint) noexcept {
+// Whether a comma between digits, which was read as a decimal symbol, may separate the halves: in a
+// column of "46.123,8.456" that has "46,8", and behind the seconds in "40-26-46,79-58-56W".
+bool CommaCanSeparate(const Coordinate& first, const Format& hint) noexcept {
+  if (first.groups == 3) return first.decimalComma;
   return hint.notation == Notation::kDecimalDegrees && hint.evidence == Evidence::kNumbers &&
          !hint.decimalComma && !hint.twoTexts;
 }
@@ -271,10 +383,9 @@ bool ReadSingle(std::u16string_view text, const Format& hint, Result& result) no
     return true;
   }
   pair = Pair{};
-  if (ReadPair(folded.Begin(), CommaUse::kDecimalOrSeparator, pair)) {
-    return Judge(pair, hint, result);
-  }
-  if (!CommaCanSeparate(hint)) return false;
+  if (ReadPair(folded.Begin(), CommaUse::kDecimalOrSeparator, pair) && Judge(pair, hint, result))
+    return true;
+  if (!CommaCanSeparate(pair.first, hint)) return false;
   pair = Pair{};
   return ReadPair(folded.Begin(), CommaUse::kSeparator, pair) && Judge(pair, hint, result);
 }

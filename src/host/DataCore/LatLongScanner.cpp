@@ -11,6 +11,26 @@ namespace {
 
 constexpr char kRefused = '\0';
 
+// The folded form of a character that only steers the direction of writing.
+constexpr char kInvisible = '\x01';
+
+// The folded forms of what hemispheres are written with in other scripts: four characters for
+// north, south, east and west, then one for latitude and one for longitude.
+constexpr char kRussian = '\x04';
+constexpr char kHan = '\x0A';
+constexpr char kHemispheres = 4;
+constexpr char kCharactersOfScript = 6;
+
+inline bool IsOfScript(char c, char script) noexcept {
+  return c >= script && c < script + kCharactersOfScript;
+}
+inline bool NamesHemisphere(char c, char script) noexcept {
+  return c >= script && c < script + kHemispheres;
+}
+inline bool IsWordStart(char c) noexcept {
+  return IsLetter(c) || IsOfScript(c, kRussian) || IsOfScript(c, kHan);
+}
+
 // The folded form of each ASCII character. Control characters and punctuation that no notation has
 // are refused.
 constexpr std::array<char, 128> MakeAsciiFolding() {
@@ -19,9 +39,51 @@ constexpr std::array<char, 128> MakeAsciiFolding() {
       " +-.,:;/=?_()[]'\"0123456789ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz";
   for (const char c : kKept) table[static_cast<unsigned char>(c)] = c;
   table['\t'] = ' ';
+  table['`'] = '\'';  // a minute mark of keyboards that have no other
   return table;
 }
 constexpr std::array<char, 128> kAsciiFolding = MakeAsciiFolding();
+
+char FoldForeignLetter(char16_t c) noexcept {
+  switch (c) {
+    case 0x0421:  // Es, of north
+    case 0x0441:
+      return kRussian;
+    case 0x042E:  // Yu, of south
+    case 0x044E:
+      return kRussian + 1;
+    case 0x0412:  // Ve, of east
+    case 0x0432:
+      return kRussian + 2;
+    case 0x0417:  // Ze, of west
+    case 0x0437:
+      return kRussian + 3;
+    case 0x0428:  // Sha, of latitude
+    case 0x0448:
+      return kRussian + 4;
+    case 0x0414:  // De, of longitude
+    case 0x0434:
+      return kRussian + 5;
+    case 0x5317:  // north
+      return kHan;
+    case 0x5357:  // south
+      return kHan + 1;
+    case 0x6771:  // east
+    case 0x4E1C:  // simplified
+      return kHan + 2;
+    case 0x897F:  // west
+      return kHan + 3;
+    case 0x7DEF:  // latitude
+    case 0x7EAC:  // simplified
+      return kHan + 4;
+    case 0x7D4C:  // longitude
+    case 0x7D93:  // traditional
+    case 0x7ECF:  // simplified
+      return kHan + 5;
+    default:
+      return kRefused;
+  }
+}
 
 char FoldBeyondAscii(char16_t c) noexcept {
   switch (c) {
@@ -30,16 +92,21 @@ char FoldBeyondAscii(char16_t c) noexcept {
     case 0x02DA:  // ring above
     case 0x2070:  // superscript zero
     case 0x2218:  // ring operator
+    case 0x5EA6:  // Han, of degrees
       return kDegreeMark;
     case 0x00B4:  // acute accent
+    case 0x02B9:  // modifier letter prime
     case 0x2018:  // left single quotation mark
     case 0x2019:  // right single quotation mark
     case 0x2032:  // prime
+    case 0x5206:  // Han, of minutes
       return '\'';
+    case 0x02BA:  // modifier letter double prime
     case 0x02DD:  // double acute accent
     case 0x201C:  // left double quotation mark
     case 0x201D:  // right double quotation mark
     case 0x2033:  // double prime
+    case 0x79D2:  // Han, of seconds
       return '"';
     case 0x2010:  // hyphen
     case 0x2013:  // en dash
@@ -50,8 +117,18 @@ char FoldBeyondAscii(char16_t c) noexcept {
     case 0x205F:  // medium mathematical space
     case 0x3000:  // ideographic space
       return ' ';
+    case 0x3001:  // ideographic comma
+    case 0xFF0C:  // full-width comma
+      return kWideComma;
+    case 0x200E:  // left-to-right mark
+    case 0x200F:  // right-to-left mark
+    case 0xFEFF:  // byte-order mark
+      return kInvisible;
     default:
-      return c >= 0x2000 && c <= 0x200A ? ' ' : kRefused;  // spaces of other widths
+      if (c >= 0x2000 && c <= 0x200A) return ' ';  // spaces of other widths
+      // Embeddings, overrides and isolates.
+      if ((c >= 0x202A && c <= 0x202E) || (c >= 0x2066 && c <= 0x2069)) return kInvisible;
+      return FoldForeignLetter(c);
   }
 }
 
@@ -60,12 +137,12 @@ inline char FoldCharacter(char16_t c) noexcept {
 }
 
 // Folds the next character behind those that stand in front of `out`. False for one that no
-// notation has.
+// notation has, and for an invisible one.
 inline bool FoldOne(char16_t c, char*& out) noexcept {
   const char folded = FoldCharacter(c);
   // Most characters are neither refused nor a blank nor a minute mark, all of which are small.
   if (folded <= '\'') {
-    if (folded == kRefused) return false;
+    if (folded <= kInvisible) return false;  // or refused
     if (folded == ' ' && out[-1] == ' ') return true;
     if (folded == '\'' && out[-1] == '\'') {
       out[-1] = '"';
@@ -74,6 +151,31 @@ inline bool FoldOne(char16_t c, char*& out) noexcept {
   }
   *out++ = folded;
   return true;
+}
+
+// What invisible characters between two others amount to.
+enum class Gap { kNone, kBlank, kWrong };
+
+// They fall away, but part what would become one number or word. `before` are the two folded
+// characters in front of them. Nothing is read of a number that they cut.
+Gap FindGap(const char* before, char next) noexcept {
+  const char last = before[1];
+  if (IsDigit(last) && (IsDigit(next) || next == '.')) return Gap::kWrong;
+  if (last == '.' && IsDigit(next)) return IsWordStart(before[0]) ? Gap::kBlank : Gap::kWrong;
+  const bool comma = (IsDigit(last) && next == ',') || (last == ',' && IsDigit(next));
+  return comma || (IsLetter(last) && IsLetter(next)) ? Gap::kBlank : Gap::kNone;
+}
+
+// Folds the invisible characters at `text[i]`, of which `i` moves to the last. False when there are
+// none, or when they cut a number.
+bool FoldInvisible(std::u16string_view text, std::size_t& i, char*& out) noexcept {
+  if (FoldCharacter(text[i]) != kInvisible) return false;
+  char next = kInvisible;
+  while (i + 1 < text.size() && (next = FoldCharacter(text[i + 1])) == kInvisible) ++i;
+  if (out[-1] == ' ') return true;  // also at the start, where no character is before it
+  const Gap gap = FindGap(out - 2, next);
+  if (gap == Gap::kBlank) *out++ = ' ';
+  return gap != Gap::kWrong;
 }
 
 // Folds the next kFoldStep characters, if all of them simply stand for themselves. There is room
@@ -120,8 +222,8 @@ inline char ToUpper(char c) noexcept {
   return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
 }
 
-// Whether a pair can start with this folded character: a number, a bracket, a hemisphere or one of
-// "lat", "lon", "geo:", "POINT", "SRID".
+// Whether a pair can start with this folded character: a number, a bracket, a hemisphere of any
+// script or one of "lat", "lon", "geo:", "POINT", "SRID".
 bool StartsCoordinate(char c) noexcept {
   switch (ToUpper(c)) {
     case '+':
@@ -138,7 +240,7 @@ bool StartsCoordinate(char c) noexcept {
     case 'P':
       return true;
     default:
-      return IsDigit(c);
+      return IsDigit(c) || NamesHemisphere(c, kRussian) || NamesHemisphere(c, kHan);
   }
 }
 
@@ -169,105 +271,188 @@ std::uint64_t PowerOfTen(int exponent) noexcept {
   return kPowersOfTen[static_cast<std::size_t>(exponent)];
 }
 
-const char* EndOfLetters(const char* position) noexcept {
-  while (IsLetter(*position)) ++position;
-  return position;
-}
+enum class Hemisphere : std::uint8_t { kNorth, kSouth, kEast, kWest, kNone };
 
-// 'N', 'S', 'E' or 'W' for a letter or word that names a hemisphere, else '\0'. There is no 'O': it
-// is east in some languages and west in others.
-char HemisphereOf(const char* begin, const char* end) noexcept {
-  const char first = ToUpper(*begin);
-  std::string_view word;
-  switch (first) {
+// There is no 'O': it is east in some languages and west in others.
+Hemisphere HemisphereOfLetter(char letter) noexcept {
+  switch (ToUpper(letter)) {
     case 'N':
-      word = "north";
-      break;
+      return Hemisphere::kNorth;
     case 'S':
-      word = "south";
-      break;
+      return Hemisphere::kSouth;
     case 'E':
-      word = "east";
-      break;
+      return Hemisphere::kEast;
     case 'W':
-      word = "west";
-      break;
+      return Hemisphere::kWest;
     default:
-      return '\0';
+      return Hemisphere::kNone;
   }
-  if (end - begin == 1) return first;
-  const char* position = begin;
-  return ReadWord(position, word) && position == end ? first : '\0';
 }
 
-// Reads a mark written in letters, which may be followed by blanks, digits or a hemisphere: "deg
-// N", "degN", but not "degree".
-bool ReadWordMark(const char*& position, std::string_view word) noexcept {
-  const char* after = position;
-  if (!ReadWord(after, word)) return false;
-  const char* end = EndOfLetters(after);
-  if (after != end && HemisphereOf(after, end) == '\0') return false;
-  position = after;
-  return true;
+// Reads a letter or an English word that names a hemisphere; a longer word is none.
+Hemisphere ReadEnglishHemisphere(const char*& position) noexcept {
+  constexpr std::string_view kWords[] = {"north", "south", "east", "west"};
+  const Hemisphere hemisphere = HemisphereOfLetter(*position);
+  if (hemisphere == Hemisphere::kNone) return hemisphere;
+  const char* end = position + 1;
+  if (IsLetter(*end)) {
+    end = position;
+    if (!ReadWord(end, kWords[static_cast<std::size_t>(hemisphere)]) || IsLetter(*end))
+      return Hemisphere::kNone;
+  }
+  position = end;
+  return hemisphere;
 }
 
-bool ReadDegreeMark(const char*& position) noexcept {
+// Reads the two characters of a hemisphere in another script. Those of the Russian abbreviations
+// may have a full stop and a blank between them.
+Hemisphere ReadForeignHemisphere(const char*& position, char script) noexcept {
+  const char* p = position;
+  const char index = static_cast<char>(*p++ - script);
+  if (index >= kHemispheres) return Hemisphere::kNone;
+  if (script == kRussian) {
+    if (*p == '.') ++p;
+    SkipBlank(p);
+  }
+  const char axis = static_cast<char>(script + kHemispheres + index / 2);
+  if (*p++ != axis || IsLetter(*p) || IsOfScript(*p, script)) return Hemisphere::kNone;
+  position = p;
+  return static_cast<Hemisphere>(index);
+}
+
+// Reads the name of a hemisphere, without the full stop behind it. `position` stays when there is
+// none.
+Hemisphere ReadHemisphere(const char*& position) noexcept {
+  if (IsLetter(*position)) return ReadEnglishHemisphere(position);
+  if (!IsWordStart(*position)) return Hemisphere::kNone;
+  return ReadForeignHemisphere(position, IsOfScript(*position, kRussian) ? kRussian : kHan);
+}
+
+// Whether a mark in letters may end here: in front of anything but a letter, or of a hemisphere:
+// "deg N", "degN", but not "degree".
+inline bool EndsWordMark(const char* position) noexcept {
+  return !IsLetter(*position) || ReadEnglishHemisphere(position) != Hemisphere::kNone;
+}
+
+// Reads a mark in letters: a word of three, or the first of them.
+Mark ReadWordMark(const char*& position, std::string_view word) noexcept {
+  const char* p = position;
+  Mark mark = Mark::kWord;
+  if (!ReadWord(p, word) || !EndsWordMark(p)) {
+    p = position + 1;
+    mark = Mark::kLetter;
+    if (!EndsWordMark(p)) return Mark::kNone;
+  }
+  position = p;
+  return mark;
+}
+
+// Reads a mark that is a sign, a word or its first letter, behind a blank or none.
+inline Mark ReadMark(const char*& position, char sign, std::string_view word) noexcept {
   const char* p = position;
   SkipBlank(p);
-  if (*p == kDegreeMark) {
-    position = p + 1;
-    return true;
+  Mark mark = Mark::kSign;
+  if (*p == sign) {
+    ++p;
+  } else {
+    if ((*p | 0x20) != word.front()) return Mark::kNone;
+    mark = ReadWordMark(p, word);
+    if (mark == Mark::kNone) return mark;
   }
-  if (!IsLetter(*p) || !(ReadWordMark(p, "deg") || ReadWordMark(p, "d"))) return false;
   position = p;
-  return true;
+  return mark;
 }
 
-// `inLetters` tells whether it was "m" or "min".
-bool ReadMinuteMark(const char*& position, bool& inLetters) noexcept {
-  const char* p = position;
-  SkipBlank(p);
-  if (*p == '\'') {
-    position = p + 1;
-    return true;
-  }
-  if (!IsLetter(*p) || !(ReadWordMark(p, "min") || ReadWordMark(p, "m"))) return false;
-  inLetters = true;
-  position = p;
-  return true;
+inline Mark ReadDegreeMark(const char*& position) noexcept {
+  return ReadMark(position, kDegreeMark, "deg");
+}
+
+inline Mark ReadMinuteMark(const char*& position) noexcept {
+  return ReadMark(position, '\'', "min");
 }
 
 bool HemisphereFollows(const char* position) noexcept {
   SkipBlank(position);
-  return IsLetter(*position) && HemisphereOf(position, EndOfLetters(position)) != '\0';
+  return ReadHemisphere(position) != Hemisphere::kNone;
 }
 
 // Whether the S at `position` marks the seconds and is not the southern hemisphere.
-bool IsSecondsLetter(const char* position, const Coordinate& half, bool minutesInLetters) noexcept {
+bool IsSecondsLetter(const char* position, const Coordinate& half) noexcept {
   const char* after = position + 1;
-  const char* end = EndOfLetters(after);
-  if (after != end) return HemisphereOf(position, end) == '\0' && HemisphereOf(after, end) != '\0';
+  if (IsLetter(*after)) {
+    const char* word = position;
+    return ReadEnglishHemisphere(word) == Hemisphere::kNone &&
+           ReadEnglishHemisphere(after) != Hemisphere::kNone;
+  }
   if (half.letterSide == LetterSide::kBefore) {
+    if (*after == '.') ++after;
     SkipBlank(after);
     return !IsDigit(*after);  // before digits it is the other half's hemisphere
   }
   const bool lower = *position == 's';
+  const bool minutesInLetters = half.minuteMark == Mark::kWord || half.minuteMark == Mark::kLetter;
   return HemisphereFollows(after) ? lower || minutesInLetters : lower && minutesInLetters;
 }
 
-void ReadSecondMark(const char*& position, bool minutesInLetters, Coordinate& half) noexcept {
+Mark ReadSecondMark(const char*& position, const Coordinate& half) noexcept {
   const char* p = position;
   SkipBlank(p);
+  Mark mark = Mark::kSign;
   if (*p == '"') {
-    position = p + 1;
-  } else if (ToUpper(*p) == 'S') {
-    if (ReadWordMark(p, "sec")) {
-      position = p;
-    } else if (IsSecondsLetter(p, half, minutesInLetters)) {
-      half.letterS = true;
-      position = p + 1;
-    }
+    ++p;
+  } else if (ToUpper(*p) != 'S') {
+    return Mark::kNone;
+  } else if (ReadWord(p, "sec") && EndsWordMark(p)) {
+    mark = Mark::kWord;
+  } else {
+    p = position;
+    SkipBlank(p);
+    if (!IsSecondsLetter(p, half)) return Mark::kNone;
+    mark = Mark::kLetter;
+    ++p;
   }
+  position = p;
+  return mark;
+}
+
+// Reads the digits behind the decimal symbol at `position`.
+inline void ReadFraction(const char*& position, Number& number) noexcept {
+  number.comma = *position == ',';
+  const char* p = position + 1;
+  number.fractionBegin = p;
+  for (; IsDigit(*p); ++p, ++number.decimals) {
+    if (number.keptDecimals == kMaxKeptDecimals) continue;
+    number.fraction = number.fraction * 10 + static_cast<std::uint64_t>(*p - '0');
+    ++number.keptDecimals;
+  }
+  position = p;
+}
+
+// Whether the digits at `position` start the other half and are no fraction: something of a half
+// follows them.
+bool StartsHalf(const char* position) noexcept {
+  while (IsDigit(*position)) ++position;
+  switch (*position) {
+    case '\'':
+    case '"':
+    case ':':
+    case '-':
+    case '.':
+      return true;
+    default:
+      return ReadDegreeMark(position) != Mark::kNone;
+  }
+}
+
+inline bool MayHaveFraction(Mark mark, char behind) noexcept {
+  return mark != Mark::kNone && (behind == '.' || behind == ',');
+}
+
+// "12'.34": the fraction of a group may stand behind its mark.
+void ReadFractionBehindMark(const char*& position, CommaUse commaUse, Number& number) noexcept {
+  if (number.decimals > 0 || !IsDigit(position[1])) return;
+  if (*position == ',' && (commaUse == CommaUse::kSeparator || StartsHalf(position + 1))) return;
+  ReadFraction(position, number);
 }
 
 // Puts the last group's fraction into the half and computes degrees in one correctly rounded
@@ -294,20 +479,28 @@ bool IsMinutesOrSeconds(const Number& number) noexcept {
   return number.integerDigits >= 1 && number.integerDigits <= 2 && number.integer < 60;
 }
 
+// Reads the mark of the seconds and what stands behind it, and finishes the half.
+void FinishSeconds(const char*& position, CommaUse commaUse, std::uint64_t degrees,
+                   std::uint64_t minutes, Number& seconds, Coordinate& half) noexcept {
+  half.groups = 3;
+  half.secondMark = ReadSecondMark(position, half);
+  if (MayHaveFraction(half.secondMark, *position))
+    ReadFractionBehindMark(position, commaUse, seconds);
+  FinishSexagesimal(degrees, minutes, seconds.integer, seconds, half);
+}
+
 // "27.15.45", "27.15.45.2", "27.15.45,2": `first` was read as 27.15, `position` is at the second
 // dot.
-bool ReadDotted(const char*& position, const Number& first, Coordinate& half) noexcept {
+bool ReadDotted(const char*& position, CommaUse commaUse, const Number& first,
+                Coordinate& half) noexcept {
   if (first.integerDigits == 0 || first.comma || first.decimals > 2 || first.fraction >= 60) {
     return false;
   }
   ++position;
   Number last;
-  if (!ReadNumber(position, CommaUse::kDecimalOrSeparator, last) || !IsMinutesOrSeconds(last)) {
-    return false;
-  }
+  if (!ReadNumber(position, commaUse, last) || !IsMinutesOrSeconds(last)) return false;
   half.joint = Joint::kDot;
-  half.groups = 3;
-  FinishSexagesimal(first.integer, first.fraction, last.integer, last, half);
+  FinishSeconds(position, commaUse, first.integer, first.fraction, last, half);
   return true;
 }
 
@@ -341,41 +534,60 @@ Joint FindJoint(const char*& position, bool afterMark) noexcept {
 enum class GroupResult { kRead, kAbsent, kWrong };
 
 // Reads minutes or seconds at `position`. A number with a degree mark is absent: it starts the
-// other half.
+// other half, which in "26,79°" begins behind the comma.
 GroupResult ReadGroup(const char*& position, CommaUse commaUse, Number& number) noexcept {
   const char* p = position;
   if (!ReadNumber(p, commaUse, number)) return GroupResult::kAbsent;
   const char* after = p;
-  if (ReadDegreeMark(after)) return GroupResult::kAbsent;
+  if (ReadDegreeMark(after) != Mark::kNone) {
+    if (!number.comma) return GroupResult::kAbsent;
+    p = position;
+    ReadNumber(p, CommaUse::kSeparator, number);
+  }
   if (!IsMinutesOrSeconds(number)) return GroupResult::kWrong;
   position = p;
   return GroupResult::kRead;
 }
 
+// Finds the first digit of the seconds: what stands before them is what stands before the minutes.
+// Behind a mark, and where signs and blanks are mixed ("59 12'7.7"), it may be a blank or nothing.
+bool FindSeconds(const char*& position, const Coordinate& half) noexcept {
+  const bool afterMark = half.minuteMark != Mark::kNone;
+  if (afterMark && FindJoint(position, true) != Joint::kNone) return true;
+  const Joint joint = FindJoint(position, false);
+  return joint != Joint::kNone &&
+         (joint == half.joint || (joint == Joint::kBlank && half.joint == Joint::kMark));
+}
+
 // Reads the seconds, if any, and finishes the half. `position` is behind the minutes.
-bool ReadSeconds(const char*& position, CommaUse commaUse, const Number& degrees,
-                 const Number& minutes, Coordinate& half) noexcept {
-  const bool marks = half.joint == Joint::kMark || half.joint == Joint::kBlank;
-  bool minutesInLetters = false;
-  const bool minuteMark = marks && ReadMinuteMark(position, minutesInLetters);
-  Number seconds;
-  bool hasSeconds = false;
-  if (minutes.decimals == 0) {
-    const char* p = position;
-    const Joint joint = FindJoint(p, minuteMark);
-    const bool fits = marks ? joint == Joint::kMark || joint == Joint::kBlank : joint == half.joint;
-    if (fits) {
-      const GroupResult result = ReadGroup(p, commaUse, seconds);
-      if (result == GroupResult::kWrong) return false;
-      hasSeconds = result == GroupResult::kRead;
-      if (hasSeconds) position = p;
+bool ReadSeconds(const char*& position, CommaUse commaUse, const Number& degrees, Number& minutes,
+                 Coordinate& half) noexcept {
+  half.minuteMark = ReadMinuteMark(position);
+  if (MayHaveFraction(half.minuteMark, *position))
+    ReadFractionBehindMark(position, commaUse, minutes);
+  const char* p = position;
+  if (minutes.decimals == 0 && FindSeconds(p, half)) {
+    Number seconds;
+    const GroupResult result = ReadGroup(p, commaUse, seconds);
+    if (result == GroupResult::kWrong) return false;
+    if (result == GroupResult::kRead) {
+      position = p;
+      FinishSeconds(position, commaUse, degrees.integer, minutes.integer, seconds, half);
+      return true;
     }
   }
-  half.groups = hasSeconds ? 3 : 2;
-  FinishSexagesimal(degrees.integer, minutes.integer, hasSeconds ? seconds.integer : 0,
-                    hasSeconds ? seconds : minutes, half);
-  if (hasSeconds && marks) ReadSecondMark(position, minutesInLetters, half);
+  half.groups = 2;
+  FinishSexagesimal(degrees.integer, minutes.integer, 0, minutes, half);
   return true;
+}
+
+// Finishes a half that is degrees alone.
+void FinishDegrees(const Number& degrees, Coordinate& half) noexcept {
+  half.groups = 1;
+  half.degrees = ValueOf(degrees);
+  half.decimals = degrees.decimals;
+  half.decimalComma = degrees.comma;
+  half.looksGrouped = degrees.comma && degrees.decimals == 3 && *degrees.begin != '0';
 }
 
 // Reads the digits of one half, without label, hemisphere and sign.
@@ -385,31 +597,29 @@ bool ReadValue(const char*& position, CommaUse commaUse, Coordinate& half) noexc
   half.degreeDigits = degrees.integerDigits;
   if (degrees.integerDigits > 3) return SplitCompact(degrees, half);
   if (degrees.decimals > 0 && *position == '.' && IsDigit(position[1])) {
-    return ReadDotted(position, degrees, half);
+    return ReadDotted(position, commaUse, degrees, half);
   }
   half.degreeMark = ReadDegreeMark(position);
-  if (degrees.decimals == 0) {
-    const char* p = position;
-    const Joint joint = FindJoint(p, half.degreeMark);
-    if (joint != Joint::kNone) {
-      Number minutes;
-      const GroupResult result = ReadGroup(p, commaUse, minutes);
-      if (result == GroupResult::kWrong) return false;
-      if (result == GroupResult::kRead) {
-        position = p;
-        half.joint = joint;
-        return ReadSeconds(position, commaUse, degrees, minutes, half);
-      }
+  const bool marked = half.degreeMark != Mark::kNone;
+  if (MayHaveFraction(half.degreeMark, *position))
+    ReadFractionBehindMark(position, commaUse, degrees);
+  const char* p = position;
+  half.joint = degrees.decimals == 0 ? FindJoint(p, marked) : Joint::kNone;
+  if (half.joint != Joint::kNone) {
+    Number minutes;
+    const GroupResult result = ReadGroup(p, commaUse, minutes);
+    if (result == GroupResult::kWrong) return false;
+    if (result == GroupResult::kRead) {
+      position = p;
+      return ReadSeconds(position, commaUse, degrees, minutes, half);
     }
+    half.joint = Joint::kNone;
   }
-  half.groups = 1;
-  half.degrees = ValueOf(degrees);
-  half.decimals = degrees.decimals;
-  half.decimalComma = degrees.comma;
+  FinishDegrees(degrees, half);
   return true;
 }
 
-// "lat", "Longitude: ", "lng=": the axis is kUnknown when there is none.
+// "lat", "Longitude: ", "Lng.=": the axis is kUnknown when there is none.
 Axis ReadLabel(const char*& position) noexcept {
   const char* p = position;
   Axis axis = Axis::kUnknown;
@@ -423,6 +633,7 @@ Axis ReadLabel(const char*& position) noexcept {
     return axis;
   }
   if (IsLetter(*p)) return Axis::kUnknown;  // "late", "lone"
+  if (*p == '.') ++p;
   SkipBlank(p);
   if (*p == ':' || *p == '=') ++p;
   SkipBlank(p);
@@ -430,38 +641,54 @@ Axis ReadLabel(const char*& position) noexcept {
   return axis;
 }
 
-// Takes the hemisphere [begin, end) into the half. Fails when it is none, or contradicts the label.
-bool TakeHemisphere(const char* begin, const char* end, LetterSide side,
-                    Coordinate& half) noexcept {
-  const char hemisphere = HemisphereOf(begin, end);
-  if (hemisphere == '\0') return false;
-  const Axis axis = hemisphere == 'N' || hemisphere == 'S' ? Axis::kLatitude : Axis::kLongitude;
+// Takes the hemisphere into the half. Fails when it is none, or contradicts the label.
+bool TakeHemisphere(Hemisphere hemisphere, LetterSide side, Coordinate& half) noexcept {
+  if (hemisphere == Hemisphere::kNone) return false;
+  const bool latitude = hemisphere == Hemisphere::kNorth || hemisphere == Hemisphere::kSouth;
+  const Axis axis = latitude ? Axis::kLatitude : Axis::kLongitude;
   if (half.axis != Axis::kUnknown && half.axis != axis) return false;
   half.axis = axis;
   half.letterSide = side;
-  half.negative = hemisphere == 'S' || hemisphere == 'W';
+  half.negative = hemisphere == Hemisphere::kSouth || hemisphere == Hemisphere::kWest;
   return true;
 }
 
 bool ReadLeadingHemisphere(const char*& position, Coordinate& half) noexcept {
-  const char* end = EndOfLetters(position);
-  if (!TakeHemisphere(position, end, LetterSide::kBefore, half)) return false;
-  half.letterTouches = *end != ' ';
-  position = end;
+  const bool onlyInFront = IsOfScript(*position, kHan);
+  if (!TakeHemisphere(ReadHemisphere(position), LetterSide::kBefore, half)) return false;
+  half.fullStop = *position == '.';
+  if (half.fullStop) ++position;
+  half.letterTouches = onlyInFront || *position != ' ';
   SkipBlank(position);
   return true;
 }
 
-// Reads the hemisphere behind the value, if there is one. Fails on one that contradicts sign or
-// label.
+// Finds the hemisphere behind the value, which in compact digits may be a field of its own.
+const char* FindTrailingHemisphere(const char* position, Coordinate& half) noexcept {
+  SkipBlank(position);
+  half.commaBefore = *position == ',' && half.joint == Joint::kCompact && half.decimals > 0;
+  if (half.commaBefore) {
+    ++position;
+    SkipBlank(position);
+  }
+  return position;
+}
+
+// Reads the hemisphere behind the value, if there is one; Han characters stand in front only. Fails
+// on one that contradicts sign or label.
 bool ReadTrailingHemisphere(const char*& position, Coordinate& half) noexcept {
-  const char* begin = position;
-  SkipBlank(begin);
-  if (!IsLetter(*begin)) return true;
-  const char* end = EndOfLetters(begin);
-  if (HemisphereOf(begin, end) == '\0') return true;
-  if (half.hasSign || !TakeHemisphere(begin, end, LetterSide::kAfter, half)) return false;
+  const char* begin = FindTrailingHemisphere(position, half);
+  if (!IsWordStart(*begin) || IsOfScript(*begin, kHan)) return true;
+  const char* end = begin;
+  const Hemisphere hemisphere = ReadHemisphere(end);
+  if (hemisphere == Hemisphere::kNone) return true;
   half.letterTouches = begin == position;
+  // "-40° W73°": what a sign forbids here may be the other half's.
+  if (half.hasSign) return !half.letterTouches;
+  if (!TakeHemisphere(hemisphere, LetterSide::kAfter, half)) return false;
+  half.letterIsSmallS = *begin == 's' && end - begin == 1;
+  half.fullStop = *end == '.';
+  if (half.fullStop) ++end;
   position = end;
   return true;
 }
@@ -533,11 +760,10 @@ bool ReadMarkedHalf(MarkedText& text, Coordinate& half) noexcept {
   }
   half.groups = 3;
   half.joint = Joint::kMark;
-  half.degreeMark = true;
+  half.degreeMark = half.minuteMark = half.secondMark = Mark::kSign;
   FinishSexagesimal(degrees, minutes, seconds, last, half);
   half.letterTouches = !text.TakeBlank();
-  const char letter = text.Next();
-  return IsLetter(letter) && TakeHemisphere(&letter, &letter + 1, LetterSide::kAfter, half) &&
+  return TakeHemisphere(HemisphereOfLetter(text.Next()), LetterSide::kAfter, half) &&
          half.degrees <= (half.axis == Axis::kLatitude ? 90.0 : 180.0);
 }
 
@@ -559,7 +785,7 @@ bool FoldedText::Fold(std::u16string_view text) noexcept {
   *out++ = ' ';  // swallows leading blanks
   std::size_t i = FoldPlainStart(text, out);
   for (out += i; i < text.size(); ++i)
-    if (!FoldOne(text[i], out)) return false;
+    if (!FoldOne(text[i], out) && !FoldInvisible(text, i, out)) return false;
   if (out[-1] == ' ') --out;  // the one in front of all, when there is nothing else
   *out = '\0';
   return out > Begin();
@@ -568,7 +794,7 @@ bool FoldedText::Fold(std::u16string_view text) noexcept {
 bool MayStartCoordinate(std::u16string_view text) noexcept {
   for (const char16_t c : text) {
     const char folded = FoldCharacter(c);
-    if (folded != ' ') return StartsCoordinate(folded);
+    if (folded != ' ' && folded != kInvisible) return StartsCoordinate(folded);
   }
   return false;
 }
@@ -593,16 +819,9 @@ bool ReadNumber(const char*& position, CommaUse commaUse, Number& number) noexce
   }
   const bool comma = *p == ',' && commaUse == CommaUse::kDecimalOrSeparator;
   const bool fraction = *p == '.' || (comma && number.integerDigits > 0);
-  if (fraction && IsDigit(p[1])) {
-    number.comma = comma;
-    for (++p; IsDigit(*p); ++p, ++number.decimals) {
-      if (number.keptDecimals == kMaxKeptDecimals) continue;
-      number.fraction = number.fraction * 10 + static_cast<std::uint64_t>(*p - '0');
-      ++number.keptDecimals;
-    }
-  }
+  if (fraction && IsDigit(p[1])) ReadFraction(p, number);
   if (number.integerDigits == 0 && number.decimals == 0) return false;
-  number.end = position = p;
+  position = p;
   return true;
 }
 
@@ -616,7 +835,9 @@ double ValueOf(const Number& number) noexcept {
   }
   std::array<char, kMaxTextLength> digits{};
   std::size_t length = 0;
-  for (const char* p = number.begin; p != number.end; ++p) digits[length++] = *p == ',' ? '.' : *p;
+  for (int i = 0; i < number.integerDigits; ++i) digits[length++] = number.begin[i];
+  digits[length++] = '.';
+  for (int i = 0; i < number.decimals; ++i) digits[length++] = number.fractionBegin[i];
   double value = 0;
   std::from_chars(digits.data(), digits.data() + length, value);
   return value;
@@ -647,12 +868,12 @@ bool SplitCompact(const Number& number, Coordinate& coordinate) noexcept {
 }
 
 bool ReadCoordinate(const char*& position, CommaUse commaUse, Coordinate& coordinate) noexcept {
-  coordinate = Coordinate{};
-  if (IsLetter(*position)) {
+  if (IsWordStart(*position)) {
     coordinate.axis = ReadLabel(position);
     coordinate.hasLabel = coordinate.axis != Axis::kUnknown;
-    if (IsLetter(*position) && !ReadLeadingHemisphere(position, coordinate)) return false;
+    if (IsWordStart(*position) && !ReadLeadingHemisphere(position, coordinate)) return false;
   }
+  const bool behindStop = position[-1] == '.' && IsDigit(*position);
   if (*position == '-' || *position == '+') {
     if (coordinate.letterSide != LetterSide::kNone) return false;
     coordinate.hasSign = true;
@@ -660,6 +881,9 @@ bool ReadCoordinate(const char*& position, CommaUse commaUse, Coordinate& coordi
     ++position;
   }
   if (!ReadValue(position, commaUse, coordinate)) return false;
+  // "N.5", "40.5N.74W": a full stop, or a decimal symbol.
+  const bool wholeNumber = coordinate.groups == 1 && coordinate.decimals == 0;
+  if (behindStop && (wholeNumber || coordinate.joint == Joint::kCompact)) return false;
   if (coordinate.letterSide == LetterSide::kNone && !ReadTrailingHemisphere(position, coordinate)) {
     return false;
   }

@@ -21,14 +21,20 @@ namespace quenra::latlong {
 inline constexpr std::size_t kMaxTextLength = 128;
 
 // The folded form of every degree sign. Minute and second marks fold to ' and ".
-inline constexpr char kDegreeMark = '\x01';
+inline constexpr char kDegreeMark = '\x02';
+
+// The folded form of the wide commas of Chinese and Japanese, which only separate.
+inline constexpr char kWideComma = '\x03';
 
 // A text in the narrow alphabet of the grammar, terminated by '\0': ASCII digits, letters and
 // punctuation stand for themselves, every minus is '-', a run of blanks is one ' ' and falls away
-// at both ends, and two minute marks in a row are '"'.
+// at both ends, two minute marks in a row are '"', and the characters of hemispheres in other
+// scripts are control characters. Invisible characters that steer the direction of writing fall
+// away; between two that would otherwise be one number or word they leave a blank.
 class FoldedText {
  public:
-  // False when `text` is too long, blank, or bears a character that no notation has.
+  // False when `text` is too long, blank, bears a character that no notation has, or an invisible
+  // one between two digits.
   bool Fold(std::u16string_view text) noexcept;
   const char* Begin() const noexcept { return bytes_.data() + 1; }
 
@@ -38,16 +44,16 @@ class FoldedText {
 };
 
 // True when a text that starts like this can be a coordinate: a look at the first character that is
-// not blank, which spares most words the rest.
+// neither blank nor invisible, which spares most words the rest.
 bool MayStartCoordinate(std::u16string_view text) noexcept;
 
 // An unsigned decimal number.
 struct Number {
-  const char* begin = nullptr;
-  const char* end = nullptr;
-  std::uint32_t integer = 0;   // of at most 9 digits
-  int integerDigits = 0;       // as written, with leading zeros
-  std::uint64_t fraction = 0;  // its first `keptDecimals` digits
+  const char* begin = nullptr;          // of the integer digits
+  const char* fractionBegin = nullptr;  // of the decimals, when there are any
+  std::uint32_t integer = 0;            // of at most 9 digits
+  int integerDigits = 0;                // as written, with leading zeros
+  std::uint64_t fraction = 0;           // its first `keptDecimals` digits
   int keptDecimals = 0;
   int decimals = 0;  // as written
   bool comma = false;
@@ -67,6 +73,10 @@ enum class Axis : std::uint8_t { kUnknown, kLatitude, kLongitude };
 // What stands between degrees and minutes.
 enum class Joint : std::uint8_t { kNone, kMark, kBlank, kColon, kHyphen, kDot, kCompact };
 
+// How degrees, minutes or seconds are marked: not, by a sign, by a word (deg, min, sec) or by its
+// first letter.
+enum class Mark : std::uint8_t { kNone, kSign, kWord, kLetter };
+
 enum class LetterSide : std::uint8_t { kNone, kBefore, kAfter };
 
 // One half of a pair.
@@ -78,17 +88,23 @@ struct Coordinate {
   Axis axis = Axis::kUnknown;
   Joint joint = Joint::kNone;
   LetterSide letterSide = LetterSide::kNone;
+  Mark degreeMark = Mark::kNone;
+  Mark minuteMark = Mark::kNone;
+  Mark secondMark = Mark::kNone;  // the letter s also is the south
   bool decimalComma = false;
-  bool degreeMark = false;
-  bool letterS = false;        // the seconds are marked by the letter s, which also is the south
-  bool letterTouches = false;  // no blank between the digits and the hemisphere letter
+  bool looksGrouped = false;   // "1,234": a decimal comma, or thousands
+  bool letterTouches = false;  // no blank between the digits and the hemisphere, or none is needed
+  bool letterIsSmallS = false;
+  bool fullStop = false;     // behind the hemisphere letter
+  bool commaBefore = false;  // the hemisphere letter is a field of its own: "4042.767,N"
   bool hasLabel = false;
   bool hasSign = false;
   bool negative = false;  // by sign, or south or west
 };
 
-// Reads label, hemisphere and value at `position`, which moves past them. False when there is no
-// coordinate, or one that is out of its range; `position` and `coordinate` are then unspecified.
+// Reads label, hemisphere and value at `position`, which moves past them, into a new `coordinate`.
+// False when there is no coordinate, or one that is out of its range; `position` and `coordinate`
+// are then unspecified.
 bool ReadCoordinate(const char*& position, CommaUse commaUse, Coordinate& coordinate) noexcept;
 
 // Two coordinates, and how one text joins them.
@@ -96,6 +112,7 @@ struct Pair {
   Coordinate first;
   Coordinate second;
   bool twoTexts = false;
+  bool squareBrackets = false;
   char separator = '\0';  // ',' ';' '/', or '\0' when there is none but a blank
   bool blank = false;
 };

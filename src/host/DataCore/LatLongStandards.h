@@ -21,6 +21,7 @@ enum class Notation : std::uint8_t {
   kIso6709,
   kGeoUri,
   kWktPoint,
+  kNmea,
 };
 
 struct StandardPair {
