@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "DisplayWidth.h"
+#include "ShownText.h"
 #include "TextEncoding.h"
 
 namespace TextTables {

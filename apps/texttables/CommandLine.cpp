@@ -7,8 +7,8 @@
 
 #include "Failures.h"
 #include "Fields.h"
+#include "ShownText.h"
 #include "Terminal.h"
-#include "TextEncoding.h"
 
 namespace TextTables {
 
@@ -71,7 +71,7 @@ Number NumberOf(const std::string& argument, const char* option) {
   const char* const end = text.data() + text.size();
   const auto result = std::from_chars(text.data(), end, value);
   if (text.empty() || result.ec != std::errc() || result.ptr != end)
-    throw UsageError(std::string(option) + " takes a whole number, not \"" + text + "\"");
+    throw UsageError(std::string(option) + " takes a whole number, not \"" + Shown(text) + "\"");
   return value;
 }
 
@@ -226,7 +226,7 @@ std::pair<std::u16string, std::u16string> HostOptionOf(const std::string& argume
   const std::string text = Unmarked(argument);
   const std::size_t equals = text.find('=');
   if (equals == std::string::npos || equals == 0)
-    throw UsageError("--host-option takes NAME=VALUE, not \"" + text + "\"");
+    throw UsageError("--host-option takes NAME=VALUE, not \"" + Shown(text) + "\"");
   return {Terminal::TextOfArgument(text.substr(0, equals)),
           Terminal::TextOfArgument(text.substr(equals + 1))};
 }
@@ -234,7 +234,7 @@ std::pair<std::u16string, std::u16string> HostOptionOf(const std::string& argume
 RowFormat FormatOf(const std::string& argument) {
   for (const FormatName& format : kFormats)
     if (format.name == argument) return format.format;
-  throw UsageError("there is no format \"" + argument + "\"; formats: " + NamesOf(kFormats));
+  throw UsageError("there is no format \"" + Shown(argument) + "\"; formats: " + NamesOf(kFormats));
 }
 
 void FillGlobalOptions(const CLI::App& app, const RawArguments& raw, GlobalOptions& global) {
@@ -252,7 +252,7 @@ void FillRowOptions(const CLI::App& command, const RawArguments& raw, bool json,
   if (command.count("--format") > 0) rows.format = FormatOf(raw.format);
   if (json) {
     if (rows.format.value_or(RowFormat::kJsonLines) != RowFormat::kJsonLines)
-      throw UsageError("--json and --format " + raw.format + " exclude each other");
+      throw UsageError("--json and --format " + Shown(raw.format) + " exclude each other");
     rows.format = RowFormat::kJsonLines;
   }
   if (command.count("--limit") > 0) rows.limit = NumberOf<std::uint64_t>(raw.limit, "--limit");
@@ -299,7 +299,7 @@ std::optional<NewField> ReadField(std::string_view text, int sizes) {
 NewField NewFieldOf(const std::string& text) {
   for (const int sizes : {2, 1, 0})
     if (auto field = ReadField(text, sizes)) return *std::move(field);
-  throw UsageError("--field takes NAME:TYPE[:LENGTH[:PRECISION]], not \"" + text +
+  throw UsageError("--field takes NAME:TYPE[:LENGTH[:PRECISION]], not \"" + Shown(text) +
                    "\"; types: " + FieldTypeNames());
 }
 
@@ -308,7 +308,7 @@ void FillNewFields(const std::vector<std::string>& arguments, std::vector<NewFie
   for (const std::string& argument : arguments) {
     NewField field = NewFieldOf(Unmarked(argument));
     if (!names.insert(FoldedName(field.name)).second)
-      throw UsageError("there are two fields \"" + Utf8(field.name) + "\"");
+      throw UsageError("there are two fields \"" + Shown(field.name) + "\"");
     fields.push_back(std::move(field));
   }
 }

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "Failures.h"
+#include "ShownText.h"
 #include "Terminal.h"
 #include "TextEncoding.h"
 #include "host/CoreSupport/BString.h"
@@ -67,7 +68,7 @@ void WriteDiagnosis(std::string_view kind, HRESULT code, std::string_view text) 
   std::string line = "texttables: ";
   line += kind;
   line += ": " + HexCode(code) + ": ";
-  line += text;
+  line += ShownMessage(text);
   line += '\n';
   Terminal::WriteStandardError(line);
 }
@@ -97,7 +98,7 @@ void ReportRefusal(HRESULT code, std::string_view text) { WriteDiagnosis("error"
 
 void ReportUsageError(std::string_view text) {
   std::string message = "texttables: ";
-  message += text;
+  message += ShownMessage(text);
   message += "\nTry 'texttables --help'.\n";
   Terminal::WriteStandardError(message);
 }

@@ -32,30 +32,7 @@ bool Holds(const Range (&ranges)[count], char32_t value) noexcept {
   return false;
 }
 
-std::u16string Spelled(char16_t control) {
-  if (control == u'\t') return u"\\t";
-  if (control == u'\n') return u"\\n";
-  if (control == u'\r') return u"\\r";
-  constexpr char16_t kDigits[] = u"0123456789abcdef";
-  return u"\\u00" + std::u16string{kDigits[(control >> 4) & 0xF], kDigits[control & 0xF]};
-}
-
-bool IsControl(char16_t unit) noexcept { return unit < 0x20 || (unit >= 0x7F && unit < 0xA0); }
-
 }  // namespace
-
-std::u16string WithoutControls(std::u16string_view text) {
-  std::u16string shown;
-  shown.reserve(text.size());
-  for (const char16_t unit : text) {
-    if (IsControl(unit)) {
-      shown += Spelled(unit);
-    } else {
-      shown += unit;
-    }
-  }
-  return shown;
-}
 
 std::size_t DisplayWidth(std::u16string_view text) noexcept {
   std::size_t width = 0;

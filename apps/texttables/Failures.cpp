@@ -4,7 +4,7 @@
 #include <system_error>
 
 #include "Diagnostics.h"
-#include "TextEncoding.h"
+#include "ShownText.h"
 
 namespace TextTables {
 
@@ -58,14 +58,14 @@ void Check(HRESULT code, std::u16string_view subject) {
   std::string text = TakeChainedText(code);
   if (text.empty()) {
     text = MeaningOf(code);
-    if (!subject.empty()) text += ": " + MessageBytes(subject);
+    if (!subject.empty()) text += ": " + Shown(subject);
   }
   throw Refusal(code, text);
 }
 
 Refusal SystemRefusal(int error, std::u16string_view subject) {
   const auto code = static_cast<HRESULT>(0x80070000u | (static_cast<unsigned>(error) & 0xFFFFu));
-  return Refusal(code, std::system_category().message(error) + ": " + MessageBytes(subject));
+  return Refusal(code, std::system_category().message(error) + ": " + Shown(subject));
 }
 
 }  // namespace TextTables

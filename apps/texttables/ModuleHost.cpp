@@ -4,7 +4,7 @@
 
 #include "Failures.h"
 #include "ModuleFile.h"
-#include "TextEncoding.h"
+#include "ShownText.h"
 #include "host/CoreSupport/Components.h"
 #include "host/CoreSupport/Variant.h"
 #include "host/interfaces/DataSourceClasses.h"
@@ -61,7 +61,7 @@ TablePath SplitTablePath(std::u16string_view path) {
   TablePath result{std::u16string(WithoutTrailingSeparators(path.substr(0, start))),
                    std::u16string(path.substr(start))};
   if (result.name.empty())
-    throw UsageError("\"" + FileNameBytes(path) + "\" names no table; a table is FOLDER/NAME");
+    throw UsageError("\"" + Shown(path) + "\" names no table; a table is FOLDER/NAME");
   if (result.folder.empty()) result.folder = u".";
   return result;
 }
@@ -140,7 +140,7 @@ WaitingLine ModuleHost::Wait(const TablePath& path) const {
                                      std::filesystem::path(NativeFromFileName(path.name));
   std::error_code error;
   const std::uintmax_t bytes = std::filesystem::file_size(file, error);
-  return {showProgress_, FileNameBytes(path.name), error ? 0 : bytes};
+  return {showProgress_, Shown(path.name), error ? 0 : bytes};
 }
 
 }  // namespace TextTables

@@ -9,8 +9,8 @@
 #include "EventLogFile.h"
 #include "Failures.h"
 #include "Output.h"
+#include "ShownText.h"
 #include "Terminal.h"
-#include "TextEncoding.h"
 #include "host/CoreSupport/QUENRALocale.h"
 #include "host/CoreSupport/Variant.h"
 #include "host/DataCore/DataCoreUtil.h"
@@ -23,7 +23,7 @@ namespace {
 void ApplyHostSettings(const GlobalOptions& options) {
   using quenra::QUENRALocale;
   if (options.locale && !QUENRALocale::SetLocale(*options.locale))
-    throw UsageError("there is no locale \"" + Utf8(*options.locale) + "\"");
+    throw UsageError("there is no locale \"" + Shown(*options.locale) + "\"");
   if (options.ansiCodePage && !QUENRALocale::SetAnsiCodePage(*options.ansiCodePage))
     throw UsageError("there is no code page " + std::to_string(*options.ansiCodePage));
   for (const auto& [name, text] : options.hostOptions)
