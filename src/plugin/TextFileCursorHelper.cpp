@@ -58,7 +58,7 @@ HRESULT STDMETHODCALLTYPE TextFileCursorHelper::ReadRecordValuesFast(HostFieldVa
     converter_.Convert(reader_->record());
   // A value that does not fit never stops the cursor: the host finds the text in the error chain.
   for (const auto& [field, message] : converter_.messages())
-    if (SlotOf(field) >= 0) ChainTextFileError(kFieldValueError, message);
+    if (SlotOf(field) >= 0) ChainErrorWithoutSource(kFieldValueError, message);
   return S_OK;
 } catch (...) {
   return HResultFromCurrentException();

@@ -26,6 +26,11 @@ std::u16string SchemaIniMessage(std::u16string_view tableName, const TextFile::P
 }  // namespace
 
 HRESULT ChainTextFileError(HRESULT code, std::u16string_view text) noexcept {
+  return DataAccessUtil::ChainError(
+      code, ErrorOrigin{kTextFileErrorSource, kErrorSource, kHelpFile}, text);
+}
+
+HRESULT ChainErrorWithoutSource(HRESULT code, std::u16string_view text) noexcept {
   return DataAccessUtil::ChainError(code, kTextFileErrorSource, text);
 }
 

@@ -20,8 +20,12 @@ inline constexpr HRESULT kFieldValueError = static_cast<HRESULT>(0x80040955u);
 inline constexpr std::u16string_view kErrorSource = u"\"quenraDataSourcesFile.TextFileWorkspace\"";
 inline constexpr std::u16string_view kHelpFile = u"\"TextFile.hlp\"";
 
-// Chains an error of this data source and answers its code.
+// Chains an error of a workspace, a table or a loader and answers its code.
 HRESULT ChainTextFileError(HRESULT code, std::u16string_view text) noexcept;
+
+// Chains an error of an object that names no error source, a workspace factory or a cursor, and
+// answers its code.
+HRESULT ChainErrorWithoutSource(HRESULT code, std::u16string_view text) noexcept;
 
 // Inside a catch block around an operation on a table's files: what went wrong is chained with the
 // file's name and the reason, as E_FAIL; short memory stays E_OUTOFMEMORY.

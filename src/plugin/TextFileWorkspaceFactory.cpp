@@ -158,7 +158,8 @@ HRESULT STDMETHODCALLTYPE TextFileWorkspaceFactory::OpenFolderWorkspace(
   ComPtr<TextFileWorkspaceHelper> opened = MakeObject<TextFileWorkspaceHelper>(folder, options);
   if (IsWorkspaceFolder(folder)) {
     opened->SetFolderVerified();
-  } else if (const HRESULT result = ChainTextFileError(kFolderRejected, folder); FAILED(result)) {
+  } else if (const HRESULT result = ChainErrorWithoutSource(kFolderRejected, folder);
+             FAILED(result)) {
     return result;
   }
   *helper = opened.Detach();

@@ -36,6 +36,11 @@ ErrorSeen Look(HostChainedError& error) {
   BString text;
   error.GetText(text.Receive());
   seen.text = ToUtf8(text.View());
+  const auto info = QueryFor<IErrorInfo>(&error);
+  EXPECT_EQ(info->GetSource(text.Receive()), S_OK);
+  seen.sourceText = ToUtf8(text.View());
+  EXPECT_EQ(info->GetHelpFile(text.Receive()), S_OK);
+  seen.helpFile = ToUtf8(text.View());
   return seen;
 }
 

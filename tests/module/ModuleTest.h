@@ -27,6 +27,8 @@ struct ErrorSeen {
   HRESULT code;
   GUID source;
   std::string text;
+  std::string sourceText;  // what IErrorInfo answers
+  std::string helpFile;
 };
 
 struct FieldSeen {

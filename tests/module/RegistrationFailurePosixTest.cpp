@@ -1,13 +1,11 @@
 // Registration where the registry's file cannot be written.
 #ifndef _WIN32
 
-#include <sys/resource.h>
-
 #include <boost/filesystem.hpp>
-#include <csignal>
 #include <cstdlib>
 
 #include "module/ModuleTest.h"
+#include "support/FileSizeLimit.h"
 #include "support/TestRegistry.h"
 
 namespace quenra::test {
@@ -17,27 +15,6 @@ namespace fs = boost::filesystem;
 
 using ::testing::IsEmpty;
 using ::testing::SizeIs;
-
-// Files of this process cannot grow beyond a size.
-class FileSizeLimit {
- public:
-  explicit FileSizeLimit(rlim_t bytes) : signal_(::signal(SIGXFSZ, SIG_IGN)) {
-    ::getrlimit(RLIMIT_FSIZE, &before_);
-    rlimit limit = before_;
-    limit.rlim_cur = bytes;
-    ::setrlimit(RLIMIT_FSIZE, &limit);
-  }
-  ~FileSizeLimit() {
-    ::setrlimit(RLIMIT_FSIZE, &before_);
-    ::signal(SIGXFSZ, signal_);
-  }
-  FileSizeLimit(const FileSizeLimit&) = delete;
-  FileSizeLimit& operator=(const FileSizeLimit&) = delete;
-
- private:
-  rlimit before_ = {};
-  void (*signal_)(int);
-};
 
 class RegistrationFailurePosixTest : public ModuleTest {
  protected:

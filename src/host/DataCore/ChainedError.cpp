@@ -3,25 +3,33 @@
 #include <utility>
 
 #include "host/CoreSupport/BString.h"
-#include "host/CoreSupport/GuidText.h"
-#include "host/com/ComCatch.h"
 
 namespace quenra {
 
-ChainedError::ChainedError(HRESULT code, const GUID& source, std::u16string text,
-                           ComPtr<HostChainedError> next) noexcept
-    : code_(code), source_(source), text_(std::move(text)), next_(std::move(next)) {}
+namespace {
+
+// An empty text is answered as null, as an error object of the system answers what was never set.
+HRESULT CopyIfAny(std::u16string_view text, BSTR* result) noexcept {
+  if (result == nullptr) return E_POINTER;
+  *result = nullptr;
+  return text.empty() ? S_OK : CopyToBstr(text, result);
+}
+
+}  // namespace
+
+ChainedError::ChainedError(HRESULT code, const ErrorOrigin& origin, std::u16string_view text,
+                           ComPtr<HostChainedError> next)
+    : code_(code),
+      sourceId_(origin.id),
+      source_(origin.source),
+      helpFile_(origin.helpFile),
+      text_(text),
+      next_(std::move(next)) {}
 
 HRESULT STDMETHODCALLTYPE ChainedError::GetGUID(GUID* guid) { return GetSourceId(guid); }
 
 HRESULT STDMETHODCALLTYPE ChainedError::GetSource(BSTR* source) {
-  if (source == nullptr) return E_POINTER;
-  *source = nullptr;
-  try {
-    return CopyToBstr(GuidText(source_), source);
-  } catch (...) {
-    return HResultFromCurrentException();
-  }
+  return CopyIfAny(source_, source);
 }
 
 HRESULT STDMETHODCALLTYPE ChainedError::GetDescription(BSTR* description) {
@@ -29,9 +37,7 @@ HRESULT STDMETHODCALLTYPE ChainedError::GetDescription(BSTR* description) {
 }
 
 HRESULT STDMETHODCALLTYPE ChainedError::GetHelpFile(BSTR* helpFile) {
-  if (helpFile == nullptr) return E_POINTER;
-  *helpFile = nullptr;
-  return S_OK;
+  return CopyIfAny(helpFile_, helpFile);
 }
 
 HRESULT STDMETHODCALLTYPE ChainedError::GetHelpContext(DWORD* helpContext) {
@@ -48,7 +54,7 @@ HRESULT STDMETHODCALLTYPE ChainedError::GetCode(HRESULT* code) {
 
 HRESULT STDMETHODCALLTYPE ChainedError::GetSourceId(GUID* source) {
   if (source == nullptr) return E_POINTER;
-  *source = source_;
+  *source = sourceId_;
   return S_OK;
 }
 

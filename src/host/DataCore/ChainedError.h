@@ -4,6 +4,7 @@
 
 #include <string>
 
+#include "host/DataCore/DataAccessUtil.h"
 #include "host/com/ComPtr.h"
 #include "host/com/Implements.h"
 #include "host/interfaces/HostErrors.h"
@@ -12,13 +13,13 @@ namespace quenra {
 
 class ChainedError final : public Implements<IErrorInfo, HostChainedError> {
  public:
-  // `next` is the error chained before this one; null allowed.
-  ChainedError(HRESULT code, const GUID& source, std::u16string text,
-               ComPtr<HostChainedError> next) noexcept;
+  // `next` is the error chained before this one; null allowed. Throws std::bad_alloc.
+  ChainedError(HRESULT code, const ErrorOrigin& origin, std::u16string_view text,
+               ComPtr<HostChainedError> next);
 
   std::u16string_view ClassName() const noexcept override { return u"ChainedError"; }
 
-  // IErrorInfo. The source is the source identifier's text; there is no help file.
+  // IErrorInfo. A source or help file that the origin lacks is a null text.
   HRESULT STDMETHODCALLTYPE GetGUID(GUID* guid) override;
   HRESULT STDMETHODCALLTYPE GetSource(BSTR* source) override;
   HRESULT STDMETHODCALLTYPE GetDescription(BSTR* description) override;
@@ -35,7 +36,9 @@ class ChainedError final : public Implements<IErrorInfo, HostChainedError> {
   ~ChainedError() override = default;
 
   const HRESULT code_;
-  const GUID source_;
+  const GUID sourceId_;
+  const std::u16string source_;
+  const std::u16string helpFile_;
   const std::u16string text_;
   const ComPtr<HostChainedError> next_;
 };

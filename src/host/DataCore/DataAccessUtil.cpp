@@ -16,29 +16,37 @@ constexpr std::size_t kLongestChain = 64;
 
 using ErrorChain = ComPtr<HostChainedError>;
 
-ErrorChain NewError(HRESULT code, const GUID& source, std::u16string_view text, ErrorChain next) {
-  return MakeObject<ChainedError>(code, source, std::u16string(text), std::move(next))
-      .As<HostChainedError>();
+ErrorChain NewError(HRESULT code, const ErrorOrigin& origin, std::u16string_view text,
+                    ErrorChain next) {
+  return MakeObject<ChainedError>(code, origin, text, std::move(next)).As<HostChainedError>();
+}
+
+// What `error` says, as an error of ours in front of `next`.
+ErrorChain CopyInfo(IErrorInfo& error, HRESULT code, ErrorChain next) {
+  GUID id = {};
+  BString source;
+  BString helpFile;
+  BString text;
+  error.GetGUID(&id);
+  error.GetSource(source.Receive());
+  error.GetHelpFile(helpFile.Receive());
+  error.GetDescription(text.Receive());
+  return NewError(code, {id, source.View(), helpFile.View()}, text.View(), std::move(next));
 }
 
 // An error object that somebody else left on the thread. Its code is not known any more.
-ErrorChain WrapForeignError(IErrorInfo& error) {
-  GUID source = {};
-  BString text;
-  error.GetGUID(&source);
-  error.GetDescription(text.Receive());
-  return NewError(E_FAIL, source, text.View(), nullptr);
-}
+ErrorChain WrapForeignError(IErrorInfo& error) { return CopyInfo(error, E_FAIL, nullptr); }
 
 // A copy of `error` in front of `next`.
 ErrorChain CopyError(HostChainedError& error, ErrorChain next) {
   HRESULT code = E_FAIL;
-  GUID source = {};
-  BString text;
   error.GetCode(&code);
-  error.GetSourceId(&source);
+  if (const auto info = QueryFor<IErrorInfo>(&error)) return CopyInfo(*info, code, std::move(next));
+  GUID id = {};
+  BString text;
+  error.GetSourceId(&id);
   error.GetText(text.Receive());
-  return NewError(code, source, text.View(), std::move(next));
+  return NewError(code, {id}, text.View(), std::move(next));
 }
 
 // The chain without what goes beyond its first `limit` errors. Errors cannot be changed, since a
@@ -69,8 +77,13 @@ ErrorChain TakeChain() {
 
 HRESULT DataAccessUtil::ChainError(HRESULT code, const GUID& source,
                                    std::u16string_view text) noexcept {
+  return ChainError(code, ErrorOrigin{source}, text);
+}
+
+HRESULT DataAccessUtil::ChainError(HRESULT code, const ErrorOrigin& origin,
+                                   std::u16string_view text) noexcept {
   try {
-    const ErrorChain chain = NewError(code, source, text, Shorten(TakeChain(), kLongestChain - 1));
+    const ErrorChain chain = NewError(code, origin, text, Shorten(TakeChain(), kLongestChain - 1));
     ::SetErrorInfo(0, chain.As<IErrorInfo>().Get());
   } catch (...) {
     // Out of memory: the code alone has to do.

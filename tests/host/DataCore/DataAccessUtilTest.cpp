@@ -46,9 +46,9 @@ TEST_F(DataAccessUtilTest, AnswersTheCodeAndLeavesAnErrorObject) {
   EXPECT_EQ(info->GetDescription(text.Receive()), S_OK);
   EXPECT_EQ(text.View(), u"a.csv");
   EXPECT_EQ(info->GetSource(text.Receive()), S_OK);
-  EXPECT_EQ(text.View(), u"{BB82D2C2-6A31-4BF2-9566-5B8C45067A81}");
+  EXPECT_EQ(text.Get(), nullptr) << "there is an identifier, but no text";
   EXPECT_EQ(info->GetHelpFile(text.Receive()), S_OK);
-  EXPECT_EQ(text.View(), u"");
+  EXPECT_EQ(text.Get(), nullptr);
   GUID source = {};
   EXPECT_EQ(info->GetGUID(&source), S_OK);
   EXPECT_TRUE(IsEqualGUID(source, kSource));
@@ -70,6 +70,20 @@ TEST_F(DataAccessUtilTest, ErrorObjectAnswersWhatTheSystemsDoesNot) {
   BString text;
   EXPECT_EQ(error->GetText(text.Receive()), S_OK);
   EXPECT_EQ(text.View(), std::u16string_view(u"a\0b", 3));
+}
+
+TEST_F(DataAccessUtilTest, OriginIsAnsweredAsItStands) {
+  DataAccessUtil::ChainError(kCode, ErrorOrigin{kSource, u"\"A.B\"", u"\"a.hlp\""}, u"text");
+  const ComPtr<IErrorInfo> info = TakeErrorInfo();
+  ASSERT_TRUE(info);
+  BString text;
+  EXPECT_EQ(info->GetSource(text.Receive()), S_OK);
+  EXPECT_EQ(text.View(), u"\"A.B\"");
+  EXPECT_EQ(info->GetHelpFile(text.Receive()), S_OK);
+  EXPECT_EQ(text.View(), u"\"a.hlp\"");
+  GUID id = {};
+  EXPECT_EQ(info->GetGUID(&id), S_OK);
+  EXPECT_TRUE(IsEqualGUID(id, kSource));
 }
 
 TEST_F(DataAccessUtilTest, RefusesNullResults) {
@@ -141,12 +155,19 @@ TEST_F(DataAccessUtilTest, ForeignErrorJoinsTheChain) {
   ASSERT_EQ(::CreateErrorInfo(foreign.Receive()), S_OK);
   std::u16string description = u"somebody else's";
   ASSERT_EQ(foreign->SetDescription(AsOle(description.data())), S_OK);
+  std::u16string component = u"Other.Component";
+  ASSERT_EQ(foreign->SetSource(AsOle(component.data())), S_OK);
   ComPtr<IErrorInfo> info;
   ASSERT_EQ(foreign->QueryInterface(IID_IErrorInfo, info.ReceiveVoid()), S_OK);
   ::SetErrorInfo(0, info.Get());
   DataAccessUtil::ChainError(kCode, kSource, u"ours");
-  EXPECT_EQ(TextsOf(TakeErrorInfo().As<HostChainedError>()),
-            (std::vector<std::u16string>{u"ours", u"somebody else's"}));
+  const ComPtr<HostChainedError> newest = TakeErrorInfo().As<HostChainedError>();
+  EXPECT_EQ(TextsOf(newest), (std::vector<std::u16string>{u"ours", u"somebody else's"}));
+  ComPtr<HostChainedError> older;
+  ASSERT_EQ(newest->GetNext(older.Receive()), S_OK);
+  BString source;
+  EXPECT_EQ(older.As<IErrorInfo>()->GetSource(source.Receive()), S_OK);
+  EXPECT_EQ(source.View(), component);
 }
 
 TEST_F(DataAccessUtilTest, EventLogHearsOfIt) {
