@@ -49,7 +49,7 @@ HRESULT TextFileDatasetHelper::EnsureOpen() noexcept try {
     return S_OK;
   }
   if (status == TextFile::OpenDatasetStatus::kFileNotOpened)
-    return ChainTextFileError(kFileNotOpened, description_->name);
+    return ChainTextFileError(kFileNotOpened, NameAsMessage(description_->name));
   return E_FAIL;
 } catch (...) {
   return HResultFromOpenException(description_->name);

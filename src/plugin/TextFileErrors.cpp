@@ -13,25 +13,39 @@
 namespace quenra {
 namespace {
 
-std::u16string SchemaIniMessage(std::u16string_view tableName, const TextFile::ParseError& error) {
-  std::u16string message(tableName);
-  message += u"\n\t";
-  message += LoadResourceString(kFirstParseErrorText + static_cast<std::uint32_t>(error.code()));
-  if (error.text().empty()) return message;
-  message += u"\n\t";
-  message += error.text();
+constexpr ErrorOrigin kOrigin{kTextFileErrorSource, kErrorSource, kHelpFile};
+constexpr ErrorOrigin kOriginWithoutSource{kTextFileErrorSource};
+
+MessageText SchemaIniMessage(std::u16string_view tableName, const TextFile::ParseError& error) {
+  MessageText message;
+  message.Insert(tableName).Add(u"\n\t").Add(
+      LoadResourceString(kFirstParseErrorText + static_cast<std::uint32_t>(error.code())));
+  if (!error.text().empty()) message.Add(u"\n\t").Insert(error.text());
   return message;
 }
 
 }  // namespace
 
 HRESULT ChainTextFileError(HRESULT code, std::u16string_view text) noexcept {
-  return DataAccessUtil::ChainError(
-      code, ErrorOrigin{kTextFileErrorSource, kErrorSource, kHelpFile}, text);
+  return DataAccessUtil::ChainError(code, kOrigin, text);
 }
 
-HRESULT ChainErrorWithoutSource(HRESULT code, std::u16string_view text) noexcept {
-  return DataAccessUtil::ChainError(code, kTextFileErrorSource, text);
+HRESULT ChainTextFileError(HRESULT code, const MessageText& message) noexcept {
+  return DataAccessUtil::ChainErrors(code, kOrigin, {&message, 1});
+}
+
+HRESULT ChainErrorWithoutSource(HRESULT code, const MessageText& message) noexcept {
+  return DataAccessUtil::ChainErrors(code, kOriginWithoutSource, {&message, 1});
+}
+
+HRESULT ChainErrorsWithoutSource(HRESULT code, std::span<const MessageText> messages) noexcept {
+  return DataAccessUtil::ChainErrors(code, kOriginWithoutSource, messages);
+}
+
+MessageText NameAsMessage(std::u16string_view name) {
+  MessageText message;
+  message.Insert(name);
+  return message;
 }
 
 HRESULT HResultFromTableException() noexcept try {
