@@ -53,7 +53,7 @@ HMODULE LoadModule(const std::optional<std::u16string>& named) {
   if (module != nullptr) return module;
   const DWORD error = ::GetLastError();
   const std::string text = "the module cannot be loaded: " + Shown(file);
-  if (named) throw UsageError(text);
+  if (named) throw UsageError(text, kGeneralHelp);
   throw Refusal(HRESULT_FROM_WIN32(error), text);
 }
 

@@ -84,7 +84,7 @@ void ModuleHost::CreateFactory(const GlobalOptions& options) {
   if (factory_) return;
   module_ = LoadModule(options.moduleFile);
   const auto getClassObject = EntryOf<GetClassObjectFunction>(module_, "DllGetClassObject");
-  if (getClassObject == nullptr) throw UsageError("the module is no data source");
+  if (getClassObject == nullptr) throw UsageError("the module is no data source", kGeneralHelp);
   ComPtr<IClassFactory> classFactory;
   Check(getClassObject(quenra::CLSID_TextFileWorkspaceFactory, IID_IClassFactory,
                        classFactory.ReceiveVoid()),
