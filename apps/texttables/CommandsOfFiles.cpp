@@ -94,7 +94,7 @@ ComPtr<quenra::IPlugInFileOperations> FileOperationsOf(const ModuleHost& host,
   ComPtr<quenra::IPlugInFileOperations> operations;
   if (FAILED(result)) {
     operations = FindListed(*workspace, path.name);
-    if (!operations) Check(result, path.name);
+    if (!operations) CheckOpened(result, path.name, PathOf(path));
     TakeChainedText(result);
   } else {
     operations = dataset.As<quenra::IPlugInFileOperations>();

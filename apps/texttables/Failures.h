@@ -59,6 +59,10 @@ std::string MeaningOf(HRESULT code);
 // else with the code's meaning and `subject`, the file or folder in question.
 void Check(HRESULT code, std::u16string_view subject);
 
+// The same of a file or folder that was to be opened: the message has the system's reason as well,
+// which is asked for at `path`.
+void CheckOpened(HRESULT code, std::u16string_view subject, std::u16string_view path);
+
 // A Refusal for an error of the system; `error` is errno, or a Win32 error code on Windows.
 Refusal SystemRefusal(int error, std::u16string_view subject);
 

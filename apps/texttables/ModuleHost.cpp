@@ -66,6 +66,12 @@ TablePath SplitTablePath(std::u16string_view path) {
   return result;
 }
 
+std::u16string PathOf(const TablePath& path) {
+  const std::filesystem::path file = std::filesystem::path(NativeFromFileName(path.folder)) /
+                                     std::filesystem::path(NativeFromFileName(path.name));
+  return FileNameFromNative(file.native());
+}
+
 ModuleHost::ModuleHost(const GlobalOptions& options)
     : showProgress_(!options.quiet), fieldTypeVersion_(options.fieldTypeVersion) {
   try {
@@ -122,7 +128,8 @@ ComPtr<quenra::IPlugInWorkspaceHelper> ModuleHost::OpenFolder(std::u16string_vie
   ComPtr<quenra::HostPropertySet> properties;
   if (fieldTypeVersion_) properties = PropertiesWith(*fieldTypeVersion_);
   ComPtr<quenra::IPlugInWorkspaceHelper> workspace;
-  Check(factory_->OpenFolderWorkspace(path.Get(), properties.Get(), workspace.Receive()), place);
+  CheckOpened(factory_->OpenFolderWorkspace(path.Get(), properties.Get(), workspace.Receive()),
+              place, place);
   return workspace;
 }
 
@@ -131,15 +138,14 @@ ComPtr<quenra::IPlugInDatasetHelper> ModuleHost::OpenTable(const TablePath& path
   const quenra::BString name(path.name);
   ComPtr<quenra::IPlugInDatasetHelper> dataset;
   const WaitingLine waiting = Wait(path);
-  Check(workspace->OpenDatasetByName(name.Get(), dataset.Receive()), path.name);
+  CheckOpened(workspace->OpenDatasetByName(name.Get(), dataset.Receive()), path.name, PathOf(path));
   return dataset;
 }
 
 WaitingLine ModuleHost::Wait(const TablePath& path) const {
-  const std::filesystem::path file = std::filesystem::path(NativeFromFileName(path.folder)) /
-                                     std::filesystem::path(NativeFromFileName(path.name));
   std::error_code error;
-  const std::uintmax_t bytes = std::filesystem::file_size(file, error);
+  const std::uintmax_t bytes =
+      std::filesystem::file_size(std::filesystem::path(NativeFromFileName(PathOf(path))), error);
   return {showProgress_, Shown(path.name), error ? 0 : bytes};
 }
 

@@ -6,6 +6,7 @@
 
 #include "host/CoreSupport/MessageText.h"
 #include "platform/ComTypes.h"
+#include "reading/LayoutMisfit.h"
 #include "schema/ParseError.h"
 
 namespace quenra {
@@ -34,6 +35,9 @@ HRESULT ChainErrorsWithoutSource(HRESULT code, std::span<const MessageText> mess
 
 // The name of a table or a folder alone, which is the whole text of some errors.
 MessageText NameAsMessage(std::u16string_view name);
+
+// Why the table of that name cannot be read as a table: which record does not fit its columns.
+MessageText MisfitMessage(std::u16string_view tableName, const TextFile::LayoutMisfit& misfit);
 
 // Inside a catch block around an operation on a table's files: what went wrong is chained with the
 // file's name and the reason, as E_FAIL; short memory stays E_OUTOFMEMORY.

@@ -91,13 +91,26 @@ TEST_F(RefusalTest, MissingTable) {
 
 TEST_F(RefusalTest, MissingFolderOfATable) {
   for (const char* command : {"describe", "rows", "count", "stat"})
-    ExpectRefused(Run({command, "nowhere/a.csv"}), "texttables: error: 0x80040258: nowhere\n");
+    ExpectRefused(Run({command, "nowhere/a.csv"}),
+                  "texttables: error: 0x80040258: nowhere: the folder cannot be opened (No such "
+                  "file or directory)\n");
 }
 
 TEST_F(RefusalTest, DirectoryNamedAsATable) {
   std::filesystem::create_directory(Folder() / "x.csv");
   for (const char* command : {"describe", "rows", "count", "stat"})
-    ExpectRefused(Run({command, "x.csv"}), "texttables: error: 0x80040211: x.csv\n");
+    ExpectRefused(
+        Run({command, "x.csv"}),
+        "texttables: error: 0x80040211: x.csv: the file cannot be opened (Is a directory)\n");
+}
+
+TEST_F(RefusalTest, TableThatFitsNoLayout) {
+  Write("a.csv", "a,b\n1,2,3\n");
+  Write("schema.ini", "[a.csv]\nFormat=CSVDelimited\nColNameHeader=True\n");
+  for (const char* command : {"describe", "rows", "count", "stat"})
+    ExpectRefused(Run({command, "a.csv"}),
+                  "texttables: error: 0x80004005: a.csv: row 1 (record 2 with the header line) has "
+                  "3 values for 2 columns\n");
 }
 
 struct SchemaCase {
