@@ -17,6 +17,15 @@ TEST_F(ListPosixTest, NamesAreEscapedOnATerminalOnly) {
             "a\\u001b[2J\\n\\u202e\\xe9" + std::string(220, 'x') + ".csv\n");
 }
 
+TEST_F(ListPosixTest, ClaimedNamesAreEscapedOnATerminalOnly) {
+  const std::string name = std::string("a\x1b[2J\xE2\x80\xAE") + ".csv";
+  Write("b.csv", "1\n");
+  ProcessRequest request = Request({"claim", ".", name});
+  EXPECT_EQ(RunProcess(request).output, name + "\n") << "programs get the name itself";
+  request.outputIsTerminal = true;
+  EXPECT_EQ(RunProcess(request).output, "a\\u001b[2J\\u202e.csv\n");
+}
+
 }  // namespace
 
 #endif

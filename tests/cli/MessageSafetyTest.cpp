@@ -198,15 +198,6 @@ TEST_F(MessageSafetyTest, RowsOf1000MismatchesTellThemAll) {
   EXPECT_EQ(Run({"rows", "a.csv", "--format", "none"}).errors, expected);
 }
 
-TEST_F(MessageSafetyTest, ClaimedNamesAreEscapedOnATerminalOnly) {
-  const std::string name = std::string("a\x1b[2J\xE2\x80\xAE") + ".csv";
-  Write("b.csv", "1\n");
-  ProcessRequest request = Request({"claim", ".", name});
-  EXPECT_EQ(RunProcess(request).output, name + "\n") << "programs get the name itself";
-  request.outputIsTerminal = true;
-  EXPECT_EQ(RunProcess(request).output, "a\\u001b[2J\\u202e.csv\n");
-}
-
 TEST_F(MessageSafetyTest, TablesSpellControlsAndMarksOfDirection) {
   Write("a.csv", std::string("N\n\"") + kHostile + "\"\n");
   const std::string output = Output({"rows", "a.csv", "--format", "table"});
