@@ -48,15 +48,16 @@ std::string InBrackets(const std::string& reason) {
 
 // What a person has to be told besides the name, which is all that the data source chains.
 std::string Explained(HRESULT code, const std::string& chained, std::u16string_view path) {
-  if (code == kFileNotOpened)
-    return chained + ": " + MeaningOf(code) + InBrackets(WhyFileIsNotOpened(path));
-  if (code == kFolderRejected)
-    return chained + ": " + MeaningOf(code) + InBrackets(WhyFolderIsNotOpened(path));
-  return chained;
+  if (code != kFileNotOpened && code != kFolderRejected) return chained;
+  const std::string text = chained + ": " + MeaningOf(code);
+  if (path.empty()) return text;
+  return text +
+         InBrackets(code == kFileNotOpened ? WhyFileIsNotOpened(path) : WhyFolderIsNotOpened(path));
 }
 
 // A table that the folder does not have needs no reason, but one that is there and not seen does.
 std::string WhyNotFound(std::u16string_view path) {
+  if (path.empty()) return {};
   const std::string reason = WhyFileIsNotOpened(path);
   const auto missing = std::make_error_code(std::errc::no_such_file_or_directory).message();
   return reason == missing ? std::string() : reason;
@@ -79,7 +80,7 @@ std::string HexCode(HRESULT code) {
   return text;
 }
 
-void Check(HRESULT code, std::u16string_view subject) { CheckOpened(code, subject, subject); }
+void Check(HRESULT code, std::u16string_view subject) { CheckOpened(code, subject, {}); }
 
 void CheckOpened(HRESULT code, std::u16string_view subject, std::u16string_view path) {
   if (!FAILED(code)) return;
