@@ -36,7 +36,11 @@ ChainedError::~ChainedError() {
   }
   ComPtr<HostChainedError> behind = std::move(next_);
   outermost = &behind;
-  while (behind) ComPtr<HostChainedError>(std::move(behind)).Reset();
+  while (behind) {
+    // Goes away at the end of the block, and leaves the one behind it.
+    ComPtr<HostChainedError> last;
+    std::swap(last, behind);
+  }
   outermost = nullptr;
 }
 
