@@ -2,8 +2,9 @@
 #   unit_tests    platform, host and core, linked with them
 #   module_tests  the built module through its exports alone
 #   cli_tests     the built program alone
-# and, on Windows, com_host_tests: the registered module; and include_rules, which holds the includes of src/ and apps/ against the architecture, and
-# library_paths, which looks where the files that are built and installed look for libraries.
+# and, on Windows, com_host_tests: the registered module. Besides include_rules, which holds the
+# includes of src/ and apps/ against the architecture, and library_paths, which looks where the files
+# that are built and installed look for libraries.
 # Each program writes its results to <build>/test-results/<name>.json, from which scripts/test counts.
 
 if(NOT WIN32)
@@ -82,6 +83,10 @@ endfunction()
 if(unit_sources)
   add_test_program(unit_tests ${unit_sources})
   link_existing(unit_tests PRIVATE textcore)
+  if(NOT WIN32)
+    # Tables that scripts have made of its properties are held against it.
+    target_link_libraries(unit_tests PRIVATE ICU::uc)
+  endif()
 endif()
 
 # Ended half-way by the tests of what then is on the disk. Its calls of the system go through its own

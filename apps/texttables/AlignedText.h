@@ -7,6 +7,9 @@
 //
 // The widths come from the first lines, which wait until the widths are known; a later line that
 // is wider pushes itself apart. So memory does not grow with the table.
+//
+// On a screen no line is wider than that: wide columns give up room to the others, their values end
+// in "…", and columns that have no room left at the right end are left out.
 #pragma once
 
 #include <string>
@@ -29,7 +32,8 @@ Cell PlainCell(std::string text);
 class AlignedText {
  public:
   // One entry a column: whether its cells stand at the right end of it.
-  AlignedText(Output& output, std::vector<bool> toTheRight);
+  // `screen` is how many columns a screen has; 0: lines may have any length.
+  AlignedText(Output& output, std::vector<bool> toTheRight, std::size_t screen = 0);
 
   // The first line, underlined.
   void AddHeader(std::vector<Cell> cells);
@@ -39,14 +43,21 @@ class AlignedText {
   // After the last line.
   void End();
 
+  // How many columns have been shown, from the left; known at the end.
+  std::size_t ShownColumns() const noexcept { return shown_; }
+
  private:
   void Keep(std::vector<Cell> cells);
   void AppendWaiting();
+  void FitToScreen();
+  void ShareRoom(std::size_t room);
   void AppendRule();
   void AppendLine(const std::vector<Cell>& cells);
 
   Output& output_;
   std::vector<bool> toTheRight_;
+  const std::size_t screen_;
+  std::size_t shown_;
   std::vector<std::size_t> widths_;
   std::vector<std::vector<Cell>> waiting_;
   bool hasHeader_ = false;

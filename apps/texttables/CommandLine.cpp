@@ -7,8 +7,8 @@
 
 #include "Failures.h"
 #include "Fields.h"
+#include "ShownText.h"
 #include "Terminal.h"
-#include "TextEncoding.h"
 
 namespace TextTables {
 
@@ -27,6 +27,8 @@ constexpr CommandName kCommands[] = {
     {Command::kClaim, "claim"},       {Command::kLocale, "locale"},
     {Command::kRegister, "register"}, {Command::kUnregister, "unregister"},
 };
+
+constexpr const char* kHelpCommand = "help";
 
 struct FormatName {
   RowFormat format;
@@ -65,13 +67,14 @@ std::u16string TextOf(const std::string& argument) {
 
 // Plain decimal digits only: no sign, no octal, no 0x.
 template <class Number>
-Number NumberOf(const std::string& argument, const char* option) {
+Number NumberOf(const std::string& argument, const char* option, const char* helpPage) {
   const std::string text = Unmarked(argument);
   Number value{};
   const char* const end = text.data() + text.size();
   const auto result = std::from_chars(text.data(), end, value);
   if (text.empty() || result.ec != std::errc() || result.ptr != end)
-    throw UsageError(std::string(option) + " takes a whole number, not \"" + text + "\"");
+    throw UsageError(std::string(option) + " takes a whole number, not \"" + Shown(text) + "\"",
+                     helpPage);
   return value;
 }
 
@@ -107,6 +110,7 @@ struct RawArguments {
   std::vector<std::string> columns;
   std::vector<std::string> fields;
   std::string source, target;
+  std::string helpPage;
 };
 
 void AddGlobalOptions(CLI::App& app, RawArguments& raw, GlobalOptions& global) {
@@ -118,8 +122,10 @@ void AddGlobalOptions(CLI::App& app, RawArguments& raw, GlobalOptions& global) {
       ->type_name("N");
   app.add_flag("--read-as-many-rows-as-needed", global.readAsManyRowsAsNeeded,
                "Look at more rows when the first ones do not settle the types");
-  app.add_flag("--no-lat-long-fields", global.noLatLongFields,
-               "No coordinate fields beside latitude/longitude texts");
+  app.add_flag(
+      "--no-lat-long-fields", global.noLatLongFields,
+      "No coordinate fields beside latitude/longitude texts; a table without a header line "
+      "gets them beside every text");
   app.add_flag("--infer-time-only-fields", global.inferTimeOnlyFields,
                "Times of day get a type of their own");
   app.add_option("--field-type-version", raw.fieldTypeVersion,
@@ -220,13 +226,16 @@ void AddCommands(CLI::App& app, RawArguments& raw, CommandLine& line) {
 
   AddCommand(app, "register", "Write the module's registration");
   AddCommand(app, "unregister", "Take the module's registration back");
+
+  CLI::App* help = AddCommand(app, kHelpCommand, "This help, or that of a command");
+  help->add_option("COMMAND", raw.helpPage, "The command")->type_name("");
 }
 
 std::pair<std::u16string, std::u16string> HostOptionOf(const std::string& argument) {
   const std::string text = Unmarked(argument);
   const std::size_t equals = text.find('=');
   if (equals == std::string::npos || equals == 0)
-    throw UsageError("--host-option takes NAME=VALUE, not \"" + text + "\"");
+    throw UsageError("--host-option takes NAME=VALUE, not \"" + Shown(text) + "\"", kGeneralHelp);
   return {Terminal::TextOfArgument(text.substr(0, equals)),
           Terminal::TextOfArgument(text.substr(equals + 1))};
 }
@@ -234,14 +243,15 @@ std::pair<std::u16string, std::u16string> HostOptionOf(const std::string& argume
 RowFormat FormatOf(const std::string& argument) {
   for (const FormatName& format : kFormats)
     if (format.name == argument) return format.format;
-  throw UsageError("there is no format \"" + argument + "\"; formats: " + NamesOf(kFormats));
+  throw UsageError("there is no format \"" + Shown(argument) + "\"; formats: " + NamesOf(kFormats),
+                   "rows");
 }
 
 void FillGlobalOptions(const CLI::App& app, const RawArguments& raw, GlobalOptions& global) {
   if (app.count("--module") > 0) global.moduleFile = TextOf(raw.moduleFile);
   if (app.count("--locale") > 0) global.locale = TextOf(raw.locale);
   if (app.count("--ansi-code-page") > 0)
-    global.ansiCodePage = NumberOf<unsigned>(raw.ansiCodePage, "--ansi-code-page");
+    global.ansiCodePage = NumberOf<unsigned>(raw.ansiCodePage, "--ansi-code-page", kGeneralHelp);
   if (app.count("--field-type-version") > 0) global.fieldTypeVersion = TextOf(raw.fieldTypeVersion);
   if (app.count("--event-log") > 0) global.eventLogFile = TextOf(raw.eventLogFile);
   for (const std::string& option : raw.hostOptions)
@@ -252,10 +262,11 @@ void FillRowOptions(const CLI::App& command, const RawArguments& raw, bool json,
   if (command.count("--format") > 0) rows.format = FormatOf(raw.format);
   if (json) {
     if (rows.format.value_or(RowFormat::kJsonLines) != RowFormat::kJsonLines)
-      throw UsageError("--json and --format " + raw.format + " exclude each other");
+      throw UsageError("--json and --format " + Shown(raw.format) + " exclude each other", "rows");
     rows.format = RowFormat::kJsonLines;
   }
-  if (command.count("--limit") > 0) rows.limit = NumberOf<std::uint64_t>(raw.limit, "--limit");
+  if (command.count("--limit") > 0)
+    rows.limit = NumberOf<std::uint64_t>(raw.limit, "--limit", "rows");
   for (const std::string& list : raw.columns)
     for (const std::string& name : SplitNames(Unmarked(list)))
       rows.columns.push_back(Terminal::TextOfArgument(name));
@@ -299,8 +310,9 @@ std::optional<NewField> ReadField(std::string_view text, int sizes) {
 NewField NewFieldOf(const std::string& text) {
   for (const int sizes : {2, 1, 0})
     if (auto field = ReadField(text, sizes)) return *std::move(field);
-  throw UsageError("--field takes NAME:TYPE[:LENGTH[:PRECISION]], not \"" + text +
-                   "\"; types: " + FieldTypeNames());
+  throw UsageError("--field takes NAME:TYPE[:LENGTH[:PRECISION]], not \"" + Shown(text) +
+                       "\"; types: " + FieldTypeNames(),
+                   "create");
 }
 
 void FillNewFields(const std::vector<std::string>& arguments, std::vector<NewField>& fields) {
@@ -308,7 +320,7 @@ void FillNewFields(const std::vector<std::string>& arguments, std::vector<NewFie
   for (const std::string& argument : arguments) {
     NewField field = NewFieldOf(Unmarked(argument));
     if (!names.insert(FoldedName(field.name)).second)
-      throw UsageError("there are two fields \"" + Utf8(field.name) + "\"");
+      throw UsageError("there are two fields \"" + Shown(field.name) + "\"", "create");
     fields.push_back(std::move(field));
   }
 }
@@ -319,21 +331,76 @@ Command CommandOf(const std::string& name) {
       ->command;
 }
 
-// The parser's own words, except where it does not know what the user meant.
+std::string CommandNames() { return NamesOf(kCommands) + ", " + kHelpCommand; }
+
+UsageError UnknownCommand(const std::string& name) {
+  return UsageError("there is no command \"" + Shown(name) + "\"; commands: " + CommandNames(),
+                    kGeneralHelp);
+}
+
+// As it would be typed, near enough to be recognised.
+std::string Typed(const std::string& argument) {
+  const std::string shown = Shown(Unmarked(argument));
+  return argument.empty() || argument.find(' ') != std::string::npos ? "\"" + shown + "\"" : shown;
+}
+
+// Options and arguments that the command does not know, in the order in which they were given.
+UsageError UnexpectedArguments(const std::string& command,
+                               const std::vector<std::string>& arguments) {
+  std::string text = command + " does not take";
+  for (const std::string& argument : arguments) text += " " + Typed(argument);
+  return UsageError(text, command);
+}
+
+// The page that tells of the option which the parser complains of: its words begin with the name of
+// the option, or have it behind a colon.
+std::string HelpPageOf(const CLI::App& app, std::string_view complaint,
+                       const std::string& command) {
+  for (const CLI::Option* option : app.get_options())
+    for (const std::string& name : option->get_lnames())
+      if (complaint.starts_with("--" + name + ":") ||
+          complaint.find(": --" + name + " = ") != std::string_view::npos)
+        return kGeneralHelp;
+  return command;
+}
+
+// What the parser could not make sense of, in words of ours where its own say less.
 UsageError UsageErrorOf(const CLI::App& app, const CLI::ParseError& error) {
-  const std::vector<std::string> others = app.remaining();
-  if (!app.get_subcommands().empty()) return UsageError(error.what());
+  const std::vector<std::string> others = app.remaining(true);
+  std::string complaint = error.what();
+  std::erase(complaint, kMark);
+  if (!app.get_subcommands().empty()) {
+    const std::string command = app.get_subcommands().front()->get_name();
+    if (dynamic_cast<const CLI::ExtrasError*>(&error) != nullptr && !others.empty())
+      return UnexpectedArguments(command, others);
+    return UsageError(Shown(complaint), HelpPageOf(app, complaint, command));
+  }
   for (const std::string& argument : others)
-    if (!argument.empty() && argument[0] != '-')
-      return UsageError("there is no command \"" + Unmarked(argument) +
-                        "\"; commands: " + NamesOf(kCommands));
-  if (!others.empty()) return UsageError("there is no option \"" + others.front() + "\"");
+    if (!argument.empty() && argument[0] != '-') return UnknownCommand(Unmarked(argument));
+  if (!others.empty())
+    return UsageError("there is no option \"" + Shown(others.front()) + "\"", kGeneralHelp);
   if (dynamic_cast<const CLI::RequiredError*>(&error) != nullptr)
-    return UsageError("a command is missing; commands: " + NamesOf(kCommands));
-  return UsageError(error.what());
+    return UsageError("a command is missing; commands: " + CommandNames(), kGeneralHelp);
+  return UsageError(Shown(complaint), kGeneralHelp);
+}
+
+// help and help COMMAND.
+std::string HelpOf(const CLI::App& app, const RawArguments& raw) {
+  if (raw.helpPage.empty())
+    return app.get_formatter()->make_help(&app, app.get_name(), CLI::AppFormatMode::Normal);
+  const std::string name = Unmarked(raw.helpPage);
+  for (const CLI::App* command : app.get_subcommands({}))
+    if (command->get_name() == name) return command->help(app.get_name());
+  throw UnknownCommand(name);
 }
 
 }  // namespace
+
+const char* NameOf(Command command) {
+  return std::find_if(std::begin(kCommands), std::end(kCommands),
+                      [command](const CommandName& entry) { return command == entry.command; })
+      ->name;
+}
 
 CommandLine ParseCommandLine(std::vector<std::string> arguments) {
   CommandLine line;
@@ -364,6 +431,10 @@ CommandLine ParseCommandLine(std::vector<std::string> arguments) {
   }
 
   const CLI::App& command = *app.get_subcommands().front();
+  if (command.get_name() == kHelpCommand) {
+    line.reply = HelpOf(app, raw);
+    return line;
+  }
   line.command = CommandOf(command.get_name());
   line.path = TextOf(raw.path);
   for (const std::string& name : raw.names) line.names.push_back(TextOf(name));

@@ -70,6 +70,9 @@ struct CommandLine {
   std::string reply;  // not empty: only this text is to be printed (help, version)
 };
 
+// The command's name on the command line.
+const char* NameOf(Command command);
+
 // `arguments` as Terminal::Arguments gives them. Throws UsageError.
 CommandLine ParseCommandLine(std::vector<std::string> arguments);
 

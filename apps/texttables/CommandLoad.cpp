@@ -11,6 +11,7 @@
 #include "LoadedRow.h"
 #include "ModuleHost.h"
 #include "Progress.h"
+#include "ShownText.h"
 #include "Terminal.h"
 #include "TextEncoding.h"
 #include "platform/FileNames.h"
@@ -77,7 +78,7 @@ class Loading {
  private:
   // Rows wait in the data source's buffer: those that were taken are not all in the file.
   [[noreturn]] void RefuseWriting(HRESULT code, const std::string& text) {
-    std::string whole = text.empty() ? MeaningOf(code) + ": " + MessageBytes(table_) : text;
+    std::string whole = text.empty() ? MeaningOf(code) + ": " + Shown(table_) : text;
     LONG count = 0;
     if (counter_ && !FAILED(counter_->CountRows(0, &count)))
       whole += "; the table has " + std::to_string(count) + (count == 1 ? " row" : " rows");
@@ -110,7 +111,7 @@ void RequireOtherFile(const std::u16string& source, const TablePath& path) {
   };
   std::error_code error;
   if (std::filesystem::equivalent(native(source), native(path.folder) / native(path.name), error))
-    throw UsageError("a table cannot be loaded from its own file, " + FileNameBytes(source));
+    throw UsageError("a table cannot be loaded from its own file, " + Shown(source));
 }
 
 void LoadLines(InputLines& lines, Loading& loading, bool showProgress) {
@@ -141,7 +142,7 @@ void RunLoad(const CommandLine& line, Output&) {
   const std::vector<Field> fields = FieldsOf(*dataset.Get(), path.name);
   const Terminal::DeferInterrupts defer;
   Loading loading(*dataset.Get(), fields, path,
-                  line.source ? FileNameBytes(*line.source) : "standard input", quiet);
+                  line.source ? Shown(*line.source) : "standard input", quiet);
   const auto tell = [&] {
     if (!quiet) Terminal::WriteStandardError(RowsLoaded(loading.Rows()) + "\n");
   };

@@ -6,8 +6,8 @@
 #include "Failures.h"
 #include "Fields.h"
 #include "ModuleHost.h"
+#include "ShownText.h"
 #include "Terminal.h"
-#include "TextEncoding.h"
 #include "host/CoreSupport/BString.h"
 #include "host/CoreSupport/Components.h"
 #include "host/interfaces/HostClasses.h"
@@ -36,7 +36,7 @@ void RequireFree(const TablePath& path) {
   std::error_code ignored;
   if (!std::filesystem::exists(std::filesystem::symlink_status(file, ignored))) return;
   const bool folder = std::filesystem::is_directory(file, ignored);
-  throw Refusal(kFileExists, FileNameBytes(path.name) +
+  throw Refusal(kFileExists, Shown(path.name) +
                                  (folder ? " exists already and is a folder" : " exists already"));
 }
 
@@ -94,7 +94,7 @@ ComPtr<quenra::IPlugInFileOperations> FileOperationsOf(const ModuleHost& host,
   ComPtr<quenra::IPlugInFileOperations> operations;
   if (FAILED(result)) {
     operations = FindListed(*workspace, path.name);
-    if (!operations) Check(result, path.name);
+    if (!operations) CheckOpened(result, path.name, PathOf(path));
     TakeChainedText(result);
   } else {
     operations = dataset.As<quenra::IPlugInFileOperations>();
@@ -142,8 +142,8 @@ void WarnOfOtherTypes(quenra::IPlugInDatasetHelper& dataset, const TablePath& pa
   for (std::size_t i = 0; i < fields.size() && i < wanted.size(); ++i)
     if (fields[i].type != TypeReadBack(wanted[i].type))
       ReportWarning(kFieldTypeDiffers,
-                    "field \"" + Utf8(wanted[i].name) + "\" is " + FieldTypeName(fields[i].type) +
-                        ": schema.ini had described " + FileNameBytes(path.name) + " already");
+                    "field \"" + Shown(wanted[i].name) + "\" is " + FieldTypeName(fields[i].type) +
+                        ": schema.ini had described " + Shown(path.name) + " already");
 }
 
 }  // namespace
@@ -188,7 +188,7 @@ void RunCopy(const CommandLine& line, Output&) {
 void RunRename(const CommandLine& line, Output&) {
   const TablePath path = SplitTablePath(line.path);
   if (SplitTablePath(line.target).name != line.target)
-    throw UsageError("rename takes a name, not a path: \"" + FileNameBytes(line.target) +
+    throw UsageError("rename takes a name, not a path: \"" + Shown(line.target) +
                      "\"; a table gets into another folder by copy and delete");
   const ModuleHost host(line.global);
   const auto operations = FileOperationsOf(host, path);

@@ -6,6 +6,8 @@
 #include "Failures.h"
 #include "JsonText.h"
 #include "ModuleHost.h"
+#include "ShownText.h"
+#include "Terminal.h"
 #include "TextEncoding.h"
 #include "host/CoreSupport/BString.h"
 #include "host/CoreSupport/Components.h"
@@ -22,14 +24,16 @@ std::filesystem::path PathOf(std::u16string_view name) {
   return std::filesystem::path(NativeFromFileName(name));
 }
 
+// Programs get names as the system spells them; a terminal gets nothing that commands it.
 void AppendNames(const std::vector<std::u16string>& names, bool json, Output& output) {
+  const bool escaped = Terminal::StandardOutputIsTerminal();
   if (json) output.Append('[');
   for (std::size_t i = 0; i < names.size(); ++i) {
     if (json) {
       if (i > 0) output.Append(", ");
       AppendJsonString(output, names[i]);
     } else {
-      output.Append(FileNameBytes(names[i]));
+      output.Append(escaped ? ShownWhole(names[i]) : FileNameBytes(names[i]));
       output.Append('\n');
     }
   }

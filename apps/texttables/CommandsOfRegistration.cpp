@@ -43,7 +43,7 @@ void CallModule(const GlobalOptions& options, const char* name) {
   const auto entry = EntryOf<RegistrationFunction>(module, name);
   const HRESULT result = entry != nullptr ? entry() : E_NOTIMPL;
   ::FreeLibrary(module);
-  if (entry == nullptr) throw UsageError("the module is no data source");
+  if (entry == nullptr) throw UsageError("the module is no data source", kGeneralHelp);
   const char* const fault = result == SELFREG_E_CLASS ? FaultOfRegistry() : nullptr;
   if (fault != nullptr) throw Refusal(result, MeaningOf(result) + ": " + fault);
   Check(result, {});

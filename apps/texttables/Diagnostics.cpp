@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "Failures.h"
+#include "ShownText.h"
 #include "Terminal.h"
 #include "TextEncoding.h"
 #include "host/CoreSupport/BString.h"
@@ -20,12 +21,35 @@ struct ChainedError {
   std::string text;
 };
 
+// The text with the values and names in it as people are shown them. Of an error that does not tell
+// them from its own words everything is taken for its own; the whole is made safe when it is
+// written.
+std::string WithShownInserts(quenra::HostChainedError& error, std::u16string_view text) {
+  std::string shown;
+  std::size_t place = 0;
+  const auto inserts = quenra::QueryFor<quenra::HostErrorInserts>(&error);
+  LONG count = 0;
+  if (inserts) inserts->GetInsertCount(&count);
+  for (LONG i = 0; i < count; ++i) {
+    LONG begin = 0;
+    LONG length = 0;
+    if (FAILED(inserts->GetInsert(i, &begin, &length))) break;
+    const auto start = static_cast<std::size_t>(begin);
+    const auto end = start + static_cast<std::size_t>(length);
+    if (begin < 0 || length < 0 || start < place || end > text.size()) break;
+    shown += MessageBytes(text.substr(place, start - place));
+    shown += Shown(text.substr(start, end - start));
+    place = end;
+  }
+  return shown + MessageBytes(text.substr(place));
+}
+
 ChainedError Read(quenra::HostChainedError* error) {
   ChainedError result;
   error->GetCode(&result.code);
   quenra::BString text;
   error->GetText(text.Receive());
-  result.text = MessageBytes(text.View());
+  result.text = WithShownInserts(*error, text.View());
   return result;
 }
 
@@ -67,7 +91,7 @@ void WriteDiagnosis(std::string_view kind, HRESULT code, std::string_view text) 
   std::string line = "texttables: ";
   line += kind;
   line += ": " + HexCode(code) + ": ";
-  line += text;
+  line += ShownMessage(text);
   line += '\n';
   Terminal::WriteStandardError(line);
 }
@@ -95,10 +119,12 @@ void ReportWarning(HRESULT code, std::string_view text) { WriteDiagnosis("warnin
 
 void ReportRefusal(HRESULT code, std::string_view text) { WriteDiagnosis("error", code, text); }
 
-void ReportUsageError(std::string_view text) {
+void ReportUsageError(std::string_view text, std::string_view helpPage) {
   std::string message = "texttables: ";
-  message += text;
-  message += "\nTry 'texttables --help'.\n";
+  message += ShownMessage(text);
+  message += "\nTry 'texttables ";
+  if (!helpPage.empty()) message.append(helpPage).append(" ");
+  message += "--help'.\n";
   Terminal::WriteStandardError(message);
 }
 

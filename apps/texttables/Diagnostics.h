@@ -22,7 +22,8 @@ void ReportWarning(HRESULT code, std::string_view text);
 // "texttables: error: 0x80040351: text". Texts keep their line breaks.
 void ReportRefusal(HRESULT code, std::string_view text);
 
-// "texttables: text" and where help is.
-void ReportUsageError(std::string_view text);
+// "texttables: text" and where help is: on the page of that command, or for none on the general
+// one.
+void ReportUsageError(std::string_view text, std::string_view helpPage);
 
 }  // namespace TextTables

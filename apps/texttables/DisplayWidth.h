@@ -1,4 +1,4 @@
-// Text on a terminal: what it shows and how many columns that takes.
+// How many columns text takes on a terminal.
 #pragma once
 
 #include <cstddef>
@@ -7,11 +7,11 @@
 
 namespace TextTables {
 
-// `text` with control characters spelled out (\t, \n, \r, \u001b), so that a table stays aligned
-// and no file's content can command the terminal.
-std::u16string WithoutControls(std::u16string_view text);
-
-// Columns of a terminal: two for East Asian wide characters and emoji, none for combining marks.
+// Columns of a terminal: see ColumnsOf in host/CoreSupport/CharacterWidth.h.
 std::size_t DisplayWidth(std::u16string_view text) noexcept;
+
+// `text` if it takes no more than `columns` columns, at least one; else its beginning and "…",
+// which together take no more.
+std::u16string CutToWidth(std::u16string_view text, std::size_t columns);
 
 }  // namespace TextTables

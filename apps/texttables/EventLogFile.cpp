@@ -6,7 +6,7 @@
 #include "Failures.h"
 #include "JsonText.h"
 #include "NumberText.h"
-#include "TextEncoding.h"
+#include "ShownText.h"
 #include "platform/FileNames.h"
 
 namespace TextTables {
@@ -71,7 +71,7 @@ EventLogFile* EventLogFile::current_ = nullptr;
 
 EventLogFile::EventLogFile(std::u16string_view fileName)
     : file_(std::filesystem::path(NativeFromFileName(fileName)), std::ios::binary) {
-  if (!file_) throw UsageError("cannot write the event log " + FileNameBytes(fileName));
+  if (!file_) throw UsageError("cannot write the event log " + Shown(fileName), kGeneralHelp);
   current_ = this;
   quenra::EventLog::SetSink([this](const EventLogRecord& record) { Write(record); });
 }

@@ -4,11 +4,17 @@
 #include <system_error>
 
 #include "Diagnostics.h"
-#include "TextEncoding.h"
+#include "ShownText.h"
+#include "WhyNotOpened.h"
 
 namespace TextTables {
 
 namespace {
+
+// Codes of the data source.
+constexpr HRESULT kTableNotFound = static_cast<HRESULT>(0x80040351u);
+constexpr HRESULT kFileNotOpened = static_cast<HRESULT>(0x80040211u);
+constexpr HRESULT kFolderRejected = static_cast<HRESULT>(0x80040258u);
 
 struct Meaning {
   HRESULT code;
@@ -17,10 +23,10 @@ struct Meaning {
 
 // The codes that the data source gives without a text of its own, and those of COM.
 const Meaning kMeanings[] = {
-    {static_cast<HRESULT>(0x80040351u), "table not found"},
+    {kTableNotFound, "table not found"},
     {static_cast<HRESULT>(0x80040203u), "field type not supported"},
-    {static_cast<HRESULT>(0x80040211u), "file cannot be opened"},
-    {static_cast<HRESULT>(0x80040258u), "not a folder that can be opened"},
+    {kFileNotOpened, "the file cannot be opened"},
+    {kFolderRejected, "the folder cannot be opened"},
     {static_cast<HRESULT>(0x80040311u), "schema.ini cannot be understood"},
     {static_cast<HRESULT>(0x80040955u), "a value does not fit its field"},
     {E_FAIL, "the data source cannot do this"},
@@ -35,6 +41,27 @@ const Meaning kMeanings[] = {
     {SELFREG_E_CLASS, "the registration cannot be changed"},
     {CLASS_E_NOAGGREGATION, "the class cannot be aggregated"},
 };
+
+std::string InBrackets(const std::string& reason) {
+  return reason.empty() ? reason : " (" + reason + ")";
+}
+
+// What a person has to be told besides the name, which is all that the data source chains.
+std::string Explained(HRESULT code, const std::string& chained, std::u16string_view path) {
+  if (code != kFileNotOpened && code != kFolderRejected) return chained;
+  const std::string text = chained + ": " + MeaningOf(code);
+  if (path.empty()) return text;
+  return text +
+         InBrackets(code == kFileNotOpened ? WhyFileIsNotOpened(path) : WhyFolderIsNotOpened(path));
+}
+
+// A table that the folder does not have needs no reason, but one that is there and not seen does.
+std::string WhyNotFound(std::u16string_view path) {
+  if (path.empty()) return {};
+  const std::string reason = WhyFileIsNotOpened(path);
+  const auto missing = std::make_error_code(std::errc::no_such_file_or_directory).message();
+  return reason == missing ? std::string() : reason;
+}
 
 }  // namespace
 
@@ -53,19 +80,21 @@ std::string HexCode(HRESULT code) {
   return text;
 }
 
-void Check(HRESULT code, std::u16string_view subject) {
+void Check(HRESULT code, std::u16string_view subject) { CheckOpened(code, subject, {}); }
+
+void CheckOpened(HRESULT code, std::u16string_view subject, std::u16string_view path) {
   if (!FAILED(code)) return;
-  std::string text = TakeChainedText(code);
-  if (text.empty()) {
-    text = MeaningOf(code);
-    if (!subject.empty()) text += ": " + MessageBytes(subject);
-  }
+  if (const std::string chained = TakeChainedText(code); !chained.empty())
+    throw Refusal(code, Explained(code, chained, path));
+  std::string text = MeaningOf(code);
+  if (!subject.empty()) text += ": " + Shown(subject);
+  if (code == kTableNotFound) text += InBrackets(WhyNotFound(path));
   throw Refusal(code, text);
 }
 
 Refusal SystemRefusal(int error, std::u16string_view subject) {
   const auto code = static_cast<HRESULT>(0x80070000u | (static_cast<unsigned>(error) & 0xFFFFu));
-  return Refusal(code, std::system_category().message(error) + ": " + MessageBytes(subject));
+  return Refusal(code, std::system_category().message(error) + ": " + Shown(subject));
 }
 
 }  // namespace TextTables

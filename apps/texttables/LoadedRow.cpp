@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "Failures.h"
-#include "TextEncoding.h"
+#include "ShownText.h"
 #include "ValueReader.h"
 #include "host/CoreSupport/CharacterClasses.h"
 #include "host/CoreSupport/Components.h"
@@ -20,8 +20,8 @@ constexpr HRESULT kFieldValueError = static_cast<HRESULT>(0x80040955u);
 
 constexpr std::size_t kNoField = static_cast<std::size_t>(-1);
 
-// Values are quoted in messages up to so many bytes.
-constexpr std::size_t kQuotedBytes = 60;
+// Of the names of all fields a message tells so many bytes.
+constexpr std::size_t kListedBytes = 600;
 
 std::u16string Folded(std::u16string_view name) {
   std::u16string folded(name);
@@ -29,14 +29,7 @@ std::u16string Folded(std::u16string_view name) {
   return folded;
 }
 
-std::string Shortened(std::string_view bytes) {
-  if (bytes.size() <= kQuotedBytes) return std::string(bytes);
-  std::size_t end = kQuotedBytes;
-  while (end > 0 && (static_cast<unsigned char>(bytes[end]) & 0xC0) == 0x80) --end;
-  return std::string(bytes.substr(0, end)) + "...";
-}
-
-std::string Quoted(std::u16string_view name) { return "\"" + Utf8(name) + "\""; }
+std::string Quoted(std::u16string_view name) { return "\"" + Shown(name) + "\""; }
 
 std::string Counted(std::size_t count, const char* what) {
   return std::to_string(count) + " " + what + (count == 1 ? "" : "s");
@@ -71,7 +64,7 @@ void LoadedRow::Read(std::string_view json) {
       return ReadObject();
     default:
       throw BadRow(kInvalidData, "a row is an array or an object, not " +
-                                     Shortened(document_.Source(document_.At(0))));
+                                     Shown(document_.Source(document_.At(0))));
   }
 }
 
@@ -132,8 +125,8 @@ std::size_t LoadedRow::FieldNamed(std::u16string_view name) const {
   if (known) throw BadRow(kInvalidData, "field " + Quoted(name) + " is given twice");
   std::string names;
   for (const std::size_t column : columns_) {
-    names += (names.empty() ? "; fields: " : ", ") + Utf8(fields_[column].name);
-    if (names.size() > 10 * kQuotedBytes) {
+    names += (names.empty() ? "; fields: " : ", ") + Shown(fields_[column].name);
+    if (names.size() > kListedBytes) {
       names += ", ...";
       break;
     }
@@ -156,7 +149,7 @@ void LoadedRow::SetValue(std::size_t field, std::size_t node) {
   if (!ReadFieldValue(document_, node, target.type, value))
     throw BadRow(kFieldValueError, "field " + Quoted(target.name) + " (" +
                                        FieldTypeName(target.type) + ") cannot hold " +
-                                       Shortened(document_.Source(document_.At(node))));
+                                       Shown(document_.Source(document_.At(node))));
   if (target.type == kStringField) WarnOfCut(field, value.Text());
   Check(buffer_->SetValue(static_cast<LONG>(field), value.Address()), target.name);
 }

@@ -3,7 +3,7 @@
 #include <filesystem>
 
 #include "Failures.h"
-#include "TextEncoding.h"
+#include "ShownText.h"
 #include "platform/FileNames.h"
 #include "platform/Modules.h"
 #include "platform/OleText.h"
@@ -52,8 +52,8 @@ HMODULE LoadModule(const std::optional<std::u16string>& named) {
   const HMODULE module = ::LoadLibraryW(AsOle(file.c_str()));
   if (module != nullptr) return module;
   const DWORD error = ::GetLastError();
-  const std::string text = "the module cannot be loaded: " + FileNameBytes(file);
-  if (named) throw UsageError(text);
+  const std::string text = "the module cannot be loaded: " + Shown(file);
+  if (named) throw UsageError(text, kGeneralHelp);
   throw Refusal(HRESULT_FROM_WIN32(error), text);
 }
 

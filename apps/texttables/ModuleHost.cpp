@@ -4,7 +4,7 @@
 
 #include "Failures.h"
 #include "ModuleFile.h"
-#include "TextEncoding.h"
+#include "ShownText.h"
 #include "host/CoreSupport/Components.h"
 #include "host/CoreSupport/Variant.h"
 #include "host/interfaces/DataSourceClasses.h"
@@ -61,9 +61,15 @@ TablePath SplitTablePath(std::u16string_view path) {
   TablePath result{std::u16string(WithoutTrailingSeparators(path.substr(0, start))),
                    std::u16string(path.substr(start))};
   if (result.name.empty())
-    throw UsageError("\"" + FileNameBytes(path) + "\" names no table; a table is FOLDER/NAME");
+    throw UsageError("\"" + Shown(path) + "\" names no table; a table is FOLDER/NAME");
   if (result.folder.empty()) result.folder = u".";
   return result;
+}
+
+std::u16string PathOf(const TablePath& path) {
+  const std::filesystem::path file = std::filesystem::path(NativeFromFileName(path.folder)) /
+                                     std::filesystem::path(NativeFromFileName(path.name));
+  return FileNameFromNative(file.native());
 }
 
 ModuleHost::ModuleHost(const GlobalOptions& options)
@@ -84,7 +90,7 @@ void ModuleHost::CreateFactory(const GlobalOptions& options) {
   if (factory_) return;
   module_ = LoadModule(options.moduleFile);
   const auto getClassObject = EntryOf<GetClassObjectFunction>(module_, "DllGetClassObject");
-  if (getClassObject == nullptr) throw UsageError("the module is no data source");
+  if (getClassObject == nullptr) throw UsageError("the module is no data source", kGeneralHelp);
   ComPtr<IClassFactory> classFactory;
   Check(getClassObject(quenra::CLSID_TextFileWorkspaceFactory, IID_IClassFactory,
                        classFactory.ReceiveVoid()),
@@ -122,7 +128,8 @@ ComPtr<quenra::IPlugInWorkspaceHelper> ModuleHost::OpenFolder(std::u16string_vie
   ComPtr<quenra::HostPropertySet> properties;
   if (fieldTypeVersion_) properties = PropertiesWith(*fieldTypeVersion_);
   ComPtr<quenra::IPlugInWorkspaceHelper> workspace;
-  Check(factory_->OpenFolderWorkspace(path.Get(), properties.Get(), workspace.Receive()), place);
+  CheckOpened(factory_->OpenFolderWorkspace(path.Get(), properties.Get(), workspace.Receive()),
+              place, place);
   return workspace;
 }
 
@@ -131,16 +138,15 @@ ComPtr<quenra::IPlugInDatasetHelper> ModuleHost::OpenTable(const TablePath& path
   const quenra::BString name(path.name);
   ComPtr<quenra::IPlugInDatasetHelper> dataset;
   const WaitingLine waiting = Wait(path);
-  Check(workspace->OpenDatasetByName(name.Get(), dataset.Receive()), path.name);
+  CheckOpened(workspace->OpenDatasetByName(name.Get(), dataset.Receive()), path.name, PathOf(path));
   return dataset;
 }
 
 WaitingLine ModuleHost::Wait(const TablePath& path) const {
-  const std::filesystem::path file = std::filesystem::path(NativeFromFileName(path.folder)) /
-                                     std::filesystem::path(NativeFromFileName(path.name));
   std::error_code error;
-  const std::uintmax_t bytes = std::filesystem::file_size(file, error);
-  return {showProgress_, FileNameBytes(path.name), error ? 0 : bytes};
+  const std::uintmax_t bytes =
+      std::filesystem::file_size(std::filesystem::path(NativeFromFileName(PathOf(path))), error);
+  return {showProgress_, Shown(path.name), error ? 0 : bytes};
 }
 
 }  // namespace TextTables

@@ -27,6 +27,9 @@ struct TablePath {
 // A bare name stands in the folder ".". Throws UsageError when the path ends in a separator.
 TablePath SplitTablePath(std::u16string_view path);
 
+// Folder and name put together again.
+std::u16string PathOf(const TablePath& path);
+
 // `folder` without the separators at its end, except those of a root.
 std::u16string_view WithoutTrailingSeparators(std::u16string_view folder);
 

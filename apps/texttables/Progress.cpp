@@ -1,10 +1,13 @@
 #include "Progress.h"
 
+#include <algorithm>
 #include <array>
 #include <cstdio>
 #include <utility>
 
+#include "DisplayWidth.h"
 #include "Terminal.h"
+#include "TextEncoding.h"
 
 namespace TextTables {
 
@@ -19,11 +22,11 @@ std::string Grouped(std::uint64_t value) {
   return text;
 }
 
-void ShowLine(std::string line) {
+void ShowLine(std::string_view line) {
   // A line that wraps cannot be taken away.
-  const auto columns = static_cast<std::size_t>(Terminal::Columns());
-  if (line.size() >= columns) line.resize(columns > 0 ? columns - 1 : 0);
-  Terminal::ShowProgressLine(line);
+  const auto columns = static_cast<std::size_t>(std::max(Terminal::Columns(), 2));
+  const std::u16string text = Terminal::TextOfArgument(line);
+  Terminal::ShowProgressLine(Utf8(CutToWidth(text, columns - 1)));
 }
 
 }  // namespace

@@ -4,7 +4,7 @@
 #include <new>
 
 #include "Failures.h"
-#include "TextEncoding.h"
+#include "ShownText.h"
 #include "host/CoreSupport/Variant.h"
 
 namespace TextTables {
@@ -12,9 +12,9 @@ namespace TextTables {
 namespace {
 
 UsageError UnknownColumn(const std::vector<Field>& fields, const std::u16string& name) {
-  std::string text = "there is no column \"" + Utf8(name) + "\"; columns: ";
+  std::string text = "there is no column \"" + Shown(name) + "\"; columns: ";
   for (std::size_t i = 0; i < fields.size(); ++i)
-    text += (i > 0 ? ", " : "") + Utf8(fields[i].name);
+    text += (i > 0 ? ", " : "") + Shown(fields[i].name);
   return UsageError(text);
 }
 

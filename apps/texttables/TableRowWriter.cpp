@@ -1,12 +1,20 @@
-// Rows aligned for people: numbers to the right, everything else to the left.
+// Rows aligned for people: numbers to the right, everything else to the left, and on a terminal no
+// wider than that.
+#include <algorithm>
+
 #include "AlignedText.h"
 #include "RowWriter.h"
+#include "ShownText.h"
+#include "Terminal.h"
 #include "ValueText.h"
 #include "platform/OleText.h"
 
 namespace TextTables {
 
 namespace {
+
+// More names than that would hide the table.
+constexpr std::size_t kNamesTold = 50;
 
 bool IsNumberField(LONG type) {
   constexpr LONG kDouble = 3;
@@ -26,7 +34,8 @@ class TableRowWriter : public RowWriter {
       toTheRight.push_back(IsNumberField(column.type));
       names.push_back(TextCell(column.name));
     }
-    table_ = std::make_unique<AlignedText>(output_, std::move(toTheRight));
+    table_ =
+        std::make_unique<AlignedText>(output_, std::move(toTheRight), Terminal::OutputColumns());
     table_->AddHeader(std::move(names));
   }
 
@@ -38,9 +47,26 @@ class TableRowWriter : public RowWriter {
     table_->AddLine(std::move(cells));
   }
 
-  void End() override { table_->End(); }
+  void End() override {
+    table_->End();
+    TellLeftOut(table_->ShownColumns());
+  }
 
  private:
+  // On a screen that has no room for the columns from there on.
+  void TellLeftOut(std::size_t first) {
+    if (first == columns_.size()) return;
+    output_.Append("\nleft out: ");
+    const std::size_t end = std::min(columns_.size(), first + kNamesTold);
+    for (std::size_t i = first; i < end; ++i) {
+      if (i > first) output_.Append(", ");
+      output_.Append(Shown(columns_[i].name));
+    }
+    if (end < columns_.size())
+      output_.Append(" and " + std::to_string(columns_.size() - end) + " more");
+    output_.Append(" (--columns chooses)\n");
+  }
+
   Cell CellOf(const VARIANT& value, LONG fieldType) {
     if (value.vt == VT_BSTR) return TextCell(ViewOf(value.bstrVal));
     AppendPlainValue(scratch_, value, fieldType);

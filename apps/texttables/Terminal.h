@@ -33,6 +33,10 @@ bool StandardErrorIsTerminal();
 // Columns of the terminal behind standard error; 80 when it does not say.
 int Columns();
 
+// Columns that a line of standard output may take; 0 when it is no terminal, or one that does not
+// say.
+std::size_t OutputColumns();
+
 // Writes some of the bytes and answers how many. Throws OutputClosed, Interrupted or a Refusal.
 std::size_t WriteStandardOutput(const char* bytes, std::size_t count);
 

@@ -34,6 +34,12 @@ void WriteAll(int file, std::string_view bytes) {
   }
 }
 
+// 0 when the file is no terminal, or does not say.
+unsigned short ColumnsOf(int file) {
+  winsize size = {};
+  return ::ioctl(file, TIOCGWINSZ, &size) == 0 ? size.ws_col : 0;
+}
+
 void EndBySignal(int number) {
   if (progressShown) WriteAll(STDERR_FILENO, kClearLine);
   ::signal(number, SIG_DFL);
@@ -77,10 +83,11 @@ bool StandardOutputIsTerminal() { return ::isatty(STDOUT_FILENO) == 1; }
 bool StandardErrorIsTerminal() { return ::isatty(STDERR_FILENO) == 1; }
 
 int Columns() {
-  winsize size = {};
-  if (::ioctl(STDERR_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0) return size.ws_col;
-  return 80;
+  const int columns = ColumnsOf(STDERR_FILENO);
+  return columns > 0 ? columns : 80;
 }
+
+std::size_t OutputColumns() { return ColumnsOf(STDOUT_FILENO); }
 
 std::size_t WriteStandardOutput(const char* bytes, std::size_t count) {
   for (;;) {

@@ -55,6 +55,13 @@ BOOL WINAPI OnConsoleControl(DWORD) {
   return FALSE;
 }
 
+// 0 when it is no console.
+int ColumnsOf(DWORD which) {
+  CONSOLE_SCREEN_BUFFER_INFO info = {};
+  if (!::GetConsoleScreenBufferInfo(::GetStdHandle(which), &info)) return 0;
+  return info.srWindow.Right - info.srWindow.Left + 1;
+}
+
 bool IsConsole(DWORD which) {
   DWORD mode = 0;
   return ::GetConsoleMode(::GetStdHandle(which), &mode) != 0;
@@ -94,9 +101,14 @@ bool StandardOutputIsTerminal() { return IsConsole(STD_OUTPUT_HANDLE); }
 bool StandardErrorIsTerminal() { return IsConsole(STD_ERROR_HANDLE); }
 
 int Columns() {
-  CONSOLE_SCREEN_BUFFER_INFO info = {};
-  if (!::GetConsoleScreenBufferInfo(::GetStdHandle(STD_ERROR_HANDLE), &info)) return 80;
-  return info.srWindow.Right - info.srWindow.Left + 1;
+  const int columns = ColumnsOf(STD_ERROR_HANDLE);
+  return columns > 0 ? columns : 80;
+}
+
+// Consoles go to the next line as soon as one is full, and then once more at its end.
+std::size_t OutputColumns() {
+  const int columns = ColumnsOf(STD_OUTPUT_HANDLE);
+  return columns > 1 ? static_cast<std::size_t>(columns - 1) : 0;
 }
 
 std::size_t WriteStandardOutput(const char* bytes, std::size_t count) {

@@ -1,4 +1,6 @@
 // texttables: a host application for the text data source.
+#include <algorithm>
+#include <cctype>
 #include <exception>
 #include <new>
 #include <optional>
@@ -9,8 +11,8 @@
 #include "EventLogFile.h"
 #include "Failures.h"
 #include "Output.h"
+#include "ShownText.h"
 #include "Terminal.h"
-#include "TextEncoding.h"
 #include "host/CoreSupport/QUENRALocale.h"
 #include "host/CoreSupport/Variant.h"
 #include "host/DataCore/DataCoreUtil.h"
@@ -19,13 +21,42 @@ namespace TextTables {
 
 namespace {
 
+// What the system's own functions make of other spellings differs from system to system: de_DE is
+// German here, unknown there, and the empty name is a locale of no country.
+bool IsLanguageTag(std::u16string_view name) {
+  for (std::size_t begin = 0; begin <= name.size();) {
+    const std::size_t end = std::min(name.find(u'-', begin), name.size());
+    if (end == begin || end - begin > 8) return false;
+    for (const char16_t unit : name.substr(begin, end - begin))
+      if (unit >= 0x80 || std::isalnum(unit) == 0) return false;
+    begin = end + 1;
+  }
+  return true;
+}
+
+// The tag of a locale that is spelled as in the environment, de_DE.UTF-8@euro; else an example.
+std::u16string TagToTry(std::u16string_view name) {
+  std::u16string tag(name.substr(0, name.find_first_of(u".@")));
+  std::replace(tag.begin(), tag.end(), u'_', u'-');
+  return IsLanguageTag(tag) && tag.find(u'-') != std::u16string::npos ? tag : u"de-DE";
+}
+
+void SetUserLocale(const std::u16string& name) {
+  if (!IsLanguageTag(name))
+    throw UsageError(
+        "--locale takes a name such as " + Shown(TagToTry(name)) + ", not \"" + Shown(name) + "\"",
+        kGeneralHelp);
+  if (!quenra::QUENRALocale::SetLocale(name))
+    throw UsageError("there is no locale \"" + Shown(name) + "\"", kGeneralHelp);
+}
+
 // The settings of this process, which the module reads; to be made before it is loaded.
 void ApplyHostSettings(const GlobalOptions& options) {
   using quenra::QUENRALocale;
-  if (options.locale && !QUENRALocale::SetLocale(*options.locale))
-    throw UsageError("there is no locale \"" + Utf8(*options.locale) + "\"");
+  if (options.locale) SetUserLocale(*options.locale);
   if (options.ansiCodePage && !QUENRALocale::SetAnsiCodePage(*options.ansiCodePage))
-    throw UsageError("there is no code page " + std::to_string(*options.ansiCodePage));
+    throw UsageError("there is no code page " + std::to_string(*options.ansiCodePage),
+                     kGeneralHelp);
   for (const auto& [name, text] : options.hostOptions)
     quenra::DataCoreUtil::SetOption(name, quenra::Variant(text).Address());
 }
@@ -74,6 +105,8 @@ void Run(std::vector<std::string> arguments) {
     if (line.global.eventLogFile) eventLog.emplace(*line.global.eventLogFile);
     try {
       RunCommand(line, output);
+    } catch (const UsageError& error) {
+      throw UsageError(error.what(), error.HelpPage().value_or(NameOf(line.command)));
     } catch (const Refusal&) {
       // The rows before the refusal are good.
       output.Flush();
@@ -90,7 +123,7 @@ int RunToExitCode(std::vector<std::string> arguments) {
   } catch (const OutputClosed&) {
     return kExitDone;
   } catch (const UsageError& error) {
-    ReportUsageError(error.what());
+    ReportUsageError(error.what(), error.HelpPage().value_or(kGeneralHelp));
     return kExitUsage;
   } catch (const Refusal& refusal) {
     ReportRefusal(refusal.Code(), refusal.what());

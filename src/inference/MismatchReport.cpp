@@ -46,18 +46,18 @@ void RecordMismatches(const TextDatasetDescription& table,
   }
 }
 
-std::vector<std::u16string> ReportMismatches(const TextDatasetDescription& table,
-                                             std::span<Mismatch> mismatches,
-                                             MessageLoader loadMessage) {
+std::vector<quenra::MessageText> ReportMismatches(const TextDatasetDescription& table,
+                                                  std::span<Mismatch> mismatches,
+                                                  MessageLoader loadMessage) {
   RecordMismatches(table, mismatches);
-  std::vector<std::u16string> messages;
+  std::vector<quenra::MessageText> messages;
   messages.reserve(mismatches.size());
   for (const Mismatch& mismatch : mismatches) {
     const std::u16string format =
         loadMessage(kFirstOutcomeMessage + static_cast<std::uint32_t>(mismatch.outcome));
     messages.push_back(
-        quenra::String::FormatMessageW(format, {table.name, mismatch.text, mismatch.fieldName}));
-    quenra::EventLog::Write(messages.back());
+        quenra::String::ComposeMessage(format, {table.name, mismatch.text, mismatch.fieldName}));
+    quenra::EventLog::Write(messages.back().text);
   }
   return messages;
 }

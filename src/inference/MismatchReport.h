@@ -9,6 +9,7 @@
 #include <string_view>
 #include <vector>
 
+#include "host/CoreSupport/MessageText.h"
 #include "reading/TextDatasetDescription.h"
 
 namespace TextFile {
@@ -39,8 +40,8 @@ struct Mismatch {
 void RecordMismatches(const TextDatasetDescription& table, std::span<Mismatch> mismatches) noexcept;
 
 // Records the mismatches, writes the messages of their outcomes to the event log and answers them.
-std::vector<std::u16string> ReportMismatches(const TextDatasetDescription& table,
-                                             std::span<Mismatch> mismatches,
-                                             MessageLoader loadMessage);
+std::vector<quenra::MessageText> ReportMismatches(const TextDatasetDescription& table,
+                                                  std::span<Mismatch> mismatches,
+                                                  MessageLoader loadMessage);
 
 }  // namespace TextFile

@@ -311,7 +311,7 @@ void RowConverter::ReportAll() {
     mismatches.push_back(found.mismatch);
     mismatches.back().text = found.text;
   }
-  std::vector<std::u16string> messages = ReportMismatches(*table_, mismatches, loadMessage_);
+  std::vector<quenra::MessageText> messages = ReportMismatches(*table_, mismatches, loadMessage_);
   for (std::size_t i = 0; i < messages.size(); ++i) {
     fields_[mismatches_[i].field].reported = true;
     messages_[mismatches_[i].field] = std::move(messages[i]);

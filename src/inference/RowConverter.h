@@ -64,7 +64,7 @@ class RowConverter {
   }
 
   // The messages of the mismatches that the last Convert has reported, by field.
-  const std::map<std::size_t, std::u16string>& messages() const noexcept { return messages_; }
+  const std::map<std::size_t, quenra::MessageText>& messages() const noexcept { return messages_; }
 
  private:
   // NOLINTNEXTLINE(cppcoreguidelines-pro-type-member-init): written before it is read
@@ -129,7 +129,7 @@ class RowConverter {
   UnitBuffer neighbour_;                      // and of the one behind it
   VARIANT unwanted_;  // takes the values of fields without a slot; owns nothing
   std::vector<FieldMismatch> mismatches_;  // of the row being converted, not reported before
-  std::map<std::size_t, std::u16string> messages_;  // of the row converted last, by field
+  std::map<std::size_t, quenra::MessageText> messages_;  // of the row converted last, by field
 };
 
 }  // namespace TextFile

@@ -70,6 +70,7 @@ void TypeInference::StartFromDeclaredColumns() {
 bool TypeInference::ReadRecord() {
   if (!reader_.ReadRecord()) return false;
   lastRecordSize_ = reader_.record().size();
+  ++recordsRead_;
   return true;
 }
 
@@ -79,7 +80,7 @@ bool TypeInference::ReadRecord() {
 
 HeaderReading TypeInference::ReadHeader() {
   HeaderReading reading;
-  reader_.Rewind();
+  Rewind();
   reading.foundRecord = ReadRecord();
   reading.onlyLineEnds =
       reading.foundRecord && reader_.record().size() == 1 &&
@@ -93,13 +94,28 @@ HeaderReading TypeInference::ReadHeader() {
   }
   // A first row that ends in a line end may still be all there is.
   if (!reading.reachedEnd && !ReadRecord()) reading.reachedEnd = true;
-  reader_.Rewind();
+  Rewind();
   return reading;
 }
 
 void TypeInference::ForgetHeader() {
   StartFromDeclaredColumns();
   lastRecordSize_ = 0;
+}
+
+void TypeInference::Rewind() {
+  reader_.Rewind();
+  recordsRead_ = 0;
+}
+
+LayoutMisfit TypeInference::Misfit() const noexcept {
+  LayoutMisfit misfit;
+  misfit.kind = recordsRead_ > 0 ? LayoutMisfit::Kind::kValues : LayoutMisfit::Kind::kNoRecord;
+  misfit.record = recordsRead_;
+  misfit.header = options_.columnNameHeader;
+  misfit.values = lastRecordSize_;
+  misfit.columns = columns_.size();
+  return misfit;
 }
 
 bool TypeInference::IsHeader() const {

@@ -16,6 +16,7 @@
 #include "host/DataCore/LatLongFormat.h"
 #include "inference/ColumnState.h"
 #include "inference/OpenOptions.h"
+#include "reading/LayoutMisfit.h"
 #include "reading/Reader.h"
 #include "schema/TableSchema.h"
 
@@ -49,12 +50,16 @@ class TypeInference {
   // Replaces `fields` by the columns as they are now, coordinate fields included.
   void WriteFields(std::vector<FieldDefinition>& fields) const;
 
+  // Why Scan has answered false, or what there is of the last record that was read.
+  LayoutMisfit Misfit() const noexcept;
+
   // The number of fields of the last record that was read successfully; 0 when none was.
   std::size_t lastRecordSize() const noexcept { return lastRecordSize_; }
 
  private:
   void StartFromDeclaredColumns();
   bool ReadRecord();
+  void Rewind();
   bool IsHeader() const;
   void NameColumns();
   FieldType Classify(std::u16string_view text, DateClass& date) const;
@@ -76,6 +81,7 @@ class TypeInference {
   bool needsMoreRows_ = true;
   bool doubleSeen_ = false;
   std::size_t lastRecordSize_ = 0;
+  std::uint64_t recordsRead_ = 0;  // since the start of the file
 };
 
 }  // namespace TextFile

@@ -1,6 +1,7 @@
 #include "plugin/TextFileCursorHelper.h"
 
 #include <utility>
+#include <vector>
 
 #include "host/com/ComCatch.h"
 #include "plugin/TextFileErrors.h"
@@ -56,12 +57,18 @@ HRESULT STDMETHODCALLTYPE TextFileCursorHelper::ReadRecordValuesFast(HostFieldVa
     converter_.Convert(plainRow_);
   else
     converter_.Convert(reader_->record());
-  // A value that does not fit never stops the cursor: the host finds the text in the error chain.
-  for (const auto& [field, message] : converter_.messages())
-    if (SlotOf(field) >= 0) ChainErrorWithoutSource(kFieldValueError, message);
+  if (!converter_.messages().empty()) ChainMessages();
   return S_OK;
 } catch (...) {
   return HResultFromCurrentException();
+}
+
+// A value that does not fit never stops the cursor: the host finds the text in the error chain.
+void TextFileCursorHelper::ChainMessages() const {
+  std::vector<MessageText> messages;
+  for (const auto& [field, message] : converter_.messages())
+    if (SlotOf(field) >= 0) messages.push_back(message);
+  ChainErrorsWithoutSource(kFieldValueError, messages);
 }
 
 // Only -1 is agreed upon for fields that are not wanted, but no other negative entry can name a

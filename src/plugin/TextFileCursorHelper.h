@@ -36,6 +36,7 @@ class TextFileCursorHelper final : public Implements<IPlugInCursorHelper, IPlugI
 
  private:
   LONG SlotOf(std::size_t field) const noexcept;
+  void ChainMessages() const;
   void AimAt(HostFieldValue* values) noexcept;
 
   const FieldMap map_;

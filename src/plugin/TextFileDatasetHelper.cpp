@@ -44,13 +44,14 @@ HRESULT TextFileDatasetHelper::EnsureOpen() noexcept try {
   // A copy is opened, since a failed attempt may leave half-applied options behind.
   auto attempt = std::make_shared<TextFile::TextDatasetDescription>(*description_);
   auto status = TextFile::OpenDatasetStatus::kScanFailed;
-  if (TextFile::OpenTextDataset(*attempt, options_, status)) {
+  TextFile::LayoutMisfit misfit;
+  if (TextFile::OpenTextDataset(*attempt, options_, status, misfit)) {
     description_ = std::move(attempt);
     return S_OK;
   }
   if (status == TextFile::OpenDatasetStatus::kFileNotOpened)
-    return ChainTextFileError(kFileNotOpened, description_->name);
-  return E_FAIL;
+    return ChainTextFileError(kFileNotOpened, NameAsMessage(description_->name));
+  return ChainTextFileError(E_FAIL, MisfitMessage(description_->name, misfit));
 } catch (...) {
   return HResultFromOpenException(description_->name);
 }

@@ -1,9 +1,12 @@
 // The results and error texts of the data source that hosts know by number.
 #pragma once
 
+#include <span>
 #include <string_view>
 
+#include "host/CoreSupport/MessageText.h"
 #include "platform/ComTypes.h"
+#include "reading/LayoutMisfit.h"
 #include "schema/ParseError.h"
 
 namespace quenra {
@@ -22,10 +25,19 @@ inline constexpr std::u16string_view kHelpFile = u"\"TextFile.hlp\"";
 
 // Chains an error of a workspace, a table or a loader and answers its code.
 HRESULT ChainTextFileError(HRESULT code, std::u16string_view text) noexcept;
+HRESULT ChainTextFileError(HRESULT code, const MessageText& message) noexcept;
 
 // Chains an error of an object that names no error source, a workspace factory or a cursor, and
 // answers its code.
-HRESULT ChainErrorWithoutSource(HRESULT code, std::u16string_view text) noexcept;
+HRESULT ChainErrorWithoutSource(HRESULT code, const MessageText& message) noexcept;
+// Chains all that one call has to tell of, the oldest first, so that none is lost.
+HRESULT ChainErrorsWithoutSource(HRESULT code, std::span<const MessageText> messages) noexcept;
+
+// The name of a table or a folder alone, which is the whole text of some errors.
+MessageText NameAsMessage(std::u16string_view name);
+
+// Why the table of that name cannot be read as a table: which record does not fit its columns.
+MessageText MisfitMessage(std::u16string_view tableName, const TextFile::LayoutMisfit& misfit);
 
 // Inside a catch block around an operation on a table's files: what went wrong is chained with the
 // file's name and the reason, as E_FAIL; short memory stays E_OUTOFMEMORY.

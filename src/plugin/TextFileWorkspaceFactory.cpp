@@ -158,7 +158,7 @@ HRESULT STDMETHODCALLTYPE TextFileWorkspaceFactory::OpenFolderWorkspace(
   ComPtr<TextFileWorkspaceHelper> opened = MakeObject<TextFileWorkspaceHelper>(folder, options);
   if (IsWorkspaceFolder(folder)) {
     opened->SetFolderVerified();
-  } else if (const HRESULT result = ChainErrorWithoutSource(kFolderRejected, folder);
+  } else if (const HRESULT result = ChainErrorWithoutSource(kFolderRejected, NameAsMessage(folder));
              FAILED(result)) {
     return result;
   }

@@ -271,7 +271,13 @@ bool DelimitedReader::Attempt(Single single, SchemaOptions& options,
   TypeInference inference(*this, options, openOptions);
   ReadHeader(inference, options);
   if (single == Single::kReject && inference.lastRecordSize() == 1) return false;
-  if (!inference.Scan()) return false;
+  if (!inference.Scan()) {
+    LayoutMisfit misfit = inference.Misfit();
+    misfit.delimiter = delimiter_;
+    misfit.delimiterGiven = options.IsSpecified(SchemaOptions::kFormat);
+    NoteMisfit(misfit);
+    return false;
+  }
   inference.WriteFields(fields);
   return true;
 }

@@ -96,10 +96,17 @@ bool FixedWidthReader::Scan(SchemaOptions& options, std::vector<FieldDefinition>
   SetWidths(declared);
   ReadHeader(inference, options);
   // Without columns nothing has been read, so a file that is not empty cannot be a table.
-  if (widths_.empty() && !StreamAtEnd()) return false;
-  if (!inference.Scan()) return false;
-  inference.WriteFields(fields);
-  return fields.size() == inference.lastRecordSize();
+  if (widths_.empty() && !StreamAtEnd()) {
+    NoteMisfit({.kind = LayoutMisfit::Kind::kNoColumns});
+    return false;
+  }
+  const bool scanned = inference.Scan();
+  if (scanned) inference.WriteFields(fields);
+  if (scanned && fields.size() == inference.lastRecordSize()) return true;
+  LayoutMisfit misfit = inference.Misfit();
+  if (scanned) misfit.columns = fields.size();
+  NoteMisfit(misfit);
+  return false;
 }
 
 }  // namespace TextFile

@@ -32,6 +32,12 @@ TextDatasetDescription DescribeFile(std::u16string_view folder, std::u16string_v
 
 bool OpenTextDataset(TextDatasetDescription& description, const OpenOptions& openOptions,
                      OpenDatasetStatus& status) {
+  LayoutMisfit ignored;
+  return OpenTextDataset(description, openOptions, status, ignored);
+}
+
+bool OpenTextDataset(TextDatasetDescription& description, const OpenOptions& openOptions,
+                     OpenDatasetStatus& status, LayoutMisfit& misfit) {
   const quenra::EventLogTimer timer(kOpenEventType, u"Korvanet.TextFile.OpenDataset",
                                     u"BeginOpenDataset", u"EndOpenDataset", description.path, 0);
   description.fields.clear();
@@ -52,6 +58,7 @@ bool ScanTextDataset(TextDatasetDescription& description, const OpenOptions& ope
   if (!reader->Scan(description.options, description.fields, openOptions)) {
     description.fields.clear();
     status = OpenDatasetStatus::kScanFailed;
+    misfit = reader->misfit();
     return false;
   }
   if (description.fields.empty()) description.fields.push_back(EmptyTableField());

@@ -9,6 +9,7 @@
 #include <string_view>
 
 #include "inference/OpenOptions.h"
+#include "reading/LayoutMisfit.h"
 #include "reading/TextDatasetDescription.h"
 
 namespace TextFile {
@@ -25,7 +26,10 @@ TextDatasetDescription DescribeFile(std::u16string_view folder, std::u16string_v
 // Reads the file's section of schema.ini and the beginning of the file, and fills the description
 // of an unopened table. True, and the description is loaded, with status kOpened only; after a
 // failure it has no fields. The host's event log gets one begin and one end event, whatever
-// happens. Throws ParseError when schema.ini cannot be understood.
+// happens. Throws ParseError when schema.ini cannot be understood. With status kScanFailed `misfit`
+// tells why no layout fits.
+bool OpenTextDataset(TextDatasetDescription& description, const OpenOptions& openOptions,
+                     OpenDatasetStatus& status, LayoutMisfit& misfit);
 bool OpenTextDataset(TextDatasetDescription& description, const OpenOptions& openOptions,
                      OpenDatasetStatus& status);
 

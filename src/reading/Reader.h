@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "inference/OpenOptions.h"
+#include "reading/LayoutMisfit.h"
 #include "reading/Record.h"
 #include "reading/TextDatasetDescription.h"
 #include "reading/TextLineStream.h"
@@ -38,6 +39,9 @@ class Reader {
   // a table of this kind; `options` may then hold what was tried last.
   virtual bool Scan(SchemaOptions& options, std::vector<FieldDefinition>& fields,
                     const OpenOptions& openOptions) = 0;
+
+  // Why Scan has answered false: of the layouts that were tried, the one that got furthest.
+  const LayoutMisfit& misfit() const noexcept { return misfit_; }
 
   // Whether the file could be opened.
   bool IsOpen() const noexcept { return stream_.IsOpen(); }
@@ -122,12 +126,19 @@ class Reader {
     return static_cast<unsigned char>(stream_.lineDelimiter());
   }
 
+  // Keeps what is known of an attempt that has failed, unless another got further.
+  void NoteMisfit(const LayoutMisfit& misfit) noexcept {
+    if (misfit_.kind == LayoutMisfit::Kind::kNone || misfit.record > misfit_.record)
+      misfit_ = misfit;
+  }
+
   Record record_;
 
  private:
   bool ReadNextLine();
 
   TextLineStream stream_;
+  LayoutMisfit misfit_;
   UnitBuffer line_;                // ends in a zero unit, with kSearchPadding zeros behind it
   std::size_t cursor_ = 0;         // in line_
   bool lineUsedUp_ = true;         // the next character comes from the next line

@@ -120,8 +120,8 @@ void CreateTableFiles(const TableLocation& table, std::vector<FieldDefinition> f
 
   ExclusiveFile file;
   const std::u16string temporary = JoinPath(table.folder, TemporaryNameOf(table.name, u".tmp"));
-  if (!file.Open(NativeFromFileName(temporary)) || !file.Write(HeaderLine(options, fields)))
-    FailTable(path, file.error());
+  if (!file.Open(NativeFromFileName(temporary))) FailTemporary(temporary, path, file.error());
+  if (!file.Write(HeaderLine(options, fields))) FailTable(path, file.error());
   const SavedSchemaSection before(paths, table.name);
   std::u16string failure;
   if (!WriteSchemaSection(paths, table.name, options, &failure))

@@ -1,6 +1,6 @@
 #include "schema/TableFailure.h"
 
-#include <boost/filesystem/path.hpp>
+#include <boost/filesystem.hpp>
 
 #include "platform/FileNames.h"
 
@@ -16,6 +16,14 @@ void FailTable(std::u16string_view path, std::u16string_view reason) {
 void FailTable(std::u16string_view path, const std::error_code& error) {
   // The system's messages are in the encoding of its file names.
   FailTable(path, FileNameFromNative(boost::filesystem::path(error.message()).native()));
+}
+
+void FailTemporary(std::u16string_view temporary, std::u16string_view path,
+                   const std::error_code& error) {
+  namespace fs = boost::filesystem;
+  boost::system::error_code ignored;
+  const auto status = fs::symlink_status(fs::path(NativeFromFileName(temporary)), ignored);
+  FailTable(fs::exists(status) ? temporary : path, error);
 }
 
 }  // namespace TextFile

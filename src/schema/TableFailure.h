@@ -16,4 +16,9 @@ struct TableFailure {
 // With the system's own words.
 [[noreturn]] void FailTable(std::u16string_view path, const std::error_code& error);
 
+// For a file that could not be opened under its temporary name. What stands in the way there is
+// named; else the user knows the file by its own name alone.
+[[noreturn]] void FailTemporary(std::u16string_view temporary, std::u16string_view path,
+                                const std::error_code& error);
+
 }  // namespace TextFile

@@ -81,7 +81,8 @@ class FinishedCopy {
  public:
   FinishedCopy(const std::u16string& from, const TableLocation& temporary, std::u16string to)
       : to_(std::move(to)) {
-    if (!file_.Open(NativeFromFileName(temporary.Path()))) FailTable(to_, file_.error());
+    if (!file_.Open(NativeFromFileName(temporary.Path())))
+      FailTemporary(temporary.Path(), to_, file_.error());
     std::filebuf source;
     if (source.open(Native(from).c_str(), std::ios::in | std::ios::binary) == nullptr)
       FailTable(from, u"the file cannot be read");

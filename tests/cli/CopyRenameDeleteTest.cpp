@@ -103,16 +103,25 @@ TEST_F(CopyRenameDeleteTest, MissingTablesAndFoldersAreNamed) {
   ExpectRefused(Run({"delete", "nope.csv"}),
                 "texttables: error: 0x80040351: table not found: nope.csv\n");
   ExpectRefused(Run({"copy", "a.csv", "nowhere/b.csv"}),
-                "texttables: error: 0x80040258: nowhere\n");
-  ExpectRefused(Run({"delete", "nowhere/a.csv"}), "texttables: error: 0x80040258: nowhere\n");
+                "texttables: error: 0x80040258: nowhere: the folder cannot be opened (No such file "
+                "or directory)\n");
+  ExpectRefused(Run({"delete", "nowhere/a.csv"}),
+                "texttables: error: 0x80040258: nowhere: the folder cannot be opened (No such file "
+                "or directory)\n");
   ExpectAsWritten();
 }
 
 TEST_F(CopyRenameDeleteTest, FoldersAreNoTables) {
   std::filesystem::create_directory(Folder() / "x.csv");
-  ExpectRefused(Run({"delete", "x.csv"}), "texttables: error: 0x80040211: x.csv\n");
-  ExpectRefused(Run({"rename", "x.csv", "y.csv"}), "texttables: error: 0x80040211: x.csv\n");
-  ExpectRefused(Run({"copy", "x.csv", "y.csv"}), "texttables: error: 0x80040211: x.csv\n");
+  ExpectRefused(
+      Run({"delete", "x.csv"}),
+      "texttables: error: 0x80040211: x.csv: the file cannot be opened (Is a directory)\n");
+  ExpectRefused(
+      Run({"rename", "x.csv", "y.csv"}),
+      "texttables: error: 0x80040211: x.csv: the file cannot be opened (Is a directory)\n");
+  ExpectRefused(
+      Run({"copy", "x.csv", "y.csv"}),
+      "texttables: error: 0x80040211: x.csv: the file cannot be opened (Is a directory)\n");
   EXPECT_TRUE(Exists("x.csv"));
 }
 

@@ -172,7 +172,8 @@ TEST_F(CreateTest, NamesThatFilesCannotHaveEverywhereAreRefused) {
 
 TEST_F(CreateTest, FolderMustBeThere) {
   ExpectRefused(Run({"create", "nowhere/a.csv", "--field", "X:Integer"}),
-                "texttables: error: 0x80040258: nowhere\n");
+                "texttables: error: 0x80040258: nowhere: the folder cannot be opened (No such file "
+                "or directory)\n");
   EXPECT_FALSE(std::filesystem::exists(Folder() / "nowhere"));
 }
 

@@ -58,14 +58,15 @@ TEST_F(WarningTest, QuietSilencesWarnings) {
 
 #ifndef _WIN32
 
-TEST_F(WarningTest, FileNamesAreSpelledAsTheyAre) {
+TEST_F(WarningTest, OddBytesOfFileNamesAreSpelledOut) {
   WriteMismatches("caf\xE9.csv");
   const ProcessResult result = Run({"rows", "caf\xE9.csv", "--format", "none"});
   EXPECT_EQ(result.exitCode, 0);
-  EXPECT_EQ(result.errors.rfind("texttables: warning: 0x80040955: In file caf\xE9.csv, field value "
-                                "7.5 does not match inferred type of field N. ",
-                                0),
-            0u)
+  EXPECT_EQ(
+      result.errors.rfind("texttables: warning: 0x80040955: In file caf\\xe9.csv, field value "
+                          "7.5 does not match inferred type of field N. ",
+                          0),
+      0u)
       << result.errors;
 }
 
@@ -90,13 +91,26 @@ TEST_F(RefusalTest, MissingTable) {
 
 TEST_F(RefusalTest, MissingFolderOfATable) {
   for (const char* command : {"describe", "rows", "count", "stat"})
-    ExpectRefused(Run({command, "nowhere/a.csv"}), "texttables: error: 0x80040258: nowhere\n");
+    ExpectRefused(Run({command, "nowhere/a.csv"}),
+                  "texttables: error: 0x80040258: nowhere: the folder cannot be opened (No such "
+                  "file or directory)\n");
 }
 
 TEST_F(RefusalTest, DirectoryNamedAsATable) {
   std::filesystem::create_directory(Folder() / "x.csv");
   for (const char* command : {"describe", "rows", "count", "stat"})
-    ExpectRefused(Run({command, "x.csv"}), "texttables: error: 0x80040211: x.csv\n");
+    ExpectRefused(
+        Run({command, "x.csv"}),
+        "texttables: error: 0x80040211: x.csv: the file cannot be opened (Is a directory)\n");
+}
+
+TEST_F(RefusalTest, TableThatFitsNoLayout) {
+  Write("a.csv", "a,b\n1,2,3\n");
+  Write("schema.ini", "[a.csv]\nFormat=CSVDelimited\nColNameHeader=True\n");
+  for (const char* command : {"describe", "rows", "count", "stat"})
+    ExpectRefused(Run({command, "a.csv"}),
+                  "texttables: error: 0x80004005: a.csv: row 1 (record 2 with the header line) has "
+                  "3 values for 2 columns\n");
 }
 
 struct SchemaCase {
@@ -117,7 +131,7 @@ constexpr SchemaCase kSchemaCases[] = {
     {"MaxScanRows=1\nMaxScanRows=1\n", "Duplicate option found in schema.ini.\n\tMaxScanRows=1"},
     {"Format=Delimited(|\n", "Invalid format option in schema.ini.\n\tDelimited(|"},
     {"Format=Delimited(\"\n)\n",
-     "Double quote cannot be used as a custom delimiter in schema.ini.\n\tDelimited(\"\n)"},
+     "Double quote cannot be used as a custom delimiter in schema.ini.\n\tDelimited(\"\\n)"},
     {"ColNameHeader=true\n", "Invalid value for option in schema.ini.\n\tColNameHeader=true"},
     {"Colour=red\n", "Unknown option in schema.ini.\n\tColour=red"},
 };

@@ -61,10 +61,19 @@ TEST_F(LocaleTest, NeedsNoModule) {
 
 TEST_F(LocaleTest, UnknownLocaleOrCodePageIsAWrongCommandLine) {
   ExpectUsageError(Run({"--locale", "qq-QQ-nonsense", "locale"}), "qq-QQ-nonsense");
+  ExpectUsageError(Run({"--locale", "qq-QQ", "locale"}), "qq-QQ");
   ExpectUsageError(Run({"--ansi-code-page", "99999", "locale"}), "99999");
   ExpectUsageError(Run({"--ansi-code-page", "latin", "locale"}), "latin");
   ExpectUsageError(Run({"--ansi-code-page", "-1", "locale"}), "-1");
   ExpectUsageError(Run({"--ansi-code-page", "0x4E4", "locale"}), "0x4E4");
+}
+
+TEST_F(LocaleTest, LocalesAreSpelledAsLanguageTags) {
+  for (const char* name : {"de_DE", "de_DE.UTF-8", "de_DE@euro", "de-DE.UTF-8", "", "de-", "-DE",
+                           "de--DE", "de DE", "d\xC3\xA9-DE"})
+    ExpectUsageError(Run({"--locale", name, "locale"}), "a name such as de-DE, not \"");
+  ExpectUsageError(Run({"--locale", "fr_CA", "locale"}), "a name such as fr-CA, not \"fr_CA\"");
+  EXPECT_EQ(Output({"--locale", "DE-de", "locale"}), Output({"--locale", "de-DE", "locale"}));
 }
 
 class OptionsTest : public TexttablesTest {
@@ -207,10 +216,63 @@ TEST_F(CommandLineTest, WrongArgumentsAreUsageErrors) {
   ExpectUsageError(Run({"count", ""}), "FOLDER/NAME");
 }
 
-TEST_F(CommandLineTest, UsageErrorsTellWhereHelpIs) {
-  const std::string errors = Run({"nonsense"}).errors;
-  const std::string end = "\nTry 'texttables --help'.\n";
-  EXPECT_EQ(errors.substr(errors.size() - end.size()), end);
+TEST_F(CommandLineTest, UsageErrorsTellThePageThatHasTheOption) {
+  Write("a.csv", "Id\n1\n");
+  struct {
+    std::vector<std::string> arguments;
+    const char* page;
+  } const cases[] = {
+      {{}, ""},
+      {{"rows"}, "rows "},
+      {{"rows", "a.csv", "--limit"}, "rows "},
+      {{"rows", "a.csv", "--limit", "x"}, "rows "},
+      {{"rows", "a.csv", "--limit", "1", "--limit", "2"}, "rows "},
+      {{"rows", "a.csv", "--format", "x"}, "rows "},
+      {{"rows", "a.csv", "--json=x"}, "rows "},
+      {{"rows", "a.csv", "--columns", "x"}, "rows "},
+      {{"count", "a.csv", "--limit", "5"}, "count "},
+      {{"create", "b.csv", "--field", "x"}, "create "},
+      {{"rename", "a.csv", "b/c.csv"}, "rename "},
+      {{"rows", "a.csv", "--locale"}, ""},
+      {{"rows", "a.csv", "--locale", "qq-QQ"}, ""},
+      {{"rows", "a.csv", "--quiet=x"}, ""},
+      {{"rows", "a.csv", "--ansi-code-page", "x"}, ""},
+      {{"rows", "a.csv", "--host-option", "x"}, ""},
+      {{"rows", "a.csv", "--module", "x"}, ""},
+      {{"rows", "a.csv", "--event-log", "no/log"}, ""},
+      {{"rowz", "a.csv"}, ""},
+      {{"--limits", "5"}, ""},
+  };
+  for (const auto& c : cases) {
+    const ProcessResult result = Run(c.arguments);
+    EXPECT_EQ(result.exitCode, 2) << result.errors;
+    const std::string end = std::string("\nTry 'texttables ") + c.page + "--help'.\n";
+    EXPECT_TRUE(result.errors.ends_with(end)) << result.errors;
+  }
+}
+
+TEST_F(CommandLineTest, UnexpectedArgumentsAreNamedAsTheyWereGiven) {
+  ExpectUsageError(Run({"count", "a.csv", "--limit", "5"}), "count does not take --limit 5\n");
+  ExpectUsageError(Run({"rows", "a.csv", "b.csv", "[c", "d e"}),
+                   "rows does not take b.csv [c \"d e\"\n");
+  ExpectUsageError(Run({"--limit", "5", "count", "a.csv"}), "--limit");
+}
+
+TEST_F(CommandLineTest, HelpIsACommandToo) {
+  EXPECT_EQ(Output({"help"}), Output({"--help"}));
+  for (const char* command : {"list", "rows", "create", "unregister", "help"})
+    EXPECT_EQ(Output({"help", command}), Output({command, "--help"}));
+  ExpectUsageError(Run({"help", "rowz"}), "there is no command \"rowz\"; commands: list, ");
+  ExpectUsageError(Run({"help", "rows", "count"}), "help does not take count\n");
+  EXPECT_NE(Output({"help"}).find("\n  help "), std::string::npos);
+}
+
+TEST_F(CommandLineTest, HelpTellsWhatNoLatLongFieldsDoesWithoutAHeader) {
+  EXPECT_NE(Output({"--help"}).find("without a header"), std::string::npos);
+  // It does so: the columns of such a table are first met in the rows that are looked at.
+  Write("a.csv", "1,x\n2,y\n");
+  const std::string fields = Output({"--no-lat-long-fields", "describe", "a.csv"});
+  EXPECT_NE(fields.find("Field2_X"), std::string::npos) << fields;
 }
 
 TEST_F(CommandLineTest, GlobalOptionsStandOnEitherSideOfTheCommand) {

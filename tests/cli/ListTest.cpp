@@ -42,12 +42,16 @@ TEST_F(ListTest, NamesThatAreNotUtf8SurviveAsBytes) {
 #endif
 
 TEST_F(ListTest, MissingFolderIsRefusedWithItsName) {
-  ExpectRefused(Run({"list", "nowhere"}), "texttables: error: 0x80040258: nowhere\n");
+  ExpectRefused(Run({"list", "nowhere"}),
+                "texttables: error: 0x80040258: nowhere: the folder cannot be opened (No such file "
+                "or directory)\n");
 }
 
 TEST_F(ListTest, FileInPlaceOfAFolderIsRefused) {
   Write("a.csv", "1\n");
-  ExpectRefused(Run({"list", "a.csv"}), "texttables: error: 0x80040258: a.csv\n");
+  ExpectRefused(
+      Run({"list", "a.csv"}),
+      "texttables: error: 0x80040258: a.csv: the folder cannot be opened (Not a directory)\n");
 }
 
 #ifndef _WIN32

@@ -114,6 +114,25 @@ TEST_F(RowsTest, TableCountsTerminalColumnsAndSpellsControlCharacters) {
             "a\\tb\\u001b[2J  x\n");
 }
 
+// Vowel signs and viramas stand on the consonant before them; Hangul in letters makes one syllable.
+TEST_F(RowsTest, TableAlignsScriptsWithMarks) {
+  Write("a.csv",
+        "Name,N\n"
+        "\xE0\xA4\xB9\xE0\xA5\x8D\xE0\xA4\xA6\xE0\xA5\x81,x\n"  // Devanagari ha virama da u
+        "\xE1\x84\x92\xE1\x85\xA1\xE1\x86\xAB,x\n"              // Hangul h a n
+        "\xF0\x9F\xAB\xA0,x\n"                                  // an emoji of Unicode 14
+        "a\xC2\xAD"
+        "b,x\n");  // a soft hyphen
+  EXPECT_EQ(Output({"rows", "a.csv", "--format", "table"}),
+            "Name  N\n"
+            "----  -\n"
+            "\xE0\xA4\xB9\xE0\xA5\x8D\xE0\xA4\xA6\xE0\xA5\x81    x\n"
+            "\xE1\x84\x92\xE1\x85\xA1\xE1\x86\xAB    x\n"
+            "\xF0\x9F\xAB\xA0    x\n"
+            "a\xC2\xAD"
+            "b   x\n");
+}
+
 TEST_F(RowsTest, NoneFetchesAndPrintsNothing) {
   WriteAllTypes();
   EXPECT_EQ(Output({"rows", "all.csv", "--format", "none"}), "");

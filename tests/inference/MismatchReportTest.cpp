@@ -46,7 +46,7 @@ MismatchOutcome RecordMismatch(const TextDatasetDescription& table, Mismatch mis
 
 std::u16string ReportMismatch(const TextDatasetDescription& table, Mismatch mismatch,
                               MessageLoader loadMessage) {
-  return ReportMismatches(table, {&mismatch, 1}, loadMessage).front();
+  return ReportMismatches(table, {&mismatch, 1}, loadMessage).front().text;
 }
 
 class MismatchReportTest : public ::testing::Test {

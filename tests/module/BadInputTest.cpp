@@ -22,6 +22,12 @@ class BadInputTest : public ModuleTest {
     EXPECT_EQ(Rows(table).size(), static_cast<std::size_t>(count));
   }
 
+  static std::vector<std::string> TextsOfErrors() {
+    std::vector<std::string> texts;
+    for (const ErrorSeen& error : TakeErrors()) texts.push_back(error.text);
+    return texts;
+  }
+
   static std::vector<FieldSeen> EmptyTable() { return {FieldSeen{"Field0", 4, 8000, 0, ""}}; }
 };
 
@@ -112,7 +118,40 @@ TEST_F(BadInputTest, FixedWidthWithoutColumnsFails) {
   folder_.Write(u"schema.ini", "[a.csv]\nFormat=FixedLength\n");
   folder_.Write(u"a.csv", "abc\n");
   EXPECT_EQ(OpenResult(u"a.csv"), E_FAIL);
-  EXPECT_TRUE(TakeErrors().empty());
+  EXPECT_THAT(TextsOfErrors(),
+              ElementsAre("a.csv: schema.ini declares no columns for its fixed-length records"));
+}
+
+// Which record it is that speaks against every layout, with the counts that do not agree.
+TEST_F(BadInputTest, MisfitsAreTold) {
+  struct {
+    const char* section;
+    const char* bytes;
+    const char* text;
+  } const cases[] = {
+      {"Format=CSVDelimited\nColNameHeader=True\nCol1=A Long\nCol2=B Text\n", "a,b\n1,x,y\n2,z\n",
+       "a.csv: row 1 (record 2 with the header line) has 3 values for 2 columns"},
+      {"Format=TabDelimited\nColNameHeader=True\n", "a\n\n1\n2\t3\t4\n",
+       "a.csv: row 2 (record 3 with the header line) has 3 values for 1 column"},
+      {"Format=FixedLength\nColNameHeader=False\nCol1=A Text Width 2\nCol2=B Text Width 2\n"
+       "Col3=C Text Width 2\n",
+       "1122\n112233\n", "a.csv: row 1 has 2 values for 3 columns"},
+      {"Format=FixedLength\nColNameHeader=True\nCol1=A Text Width 2\nCol2=B Text Width 2\n", "aa\n",
+       "a.csv: the header line has 1 value for 2 columns"},
+      {"Format=FixedLength\nCol1=A Text Width 2\n", "",
+       "a.csv: there is no record for its 1 column"},
+      // Tabs and "|" are found in row 3, all others before.
+      {"MaxScanRows=5\nColNameHeader=True\n", "a\n1,2;3 4\n1,2;3 4\n1\t2|3,4 5;6\n",
+       "a.csv: no delimiter fits; between tabs, row 3 (record 4 with the header line) has 2 values "
+       "for 1 column"},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.text);
+    folder_.Write(u"schema.ini", std::string("[a.csv]\n") + c.section);
+    folder_.Write(u"a.csv", c.bytes);
+    EXPECT_EQ(OpenResult(u"a.csv"), E_FAIL);
+    EXPECT_THAT(TextsOfErrors(), ElementsAre(c.text));
+  }
 }
 
 // No text ever reaches such a width, so the column takes the rest of the record and the next one

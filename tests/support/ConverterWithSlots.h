@@ -53,7 +53,7 @@ class ConverterWithSlots {
   // The message of a mismatch that the row converted last has reported for the field, else null.
   const std::u16string* MessageOf(std::size_t field) const noexcept {
     const auto found = converter_.messages().find(field);
-    return found == converter_.messages().end() ? nullptr : &found->second;
+    return found == converter_.messages().end() ? nullptr : &found->second.text;
   }
 
  private:

@@ -26,6 +26,8 @@ struct ProcessRequest {
   // Standard output or error is a terminal that passes bytes on unchanged.
   bool outputIsTerminal = false;
   bool errorsAreTerminal = false;
+  // Columns of such a terminal; 0: it does not say.
+  unsigned short terminalColumns = 0;
   // Standard output is this file instead; ProcessResult::output stays empty.
   std::string outputFile;
   // The reader of standard output goes away after so many bytes.

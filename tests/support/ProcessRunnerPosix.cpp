@@ -65,7 +65,7 @@ Channel OpenPipe() {
   return {File(ends[1]), File(ends[0])};
 }
 
-Channel OpenTerminal() {
+Channel OpenTerminal(unsigned short columns) {
   File master(::posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC));
   if (master.Get() < 0 || ::grantpt(master.Get()) != 0 || ::unlockpt(master.Get()) != 0)
     Fail("posix_openpt");
@@ -74,6 +74,9 @@ Channel OpenTerminal() {
   if (slave.Get() < 0 || ::tcgetattr(slave.Get(), &settings) != 0) Fail("terminal");
   ::cfmakeraw(&settings);
   ::tcsetattr(slave.Get(), TCSANOW, &settings);
+  winsize size = {};
+  size.ws_col = columns;
+  if (::ioctl(slave.Get(), TIOCSWINSZ, &size) != 0) Fail("terminal");
   return {std::move(slave), std::move(master)};
 }
 
@@ -210,9 +213,9 @@ void Accompany(const ProcessRequest& request, pid_t process, const File& output)
 
 ProcessResult RunProcess(const ProcessRequest& request) {
   Channel output = !request.outputFile.empty() ? OpenFile(request.outputFile)
-                   : request.outputIsTerminal  ? OpenTerminal()
+                   : request.outputIsTerminal  ? OpenTerminal(request.terminalColumns)
                                                : OpenPipe();
-  Channel errors = request.errorsAreTerminal ? OpenTerminal() : OpenPipe();
+  Channel errors = request.errorsAreTerminal ? OpenTerminal(request.terminalColumns) : OpenPipe();
   const pid_t process = Start(request, output.program.Get(), errors.program.Get());
   output.program.Close();
   errors.program.Close();

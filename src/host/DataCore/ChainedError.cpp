@@ -17,14 +17,32 @@ HRESULT CopyIfAny(std::u16string_view text, BSTR* result) noexcept {
 
 }  // namespace
 
-ChainedError::ChainedError(HRESULT code, const ErrorOrigin& origin, std::u16string_view text,
+ChainedError::ChainedError(HRESULT code, const ErrorOrigin& origin, MessageText message,
                            ComPtr<HostChainedError> next)
     : code_(code),
       sourceId_(origin.id),
       source_(origin.source),
       helpFile_(origin.helpFile),
-      text_(text),
+      message_(std::move(message)),
       next_(std::move(next)) {}
+
+// The errors behind one that goes away go one after the other. A chain may be as long as a table
+// has columns: were each destroyed inside the one before it, the stack would not hold them all.
+ChainedError::~ChainedError() {
+  thread_local ComPtr<HostChainedError>* outermost = nullptr;
+  if (outermost != nullptr) {
+    *outermost = std::move(next_);
+    return;
+  }
+  ComPtr<HostChainedError> behind = std::move(next_);
+  outermost = &behind;
+  while (behind) {
+    // Goes away at the end of the block, and leaves the one behind it.
+    ComPtr<HostChainedError> last;
+    std::swap(last, behind);
+  }
+  outermost = nullptr;
+}
 
 HRESULT STDMETHODCALLTYPE ChainedError::GetGUID(GUID* guid) { return GetSourceId(guid); }
 
@@ -33,7 +51,7 @@ HRESULT STDMETHODCALLTYPE ChainedError::GetSource(BSTR* source) {
 }
 
 HRESULT STDMETHODCALLTYPE ChainedError::GetDescription(BSTR* description) {
-  return CopyToBstr(text_, description);
+  return CopyToBstr(message_.text, description);
 }
 
 HRESULT STDMETHODCALLTYPE ChainedError::GetHelpFile(BSTR* helpFile) {
@@ -64,6 +82,24 @@ HRESULT STDMETHODCALLTYPE ChainedError::GetNext(HostChainedError** next) {
   return *next != nullptr ? S_OK : S_FALSE;
 }
 
-HRESULT STDMETHODCALLTYPE ChainedError::GetText(BSTR* text) { return CopyToBstr(text_, text); }
+HRESULT STDMETHODCALLTYPE ChainedError::GetText(BSTR* text) {
+  return CopyToBstr(message_.text, text);
+}
+
+HRESULT STDMETHODCALLTYPE ChainedError::GetInsertCount(LONG* count) {
+  if (count == nullptr) return E_POINTER;
+  *count = static_cast<LONG>(message_.inserts.size());
+  return S_OK;
+}
+
+HRESULT STDMETHODCALLTYPE ChainedError::GetInsert(LONG index, LONG* begin, LONG* length) {
+  if (begin == nullptr || length == nullptr) return E_POINTER;
+  *begin = *length = 0;
+  if (index < 0 || static_cast<std::size_t>(index) >= message_.inserts.size()) return E_INVALIDARG;
+  const TextPart& part = message_.inserts[static_cast<std::size_t>(index)];
+  *begin = static_cast<LONG>(part.begin);
+  *length = static_cast<LONG>(part.length);
+  return S_OK;
+}
 
 }  // namespace quenra

@@ -1,9 +1,10 @@
 // One error of a thread's chain: the error object that the host reads, with what HostChainedError
-// adds. Unchangeable once made, so that threads may share it.
+// and HostErrorInserts add. Unchangeable once made, so that threads may share it.
 #pragma once
 
 #include <string>
 
+#include "host/CoreSupport/MessageText.h"
 #include "host/DataCore/DataAccessUtil.h"
 #include "host/com/ComPtr.h"
 #include "host/com/Implements.h"
@@ -11,10 +12,10 @@
 
 namespace quenra {
 
-class ChainedError final : public Implements<IErrorInfo, HostChainedError> {
+class ChainedError final : public Implements<IErrorInfo, HostChainedError, HostErrorInserts> {
  public:
   // `next` is the error chained before this one; null allowed. Throws std::bad_alloc.
-  ChainedError(HRESULT code, const ErrorOrigin& origin, std::u16string_view text,
+  ChainedError(HRESULT code, const ErrorOrigin& origin, MessageText message,
                ComPtr<HostChainedError> next);
 
   std::u16string_view ClassName() const noexcept override { return u"ChainedError"; }
@@ -32,15 +33,19 @@ class ChainedError final : public Implements<IErrorInfo, HostChainedError> {
   HRESULT STDMETHODCALLTYPE GetNext(HostChainedError** next) override;
   HRESULT STDMETHODCALLTYPE GetText(BSTR* text) override;
 
+  // HostErrorInserts
+  HRESULT STDMETHODCALLTYPE GetInsertCount(LONG* count) override;
+  HRESULT STDMETHODCALLTYPE GetInsert(LONG index, LONG* begin, LONG* length) override;
+
  private:
-  ~ChainedError() override = default;
+  ~ChainedError() override;
 
   const HRESULT code_;
   const GUID sourceId_;
   const std::u16string source_;
   const std::u16string helpFile_;
-  const std::u16string text_;
-  const ComPtr<HostChainedError> next_;
+  const MessageText message_;
+  ComPtr<HostChainedError> next_;
 };
 
 }  // namespace quenra

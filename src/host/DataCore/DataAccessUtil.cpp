@@ -1,5 +1,6 @@
 #include "host/DataCore/DataAccessUtil.h"
 
+#include <algorithm>
 #include <string>
 #include <utility>
 #include <vector>
@@ -11,14 +12,30 @@
 namespace quenra {
 namespace {
 
-// A host that never reads its errors must not make a thread's chain grow without end.
+// A host that never reads its errors must not make a thread's chain grow without end. The errors of
+// one call may be more: a row has as many as it has columns whose values do not fit.
 constexpr std::size_t kLongestChain = 64;
 
 using ErrorChain = ComPtr<HostChainedError>;
 
-ErrorChain NewError(HRESULT code, const ErrorOrigin& origin, std::u16string_view text,
-                    ErrorChain next) {
-  return MakeObject<ChainedError>(code, origin, text, std::move(next)).As<HostChainedError>();
+ErrorChain NewError(HRESULT code, const ErrorOrigin& origin, MessageText message, ErrorChain next) {
+  return MakeObject<ChainedError>(code, origin, std::move(message), std::move(next))
+      .As<HostChainedError>();
+}
+
+// Which parts of an error's text were put in; none when it does not say.
+std::vector<TextPart> InsertsOf(IErrorInfo& error) {
+  std::vector<TextPart> inserts;
+  LONG count = 0;
+  const auto parts = QueryFor<HostErrorInserts>(&error);
+  if (!parts || FAILED(parts->GetInsertCount(&count))) return inserts;
+  for (LONG i = 0; i < count; ++i) {
+    LONG begin = 0;
+    LONG length = 0;
+    if (FAILED(parts->GetInsert(i, &begin, &length))) break;
+    inserts.push_back({static_cast<std::size_t>(begin), static_cast<std::size_t>(length)});
+  }
+  return inserts;
 }
 
 // What `error` says, as an error of ours in front of `next`.
@@ -31,7 +48,8 @@ ErrorChain CopyInfo(IErrorInfo& error, HRESULT code, ErrorChain next) {
   error.GetSource(source.Receive());
   error.GetHelpFile(helpFile.Receive());
   error.GetDescription(text.Receive());
-  return NewError(code, {id, source.View(), helpFile.View()}, text.View(), std::move(next));
+  return NewError(code, {id, source.View(), helpFile.View()},
+                  {std::u16string(text.View()), InsertsOf(error)}, std::move(next));
 }
 
 // An error object that somebody else left on the thread. Its code is not known any more.
@@ -46,7 +64,7 @@ ErrorChain CopyError(HostChainedError& error, ErrorChain next) {
   BString text;
   error.GetSourceId(&id);
   error.GetText(text.Receive());
-  return NewError(code, {id}, text.View(), std::move(next));
+  return NewError(code, {id}, {std::u16string(text.View()), {}}, std::move(next));
 }
 
 // The chain without what goes beyond its first `limit` errors. Errors cannot be changed, since a
@@ -73,6 +91,14 @@ ErrorChain TakeChain() {
   return WrapForeignError(*info);
 }
 
+void Report(HRESULT code, std::u16string_view text) noexcept {
+  EventLogRecord record;
+  record.kind = EventLogRecord::Kind::kError;
+  record.code = static_cast<std::uint32_t>(code);
+  record.text = text;
+  EventLog::Report(record);
+}
+
 }  // namespace
 
 HRESULT DataAccessUtil::ChainError(HRESULT code, const GUID& source,
@@ -83,16 +109,28 @@ HRESULT DataAccessUtil::ChainError(HRESULT code, const GUID& source,
 HRESULT DataAccessUtil::ChainError(HRESULT code, const ErrorOrigin& origin,
                                    std::u16string_view text) noexcept {
   try {
-    const ErrorChain chain = NewError(code, origin, text, Shorten(TakeChain(), kLongestChain - 1));
+    const ErrorChain chain =
+        NewError(code, origin, {std::u16string(text), {}}, Shorten(TakeChain(), kLongestChain - 1));
     ::SetErrorInfo(0, chain.As<IErrorInfo>().Get());
   } catch (...) {
     // Out of memory: the code alone has to do.
   }
-  EventLogRecord record;
-  record.kind = EventLogRecord::Kind::kError;
-  record.code = static_cast<std::uint32_t>(code);
-  record.text = text;
-  EventLog::Report(record);
+  Report(code, text);
+  return code;
+}
+
+HRESULT DataAccessUtil::ChainErrors(HRESULT code, const ErrorOrigin& origin,
+                                    std::span<const MessageText> messages) noexcept {
+  try {
+    const std::size_t count = messages.size();
+    ErrorChain chain = Shorten(TakeChain(), kLongestChain - std::min(count, kLongestChain));
+    for (const MessageText& message : messages)
+      chain = NewError(code, origin, message, std::move(chain));
+    if (chain) ::SetErrorInfo(0, chain.As<IErrorInfo>().Get());
+  } catch (...) {
+    // Out of memory: the code alone has to do.
+  }
+  for (const MessageText& message : messages) Report(code, message.text);
   return code;
 }
 

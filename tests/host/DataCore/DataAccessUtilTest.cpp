@@ -132,6 +132,73 @@ TEST_F(DataAccessUtilTest, KeepsTheNewest64) {
   EXPECT_EQ(code, kCode - 198) << "codes stay with their texts";
 }
 
+std::vector<MessageText> NumberedMessages(int count) {
+  std::vector<MessageText> messages(static_cast<std::size_t>(count));
+  for (int i = 0; i < count; ++i)
+    messages[static_cast<std::size_t>(i)].Insert(std::u16string(static_cast<std::size_t>(i), u'y'));
+  return messages;
+}
+
+// What a row has to tell of is not cut to what an unread chain may keep.
+TEST_F(DataAccessUtilTest, ErrorsOfOneCallAreAllKept) {
+  for (int i = 0; i < 70; ++i) DataAccessUtil::ChainError(kCode, kSource, u"before");
+  const std::vector<MessageText> messages = NumberedMessages(1000);
+  EXPECT_EQ(DataAccessUtil::ChainErrors(kCode, {kSource}, messages), kCode);
+  const std::vector<std::u16string> texts = TextsOf(TakeErrorInfo().As<HostChainedError>());
+  ASSERT_EQ(texts.size(), 1000u) << "none of those before";
+  EXPECT_EQ(texts.front(), messages.back().text) << "the newest first";
+  EXPECT_EQ(texts.back(), messages.front().text);
+
+  DataAccessUtil::ChainErrors(kCode, {kSource}, messages);
+  DataAccessUtil::ChainErrors(kCode, {kSource}, {messages.data(), 10});
+  EXPECT_EQ(TextsOf(TakeErrorInfo().As<HostChainedError>()).size(), 64u) << "nobody read them";
+
+  DataAccessUtil::ChainErrors(kCode, {kSource}, {});
+  EXPECT_FALSE(TakeErrorInfo());
+}
+
+// As many as a table may have columns: they must not go away one inside the other.
+TEST_F(DataAccessUtilTest, LongChainsAreDestroyedWithoutDeepRecursion) {
+  DataAccessUtil::ChainErrors(kCode, {kSource}, std::vector<MessageText>(500'000));
+  EXPECT_TRUE(TakeErrorInfo());
+}
+
+TEST_F(DataAccessUtilTest, ErrorsTellWhichPartsOfTheirTextWerePutIn) {
+  MessageText message;
+  message.Add(u"In ").Insert(u"a.csv").Add(u", line ").Insert(u"").Insert(u"7");
+  DataAccessUtil::ChainErrors(kCode, {kSource}, {&message, 1});
+  // Behind so many that the chain is made again.
+  for (int i = 0; i < 63; ++i) DataAccessUtil::ChainError(kCode, kSource, u"own words");
+  DataAccessUtil::ChainError(kCode, kSource, u"own words");
+  EXPECT_EQ(TextsOf(TakeErrorInfo().As<HostChainedError>()).back(), u"own words");
+
+  DataAccessUtil::ChainErrors(kCode, {kSource}, std::vector<MessageText>(65, message));
+  DataAccessUtil::ChainError(kCode, kSource, u"own words");
+  ComPtr<HostChainedError> error = TakeErrorInfo().As<HostChainedError>();
+  LONG count = -1;
+  EXPECT_EQ(error.As<HostErrorInserts>()->GetInsertCount(&count), S_OK);
+  EXPECT_EQ(count, 0);
+  ComPtr<HostChainedError> copied;
+  ASSERT_EQ(error->GetNext(copied.Receive()), S_OK);
+  const auto inserts = copied.As<HostErrorInserts>();
+  ASSERT_TRUE(inserts);
+  EXPECT_EQ(inserts->GetInsertCount(&count), S_OK);
+  ASSERT_EQ(count, 3);
+  const LONG expected[][2] = {{3, 5}, {15, 0}, {15, 1}};
+  LONG begin = -1;
+  LONG length = -1;
+  for (LONG i = 0; i < count; ++i) {
+    EXPECT_EQ(inserts->GetInsert(i, &begin, &length), S_OK);
+    EXPECT_EQ(begin, expected[i][0]);
+    EXPECT_EQ(length, expected[i][1]);
+  }
+  EXPECT_EQ(inserts->GetInsert(3, &begin, &length), E_INVALIDARG);
+  EXPECT_EQ(inserts->GetInsert(-1, &begin, &length), E_INVALIDARG);
+  EXPECT_EQ(inserts->GetInsert(0, nullptr, &length), E_POINTER);
+  EXPECT_EQ(inserts->GetInsert(0, &begin, nullptr), E_POINTER);
+  EXPECT_EQ(inserts->GetInsertCount(nullptr), E_POINTER);
+}
+
 TEST_F(DataAccessUtilTest, EachThreadHasItsOwnChain) {
   DataAccessUtil::ChainError(kCode, kSource, u"here");
   std::vector<std::u16string> there;
