@@ -7,6 +7,7 @@
 #include "host/CoreSupport/CharacterClasses.h"
 #include "host/CoreSupport/QUENRALocale.h"
 #include "inference/CoordinateColumns.h"
+#include "inference/DateFormatting.h"
 #include "inference/NumberParsing.h"
 
 namespace TextFile {
@@ -44,6 +45,23 @@ DateOrder LocaleDateOrder() {
   const std::u16string order = quenra::QUENRALocale::Value(LOCALE_IDATE, 2);
   if (order == u"1") return DateOrder::kDayMonthYear;
   return order == u"2" ? DateOrder::kYearMonthDay : DateOrder::kMonthDayYear;
+}
+
+// The order of a column whose dates allow all of `left`. None left means that no date was seen, or
+// that the dates contradict one another: then nothing is ruled out. The section says how the
+// table's dates are written, the locale only how its user writes them; after both, dates with the
+// day first are the most common in files.
+DateOrder ChooseDateOrder(DateOrders left, const SchemaOptions& options) {
+  const auto possible = [left](DateOrder order) {
+    return order != DateOrder::kAny && (left.empty() || left.Contains(order));
+  };
+  if (options.IsSpecified(SchemaOptions::kDateTimeFormat))
+    if (const DateOrder order = OrderOfPattern(options.dateTimeFormat); possible(order))
+      return order;
+  if (const DateOrder order = LocaleDateOrder(); possible(order)) return order;
+  for (const DateOrder order : {DateOrder::kDayMonthYear, DateOrder::kMonthDayYear})
+    if (possible(order)) return order;
+  return DateOrder::kYearMonthDay;
 }
 
 std::u16string GeneratedName(std::size_t position) {
@@ -289,10 +307,8 @@ FieldDefinition TypeInference::MakeField(const ColumnState& column, std::size_t 
     field.dateFormat.type = field.type;
     field.dateFormat.fractionalSeconds = column.fractionalSeconds;
     if (field.type == FieldType::kTimestampOffset) field.dateFormat.pattern = kTimestampPattern;
-    if (!column.HasDatePattern()) {
-      const DateOrder single = column.dateOrders.Single();
-      field.dateFormat.order = single != DateOrder::kAny ? single : LocaleDateOrder();
-    }
+    if (!column.HasDatePattern())
+      field.dateFormat.order = ChooseDateOrder(column.dateOrders, options_);
   }
   return field;
 }

@@ -106,13 +106,15 @@ std::size_t Utf16Length(std::string_view utf8) noexcept {
   return units;
 }
 
-// The table's pattern. One that is only the locale's gives way to the order of day, month and year
-// in which the column's dates have been found to stand: what is added must read like the rest.
+// The table's pattern. It gives way to the order of day, month and year in which the column's dates
+// have been found to stand: what is added must read like the rest. A pattern of the section whose
+// order cannot be told from its first letter stays.
 std::u16string TablePatternFor(const FieldDefinition& field, const SchemaOptions& options) {
   const std::u16string& pattern = options.dateTimeFormat;
-  if (options.IsSpecified(SchemaOptions::kDateTimeFormat) || !IsDateType(field.type) ||
-      field.dateFormat.order == DateOrder::kAny ||
-      field.dateFormat.order == OrderOfPattern(pattern))
+  const DateOrder order = OrderOfPattern(pattern);
+  if (!IsDateType(field.type) || field.dateFormat.order == DateOrder::kAny ||
+      field.dateFormat.order == order ||
+      (order == DateOrder::kAny && options.IsSpecified(SchemaOptions::kDateTimeFormat)))
     return pattern;
   std::u16string time = WritingPattern({}, FieldType::kTimeOnly, pattern);
   switch (field.dateFormat.order) {

@@ -322,10 +322,46 @@ TEST_F(TypeInferenceTest, OpenOrdersAreTheLocales) {
     const UserLocale german(u"de-DE");
     EXPECT_EQ(Fields(bytes, section), "a:date/dmy b:text");
   }
-  {
-    const UserLocale swedish(u"sv-SE");
-    EXPECT_EQ(Fields(bytes, section), "a:date/ymd b:text") << "though no value is of that order";
+}
+
+TEST_F(TypeInferenceTest, AnOrderThatIsRuledOutIsNotTakenFromTheLocale) {
+  for (const std::u16string_view locale : {u"sv-SE", u"ja-JP", u"zh-CN", u"hu-HU"}) {
+    const UserLocale yearFirst(locale);
+    EXPECT_EQ(Fields("a,b\n01/02/2020,x\n", "Format=CSVDelimited\n"), "a:date/dmy b:text")
+        << "a year of four digits cannot stand in front";
+    EXPECT_EQ(Fields("a,b\n01/02/03,x\n", "Format=CSVDelimited\n"), "a:date/ymd b:text");
   }
+  // Day or year first; the locale has the month first.
+  EXPECT_EQ(TypeOf({"15.1.20"}), "date/dmy");
+  EXPECT_EQ(TypeOf({"15.1.20 10:30"}), "datetime/dmy");
+  EXPECT_EQ(TypeOf({"15.1.20", "32.1.20"}), "date/ymd");
+}
+
+TEST_F(TypeInferenceTest, TheSectionsDateTimeFormatGoesBeforeTheLocale) {
+  const auto opened = [&](const std::string& values, const std::string& format) {
+    return Fields("a,b\n" + values, "Format=CSVDelimited\n" + format);
+  };
+  const std::string open = "01/02/03,x\n";
+  EXPECT_EQ(opened(open, "DateTimeFormat=dd.MM.yyyy\n"), "a:date/dmy b:text");
+  EXPECT_EQ(opened(open, "DateTimeFormat=Dd.MM.yyyy\n"), "a:date/dmy b:text");
+  EXPECT_EQ(opened(open, "DateTimeFormat=yyyy-MM-dd HH:mm\n"), "a:date/ymd b:text");
+  EXPECT_EQ(opened(open, "DateDateTimeFormat=dd.MM.yyyy\n"), "a:date/dmy b:text");
+  EXPECT_EQ(opened(open, "DateTimeFormat=HH:mm dd.MM.yyyy\n"), "a:date/mdy b:text")
+      << "no order in its first letter: the locale's";
+  EXPECT_EQ(opened("01/02/2020,x\n", "DateTimeFormat=yyyy-MM-dd\n"), "a:date/mdy b:text")
+      << "ruled out: the locale's";
+  EXPECT_EQ(opened("13/02/2020,x\n", "DateTimeFormat=MM/dd/yyyy\n"), "a:date/dmy b:text")
+      << "one order is left";
+  EXPECT_EQ(opened("15.1.20,x\n", "DateTimeFormat=MM/dd/yyyy\n"), "a:date/dmy b:text");
+  EXPECT_EQ(opened("15.1.20,x\n", "DateTimeFormat=yyyy-MM-dd\n"), "a:date/ymd b:text");
+
+  const std::string declared = "ColNameHeader=True\nCol1=a Date\nDateTimeFormat=dd.MM.yyyy\n";
+  EXPECT_EQ(opened("", declared), "a:datetime/dmy b:text") << "no date was seen";
+  EXPECT_EQ(opened("01/02/2020,x\n", declared), "a:date/dmy b:text");
+  EXPECT_EQ(opened("01/13/2020,x\n", declared), "a:date/mdy b:text");
+  const UserLocale german(u"de-DE");
+  EXPECT_EQ(opened(open, "DateTimeFormat=MM/dd/yyyy\n"), "a:date/mdy b:text");
+  EXPECT_EQ(opened("15.1.20,x\n", "DateTimeFormat=MM/dd/yyyy\n"), "a:date/dmy b:text");
 }
 
 TEST_F(TypeInferenceTest, FractionsOfSecondsAreRemembered) {
