@@ -81,6 +81,10 @@ endfunction()
 if(unit_sources)
   add_test_program(unit_tests ${unit_sources})
   link_existing(unit_tests PRIVATE textcore)
+  if(NOT WIN32)
+    # Says which locales there are.
+    target_link_libraries(unit_tests PRIVATE ICU::uc)
+  endif()
 endif()
 
 # Ended half-way by the tests of what then is on the disk. Its calls of the system go through its own
