@@ -575,6 +575,51 @@ TEST_F(RowConverterTest, PlainRowsConvertAsTheirRecordsDo) {
   }
 }
 
+TEST_F(RowConverterTest, MinusZeroKeepsItsSignOnEveryRoad) {
+  // Short and long ones, up to 16 characters and beyond, with exponents, blanks and groups; some in
+  // quotes, which a plain row has too. By turns in a record and in a plain row.
+  const char* const zeros[] = {"-0",
+                               "-0.0",
+                               "-.0",
+                               "-0.",
+                               "-0.00000",
+                               "-00000000.0000000",
+                               "-0e0",
+                               "-0E-30",
+                               "-000000",
+                               " -0 ",
+                               "-0.00000000000000000000000",
+                               "\"-0\"",
+                               "\"-0,000.0\"",
+                               "\" -0\""};
+  std::string bytes;
+  for (const char* zero : zeros) bytes += std::string(zero) + "," + zero + "\n";
+  folder_.Write("p.csv", bytes);
+  auto table = std::make_shared<TextDatasetDescription>();
+  table->name = u"p.csv";
+  table->path = folder_.Path(u"p.csv");
+  table->fields = {Field(u"a", kSingle), Field(u"b", kDouble)};
+
+  std::vector<const PlainCells*> codes = {&CommonPlainCells()};
+  if (VectorPlainCells() != nullptr) codes.push_back(VectorPlainCells());
+  for (const PlainCells* code : codes) {
+    for (const bool plain : {true, false}) {
+      ConverterWithSlots converter(table, &LoadTestMessage, *code);
+      const ReaderPtr reader = MakeReader(*table);
+      for (const char* zero : zeros) {
+        PlainRow row;
+        if (plain && reader->ReadPlainRow(row)) {
+          converter.Convert(row);
+        } else {
+          ASSERT_TRUE(reader->ReadRecord());
+          converter.Convert(reader->record());
+        }
+        EXPECT_EQ(Values(converter), "R4 -0, R8 -0") << zero;
+      }
+    }
+  }
+}
+
 TEST_F(RowConverterTest, WhatSlotsHoldIsReplaced) {
   folder_.Write("p.csv", "x,1,2024-02-29\n,,\n  , ,x\n");
   auto table = std::make_shared<TextDatasetDescription>();
