@@ -18,6 +18,8 @@ constexpr std::size_t kDefaultUpperLimit = 100;  // rows
 constexpr std::size_t kLowerLimit = 10;          // rows, while a column is still open
 constexpr std::size_t kLowerLimitWhenDeclared = 1;
 
+constexpr std::size_t kLongName = 1 << 16;  // UTF-16 code units; beyond those of any real column
+
 // How dates with an offset are written, whatever the table's dates look like.
 constexpr std::u16string_view kTimestampPattern = u"yyyy-MM-ddTHH:mm:ss";
 
@@ -133,6 +135,14 @@ bool TypeInference::IsHeader() const {
 void TypeInference::NameColumns() {
   const Record& record = reader_.record();
   if (columns_.size() < record.size()) columns_.resize(record.size());
+  if (record.size() == 1 && columns_[0].name.empty()) {
+    // A name that is a file as a whole must not need its memory twice.
+    const std::u16string_view name = quenra::TrimBlanks(record[0]);
+    if (name.size() >= kLongName && reader_.CanRelease(name)) {
+      columns_[0].name = reader_.ReleaseField(name);
+      return;
+    }
+  }
   for (std::size_t i = 0; i < record.size(); ++i)
     if (columns_[i].name.empty()) columns_[i].name = quenra::TrimBlanks(record[i]);
 }
@@ -293,14 +303,24 @@ void TypeInference::DecideDecimalSymbol() {
 void TypeInference::WriteFields(std::vector<FieldDefinition>& fields) const {
   fields.clear();
   fields.reserve(columns_.size());
-  for (std::size_t i = 0; i < columns_.size(); ++i) fields.push_back(MakeField(columns_[i], i));
+  for (std::size_t i = 0; i < columns_.size(); ++i)
+    fields.push_back(MakeField(columns_[i], i, columns_[i].name));
   InsertCoordinateFields(columns_, fields);
 }
 
-FieldDefinition TypeInference::MakeField(const ColumnState& column, std::size_t position) const {
+void TypeInference::MoveFields(std::vector<FieldDefinition>& fields) {
+  fields.clear();
+  fields.reserve(columns_.size());
+  for (std::size_t i = 0; i < columns_.size(); ++i)
+    fields.push_back(MakeField(columns_[i], i, std::move(columns_[i].name)));
+  InsertCoordinateFields(columns_, fields);
+}
+
+FieldDefinition TypeInference::MakeField(const ColumnState& column, std::size_t position,
+                                         std::u16string name) const {
   FieldDefinition field;
   if (column.declared != nullptr) field = *column.declared;
-  field.name = column.name.empty() ? GeneratedName(position) : column.name;
+  field.name = name.empty() ? GeneratedName(position) : std::move(name);
   field.type = column.type == FieldType::kUndetermined ? FieldType::kString : column.type;
   if (IsDateType(field.type) || field.type == FieldType::kTimeOnly) {
     field.dateFormat.version = openOptions_.fieldTypeVersion;

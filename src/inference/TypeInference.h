@@ -2,7 +2,7 @@
 //
 //   TypeInference inference(reader, options, openOptions);
 //   inference.ReadHeader();
-//   if (inference.Scan()) inference.WriteFields(fields);
+//   if (inference.Scan()) inference.MoveFields(fields);
 //
 // Columns that schema.ini declares keep their type, apart from their date kind and the decimal
 // symbol. Everything else is inferred: the header row, types, date orders, the decimal symbol of
@@ -49,6 +49,9 @@ class TypeInference {
   // Replaces `fields` by the columns as they are now, coordinate fields included.
   void WriteFields(std::vector<FieldDefinition>& fields) const;
 
+  // The same at the end of the inference, whose columns give their names away.
+  void MoveFields(std::vector<FieldDefinition>& fields);
+
   // The number of fields of the last record that was read successfully; 0 when none was.
   std::size_t lastRecordSize() const noexcept { return lastRecordSize_; }
 
@@ -66,7 +69,8 @@ class TypeInference {
   FieldType TypeWithOtherDecimalSymbol(std::u16string_view text) const;
   bool MoreRowsWouldTell() const noexcept;
   void DecideDecimalSymbol();
-  FieldDefinition MakeField(const ColumnState& column, std::size_t position) const;
+  FieldDefinition MakeField(const ColumnState& column, std::size_t position,
+                            std::u16string name) const;
 
   Reader& reader_;
   SchemaOptions& options_;

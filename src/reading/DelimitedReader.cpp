@@ -272,7 +272,7 @@ bool DelimitedReader::Attempt(Single single, SchemaOptions& options,
   ReadHeader(inference, options);
   if (single == Single::kReject && inference.lastRecordSize() == 1) return false;
   if (!inference.Scan()) return false;
-  inference.WriteFields(fields);
+  inference.MoveFields(fields);
   return true;
 }
 

@@ -98,7 +98,7 @@ bool FixedWidthReader::Scan(SchemaOptions& options, std::vector<FieldDefinition>
   // Without columns nothing has been read, so a file that is not empty cannot be a table.
   if (widths_.empty() && !StreamAtEnd()) return false;
   if (!inference.Scan()) return false;
-  inference.WriteFields(fields);
+  inference.MoveFields(fields);
   return fields.size() == inference.lastRecordSize();
 }
 

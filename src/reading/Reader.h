@@ -44,6 +44,14 @@ class Reader {
 
   const Record& record() const noexcept { return record_; }
 
+  // Whether a part of the record may be released: nothing of its line is still to be read.
+  bool CanRelease(std::u16string_view part) const noexcept {
+    return lineUsedUp_ && part.data() >= line_.data() &&
+           part.data() + part.size() <= line_.data() + line_.size();
+  }
+  // Gives away a part of the record with the memory of its line. No record is held then.
+  std::u16string ReleaseField(std::u16string_view part);
+
   // No record is held, and the file has no more.
   bool AtEnd() const noexcept { return record_.empty() && stream_.AtEnd(); }
 
