@@ -1,7 +1,6 @@
 #include "inference/TypeInference.h"
 
 #include <algorithm>
-#include <charconv>
 #include <string>
 
 #include "host/CoreSupport/CharacterClasses.h"
@@ -66,12 +65,6 @@ DateOrder ChooseDateOrder(DateOrders left, const SchemaOptions& options) {
   return DateOrder::kYearMonthDay;
 }
 
-std::u16string GeneratedName(std::size_t position) {
-  char digits[24];
-  auto* const end = std::to_chars(digits, digits + sizeof(digits), position + 1).ptr;
-  return u"Field" + std::u16string(digits, end);
-}
-
 }  // namespace
 
 TypeInference::TypeInference(Reader& reader, SchemaOptions& options, const OpenOptions& openOptions)
@@ -79,13 +72,7 @@ TypeInference::TypeInference(Reader& reader, SchemaOptions& options, const OpenO
   StartFromDeclaredColumns();
 }
 
-void TypeInference::StartFromDeclaredColumns() {
-  columns_.clear();
-  if (options_.columns.empty()) return;
-  columns_.resize(static_cast<std::size_t>(options_.columns.rbegin()->first) + 1);
-  for (const auto& [index, definition] : options_.columns)
-    columns_[static_cast<std::size_t>(index)] = ColumnState(definition);
-}
+void TypeInference::StartFromDeclaredColumns() { columns_.Start(options_.columns); }
 
 bool TypeInference::ReadRecord() {
   if (!reader_.ReadRecord()) return false;
@@ -134,7 +121,7 @@ bool TypeInference::IsHeader() const {
 
 void TypeInference::NameColumns() {
   const Record& record = reader_.record();
-  if (columns_.size() < record.size()) columns_.resize(record.size());
+  columns_.Extend(record.size());
   if (record.size() == 1 && columns_[0].name.empty()) {
     // A name that is a file as a whole must not need its memory twice.
     const std::u16string_view name = quenra::TrimBlanks(record[0]);
@@ -167,12 +154,12 @@ FieldType TypeInference::Classify(std::u16string_view text, DateClass& date) con
 }
 
 bool TypeInference::Scan() {
-  const bool allDeclared = std::all_of(columns_.begin(), columns_.end(),
+  const bool allDeclared = !columns_.HasUndeclaredBehind() &&
+                           std::all_of(columns_.begin(), columns_.end(),
                                        [](const ColumnState& c) { return c.declared != nullptr; });
   const std::size_t lowerLimit = allDeclared ? kLowerLimitWhenDeclared : kLowerLimit;
   // Columns that are first met in a row keep their candidacy even when no coordinates are wanted.
-  if (!openOptions_.generateLatLongFields)
-    for (ColumnState& column : columns_) column.coordinateCandidate = false;
+  if (!openOptions_.generateLatLongFields) columns_.ForbidCoordinates();
 
   for (std::size_t rows = 0; AnotherRowIsWanted(rows, lowerLimit) && ReadRecord(); ++rows) {
     needsMoreRows_ = false;
@@ -192,7 +179,15 @@ bool TypeInference::AnotherRowIsWanted(std::size_t rows, std::size_t lowerLimit)
   return options_.maxScanRows == 0 || rows < options_.maxScanRows;
 }
 
-bool TypeInference::MoreRowsWouldTell() const noexcept {
+bool TypeInference::MoreRowsWouldTell() const {
+  const auto isOpenBehind = [](const ColumnStates::Declared::value_type& declared) {
+    return IsIntegerType(declared.second.type);
+  };
+  // A column that no record has yet is open, unless it is declared.
+  if (columns_.held() < columns_.size() &&
+      (columns_.HasUndeclaredBehind() ||
+       std::any_of(columns_.BehindBegin(), columns_.BehindEnd(), isOpenBehind)))
+    return true;
   return std::any_of(columns_.begin(), columns_.end(), [](const ColumnState& column) {
     return column.type == FieldType::kUndetermined || IsIntegerType(column.type) ||
            (IsDateType(column.type) && column.dateOrders.size() >= 2);
@@ -201,6 +196,8 @@ bool TypeInference::MoreRowsWouldTell() const noexcept {
 
 bool TypeInference::ClassifyRow() {
   const Record& record = reader_.record();
+  // Coordinates look at the column behind each.
+  columns_.Hold(record.size() + 1);
   for (std::size_t i = 0; i < record.size(); ++i) {
     const std::u16string_view text = record[i];
     if (i >= columns_.size()) {
@@ -208,7 +205,7 @@ bool TypeInference::ClassifyRow() {
         if (!text.empty()) return false;
         continue;
       }
-      columns_.emplace_back();
+      columns_.Extend(i + 1);
     }
     if (text.empty()) continue;
     columns_[i].hasValue = true;
@@ -300,27 +297,39 @@ void TypeInference::DecideDecimalSymbol() {
 // Result
 // ---------------------------------------------------------------------------------------------
 
-void TypeInference::WriteFields(std::vector<FieldDefinition>& fields) const {
+void TypeInference::WriteFields(FieldList& fields) const {
   fields.clear();
-  fields.reserve(columns_.size());
-  for (std::size_t i = 0; i < columns_.size(); ++i)
+  fields.reserve(columns_.held());
+  for (std::size_t i = 0; i < columns_.held(); ++i)
     fields.push_back(MakeField(columns_[i], i, columns_[i].name));
-  InsertCoordinateFields(columns_, fields);
+  CompleteFields(fields);
 }
 
-void TypeInference::MoveFields(std::vector<FieldDefinition>& fields) {
+void TypeInference::MoveFields(FieldList& fields) {
   fields.clear();
-  fields.reserve(columns_.size());
-  for (std::size_t i = 0; i < columns_.size(); ++i)
+  fields.reserve(columns_.held());
+  for (std::size_t i = 0; i < columns_.held(); ++i)
     fields.push_back(MakeField(columns_[i], i, std::move(columns_[i].name)));
+  CompleteFields(fields);
+}
+
+// Adds the fields of columns that are not held, and those of coordinates, which stand before them.
+void TypeInference::CompleteFields(FieldList& fields) const {
   InsertCoordinateFields(columns_, fields);
+  const std::size_t virtualFields = fields.size() - columns_.held();
+  fields.ResizeWithTexts(columns_.size() + virtualFields, virtualFields);
+  for (auto it = columns_.BehindBegin(); it != columns_.BehindEnd(); ++it) {
+    const auto position = static_cast<std::size_t>(it->first);
+    fields[position + virtualFields] =
+        MakeField(ColumnState(it->second), position, it->second.name);
+  }
 }
 
 FieldDefinition TypeInference::MakeField(const ColumnState& column, std::size_t position,
                                          std::u16string name) const {
   FieldDefinition field;
   if (column.declared != nullptr) field = *column.declared;
-  field.name = name.empty() ? GeneratedName(position) : std::move(name);
+  field.name = name.empty() ? GeneratedFieldName(position) : std::move(name);
   field.type = column.type == FieldType::kUndetermined ? FieldType::kString : column.type;
   if (IsDateType(field.type) || field.type == FieldType::kTimeOnly) {
     field.dateFormat.version = openOptions_.fieldTypeVersion;

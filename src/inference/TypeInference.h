@@ -17,6 +17,7 @@
 #include "inference/ColumnState.h"
 #include "inference/OpenOptions.h"
 #include "reading/Reader.h"
+#include "schema/FieldList.h"
 #include "schema/TableSchema.h"
 
 namespace TextFile {
@@ -47,10 +48,10 @@ class TypeInference {
   [[nodiscard]] bool Scan();
 
   // Replaces `fields` by the columns as they are now, coordinate fields included.
-  void WriteFields(std::vector<FieldDefinition>& fields) const;
+  void WriteFields(FieldList& fields) const;
 
   // The same at the end of the inference, whose columns give their names away.
-  void MoveFields(std::vector<FieldDefinition>& fields);
+  void MoveFields(FieldList& fields);
 
   // The number of fields of the last record that was read successfully; 0 when none was.
   std::size_t lastRecordSize() const noexcept { return lastRecordSize_; }
@@ -67,8 +68,9 @@ class TypeInference {
   void CheckDeclared(ColumnState& column, std::u16string_view text);
   void CheckDecimalSymbol(std::u16string_view text);
   FieldType TypeWithOtherDecimalSymbol(std::u16string_view text) const;
-  bool MoreRowsWouldTell() const noexcept;
+  bool MoreRowsWouldTell() const;
   void DecideDecimalSymbol();
+  void CompleteFields(FieldList& fields) const;
   FieldDefinition MakeField(const ColumnState& column, std::size_t position,
                             std::u16string name) const;
 

@@ -36,8 +36,7 @@ class Reader {
   // Reads the beginning of the file to settle delimiter, decimal symbol, record terminator, header
   // and columns, and writes them to `options` and `fields`. False when the file cannot be read as
   // a table of this kind; `options` may then hold what was tried last.
-  virtual bool Scan(SchemaOptions& options, std::vector<FieldDefinition>& fields,
-                    const OpenOptions& openOptions) = 0;
+  virtual bool Scan(SchemaOptions& options, FieldList& fields, const OpenOptions& openOptions) = 0;
 
   // Whether the file could be opened.
   bool IsOpen() const noexcept { return stream_.IsOpen(); }

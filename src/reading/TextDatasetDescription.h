@@ -2,8 +2,8 @@
 #pragma once
 
 #include <string>
-#include <vector>
 
+#include "schema/FieldList.h"
 #include "schema/TableSchema.h"
 
 namespace TextFile {
@@ -13,7 +13,7 @@ struct TextDatasetDescription {
   std::u16string path;  // its full path
   SchemaOptions options;
   bool loaded = false;  // set by OpenTextDataset; the options and fields are final then
-  std::vector<FieldDefinition> fields;
+  FieldList fields;
 };
 
 }  // namespace TextFile

@@ -66,6 +66,15 @@ class MemoryTest : public TexttablesTest {
 // A program of these libraries has some megabytes before it opens anything.
 constexpr std::uint64_t kIdle = 24 * kMegabyte;
 
+TEST_F(MemoryTest, ColumnsThatNoRowHasCostNothing) {
+  Write("a.csv", "Id,Name\n1,Ann\n2,Bob\n");
+  Write("schema.ini", "[a.csv]\nCol1000000=z Text\n");
+  EXPECT_EQ(Output({"count", "a.csv"}), "2\n");
+  const Cost cost = CostOf({"count", Path("a.csv")});
+  EXPECT_EQ(cost.exitCode, 0);
+  EXPECT_LT(cost.memory, kIdle + kMegabyte);
+}
+
 TEST_F(MemoryTest, OneLongLineCostsThreeTimesItsSize) {
   constexpr std::uint64_t kSize = 32 * kMegabyte;
   const std::string line(kSize, 'x');

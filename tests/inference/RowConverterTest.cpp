@@ -620,6 +620,39 @@ TEST_F(RowConverterTest, MinusZeroKeepsItsSignOnEveryRoad) {
   }
 }
 
+TEST_F(RowConverterTest, ColumnsFarBehindTheScannedOnesAreConverted) {
+  // The rows that are scanned have two columns, a later one 5,000.
+  std::string bytes;
+  for (int i = 0; i < 120; ++i) bytes += "1,x\n";
+  bytes += "1,x" + std::string(4997, ',') + "y,05.01.2020\n";
+  folder_.Write("p.csv", bytes);
+  folder_.Write("schema.ini",
+                "[p.csv]\nFormat=CSVDelimited\nColNameHeader=False\nCol5000=z Date dd.MM.yyyy\n");
+  const OpenedTable opened(folder_, u"p.csv");
+  ASSERT_TRUE(opened.opened());
+  for (const bool plain : {true, false}) {
+    ConverterWithSlots converter(opened.shared(), &LoadTestMessage);
+    ASSERT_EQ(converter.fieldCount(), 5000u);
+    const ReaderPtr reader = MakeReader(*opened.shared());
+    PlainRow row;
+    std::size_t fields = 0;
+    for (int i = 0; i < 121; ++i) {
+      if (plain) {
+        ASSERT_TRUE(reader->ReadPlainRow(row));
+        fields = converter.Convert(row);
+      } else {
+        ASSERT_TRUE(reader->ReadRecord());
+        fields = converter.Convert(reader->record());
+      }
+    }
+    EXPECT_EQ(fields, 5000u);
+    EXPECT_EQ(TakeShown(converter, 1), "BSTR \"x\"");
+    EXPECT_EQ(TakeShown(converter, 2), "NULL");
+    EXPECT_EQ(TakeShown(converter, 4998), "BSTR \"y\"");
+    EXPECT_EQ(TakeShown(converter, 4999), "DATE 43835");
+  }
+}
+
 TEST_F(RowConverterTest, WhatSlotsHoldIsReplaced) {
   folder_.Write("p.csv", "x,1,2024-02-29\n,,\n  , ,x\n");
   auto table = std::make_shared<TextDatasetDescription>();

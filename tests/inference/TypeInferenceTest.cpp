@@ -429,6 +429,58 @@ TEST_F(TypeInferenceTest, DeclaredColumnsKeepTypeNameAndWidth) {
   EXPECT_FALSE(table.field(2).hasWidth);
 }
 
+// What is found of a table in whose schema.ini a column far behind the others is declared must not
+// depend on how far it is, though columns that no row has are not held from some number on.
+TEST_F(TypeInferenceTest, AColumnDeclaredFarBehindTheOthersChangesNothingElse) {
+  struct {
+    const char* why;
+    const char* bytes;
+    const char* section;
+  } const cases[] = {
+      {"a header", "a,b,c\n1,x,2020-01-05\n2,y,2020-01-06\n", "ColNameHeader=True\n"},
+      {"none", "1,x\n2,y,2.5\n3,z,3.5,\"4\"\n", "ColNameHeader=False\n"},
+      {"a column declared nearby", "a,b\n1,2\n3,4\n", "ColNameHeader=True\nCol2=q Text\n"},
+      {"coordinates", "p,q,r\n\"47.123, 8.456\",47.123,8.456\n", "ColNameHeader=True\n"},
+      {"no row", "", ""},
+      {"a surplus value where there are columns", "a,b\n1,2,3\n", "ColNameHeader=True\n"},
+      {"a type that keeps the scan going", "x\n", "ColNameHeader=False\nCol7=n Long\n"},
+  };
+  const auto open = [&](const char* bytes, const std::string& section, int last,
+                        const std::string& line, const OpenOptions& options) {
+    return Open(bytes, "Format=CSVDelimited\n" + section + "Col" + std::to_string(last) + line,
+                options);
+  };
+  OpenOptions noCoordinates;
+  noCoordinates.generateLatLongFields = false;
+  for (const auto& c : cases) {
+    for (const std::string line : {"=z Text\n", "=z Date dd.MM.yyyy\n", "=z Date\n", "=z Long\n"}) {
+      for (const OpenOptions& options : {OpenOptions(), noCoordinates}) {
+        SCOPED_TRACE(c.why + line);
+        const OpenedTable held = open(c.bytes, c.section, 50, line, options);
+        const OpenedTable far = open(c.bytes, c.section, 9050, line, options);
+        ASSERT_TRUE(held.opened() && far.opened());
+        const FieldList& near = held.shared()->fields;
+        const FieldList& all = far.shared()->fields;
+        ASSERT_EQ(all.size(), near.size() + 9000);
+        const std::size_t last = near.size() - 1;
+        for (std::size_t i = 0; i <= last; ++i) {
+          const FieldDefinition expected = near[i];
+          const FieldDefinition found = all[i == last ? all.size() - 1 : i];
+          EXPECT_EQ(found.name, expected.name);
+          EXPECT_EQ(found.type, expected.type) << i;
+          EXPECT_EQ(found.width, expected.width);
+          EXPECT_EQ(found.isCoordinate, expected.isCoordinate);
+          EXPECT_EQ(found.coordinateFormat, expected.coordinateFormat);
+          EXPECT_EQ(found.dateFormat.order, expected.dateFormat.order);
+          EXPECT_EQ(found.dateFormat.pattern, expected.dateFormat.pattern);
+        }
+        const std::string name = "Field" + std::to_string(9049);
+        EXPECT_EQ(all[all.size() - 2].name, std::u16string(name.begin(), name.end()));
+      }
+    }
+  }
+}
+
 TEST_F(TypeInferenceTest, AGapBeforeADeclaredColumnIsInferred) {
   EXPECT_EQ(Fields("1,2\n3,4\n", "ColNameHeader=False\nCol2=b Text\n"), "Field1:int b:text");
   EXPECT_EQ(Fields("x,y\n3,4\n", "ColNameHeader=True\nCol2=b Text\n"), "x:int b:text");
