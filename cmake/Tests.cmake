@@ -84,7 +84,8 @@ if(unit_sources)
   add_test_program(unit_tests ${unit_sources})
   link_existing(unit_tests PRIVATE textcore)
   if(NOT WIN32)
-    # Tables that scripts have made of its properties are held against it.
+    # Tables that scripts have made of its properties are held against it, and it says which locales
+    # there are.
     target_link_libraries(unit_tests PRIVATE ICU::uc)
   endif()
 endif()

@@ -113,7 +113,7 @@ inline void CheckRow(const TextFile::TextDatasetDescription& table, const TextFi
   Check(count <= table.fields.size() && quick.Convert(record) == count);
   if (plainColumns) Check(count == std::min(record.size(), table.fields.size()));
   for (std::size_t i = 0; i < table.fields.size(); ++i) {
-    const FieldType type = table.fields[i].type;
+    const FieldType type = table.fields.TypeOf(i);
     const Value value(converter, i);
     const Value other(quick, i);
     if (i >= count) {
@@ -186,7 +186,7 @@ void CheckRows(const TextFile::TextDatasetDescription& table, NextPlainRecord ne
   TextFile::ConverterWithSlots quick(shared, &MessageTemplate);
   Check(converter.fieldCount() == table.fields.size());
   for (std::size_t i = 0; i < table.fields.size(); ++i)
-    if (table.fields[i].type == TextFile::FieldType::kString) quick.SetWanted(i, false);
+    if (table.fields.TypeOf(i) == TextFile::FieldType::kString) quick.SetWanted(i, false);
   const bool plainColumns = !HasVirtualFields(table);
   TextFile::ConverterWithSlots exact(shared, &MessageTemplate);
   PlainWalk walk(shared);

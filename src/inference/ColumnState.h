@@ -1,7 +1,10 @@
 // What inference knows of one column of the file while it reads rows.
 #pragma once
 
+#include <algorithm>
+#include <cstddef>
 #include <cstdint>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -37,6 +40,74 @@ struct ColumnState {
   }
 };
 
-using ColumnStates = std::vector<ColumnState>;
+// The columns of a file. Those behind the last that the header row or a record has are not held as
+// long as they are many: schema.ini may declare the millionth column of a file of two.
+class ColumnStates {
+ public:
+  using Declared = std::map<std::int32_t, FieldDefinition>;
+
+  // Starts anew from the columns declared, which are used until the next start.
+  void Start(const Declared& declared) {
+    declared_ = &declared;
+    held_.clear();
+    withoutCandidates_ = 0;
+    size_ = declared.empty() ? 0 : static_cast<std::size_t>(declared.rbegin()->first) + 1;
+    if (size_ <= kFew) Hold(size_);
+  }
+
+  std::size_t size() const noexcept { return size_; }
+  std::size_t held() const noexcept { return held_.size(); }
+
+  // Lets the file have at least `count` columns.
+  void Extend(std::size_t count) {
+    size_ = std::max(size_, count);
+    Hold(count);
+  }
+  // Holds the first `count` columns, of those that there are.
+  void Hold(std::size_t count) {
+    for (std::size_t i = held_.size(); i < std::min(count, size_); ++i) held_.push_back(Fresh(i));
+  }
+
+  // Of a column that is held.
+  ColumnState& operator[](std::size_t index) noexcept { return held_[index]; }
+  const ColumnState& operator[](std::size_t index) const noexcept { return held_[index]; }
+  // The columns that are held.
+  auto begin() noexcept { return held_.begin(); }
+  auto end() noexcept { return held_.end(); }
+  auto begin() const noexcept { return held_.begin(); }
+  auto end() const noexcept { return held_.end(); }
+
+  // The declared columns behind those that are held, and whether there are others among them.
+  Declared::const_iterator BehindBegin() const {
+    return declared_->lower_bound(static_cast<std::int32_t>(held_.size()));
+  }
+  Declared::const_iterator BehindEnd() const noexcept { return declared_->end(); }
+  bool HasUndeclaredBehind() const {
+    return size_ - held_.size() >
+           static_cast<std::size_t>(std::distance(BehindBegin(), BehindEnd()));
+  }
+
+  // No column that there is now can hold coordinates.
+  void ForbidCoordinates() noexcept {
+    withoutCandidates_ = size_;
+    for (ColumnState& column : held_) column.coordinateCandidate = false;
+  }
+
+ private:
+  // Columns that cost less than telling them apart.
+  static constexpr std::size_t kFew = 4096;
+
+  ColumnState Fresh(std::size_t index) const {
+    const auto found = declared_->find(static_cast<std::int32_t>(index));
+    ColumnState column = found == declared_->end() ? ColumnState() : ColumnState(found->second);
+    column.coordinateCandidate &= index >= withoutCandidates_;
+    return column;
+  }
+
+  const Declared* declared_ = nullptr;
+  std::vector<ColumnState> held_;
+  std::size_t size_ = 0;
+  std::size_t withoutCandidates_ = 0;  // so many columns were there when they were forbidden
+};
 
 }  // namespace TextFile

@@ -16,7 +16,7 @@ std::u16string_view TextOf(const Record& record, std::size_t index) noexcept {
 }
 
 bool IsText(const ColumnStates& columns, std::size_t index) noexcept {
-  return index < columns.size() && columns[index].type == FieldType::kString;
+  return index < columns.held() && columns[index].type == FieldType::kString;
 }
 
 std::u16string Folded(std::u16string_view name) {
@@ -28,8 +28,11 @@ std::u16string Folded(std::u16string_view name) {
 // The names of a file's columns, compared without regard to case.
 class ColumnNames {
  public:
-  explicit ColumnNames(const std::vector<FieldDefinition>& fields) {
+  ColumnNames(const ColumnStates& columns, const FieldList& fields) {
     for (const FieldDefinition& field : fields) names_.insert(Folded(field.name));
+    // Names that are made from positions are not those of companions.
+    for (auto it = columns.BehindBegin(); it != columns.BehindEnd(); ++it)
+      names_.insert(Folded(it->second.name));
   }
 
   // `column` with the suffix. One "_" behind it tells it apart from a column of that name; whether
@@ -62,7 +65,7 @@ bool IsCoordinateColumn(const ColumnState& column) noexcept {
 
 void DetectCoordinates(const quenra::LatLongFormat& format, const Record& record,
                        ColumnStates& columns) noexcept {
-  for (std::size_t i = 0; i < columns.size(); ++i) {
+  for (std::size_t i = 0; i < columns.held(); ++i) {
     ColumnState& column = columns[i];
     // Asked first: after a few rows hardly any column is a candidate.
     if (!column.coordinateCandidate || !IsText(columns, i)) continue;
@@ -78,18 +81,18 @@ void DetectCoordinates(const quenra::LatLongFormat& format, const Record& record
       ++i;
     } else {
       column.coordinateCandidate = false;
-      if (column.coordinatePair && i + 1 < columns.size())
+      if (column.coordinatePair && i + 1 < columns.held())
         columns[i + 1].coordinateCandidate = false;
     }
   }
 }
 
-void InsertCoordinateFields(const ColumnStates& columns, std::vector<FieldDefinition>& fields) {
+void InsertCoordinateFields(const ColumnStates& columns, FieldList& fields) {
   if (std::none_of(columns.begin(), columns.end(), IsCoordinateColumn)) return;
-  const ColumnNames names(fields);
-  std::vector<FieldDefinition> laidOut;
+  const ColumnNames names(columns, fields);
+  FieldList laidOut;
   laidOut.reserve(fields.size() + 2);
-  for (std::size_t i = 0; i < columns.size(); ++i) {
+  for (std::size_t i = 0; i < columns.held(); ++i) {
     const ColumnState& column = columns[i];
     laidOut.push_back(fields[i]);
     if (!IsCoordinateColumn(column)) continue;

@@ -6,7 +6,7 @@
 #include "host/DataCore/LatLongFormat.h"
 #include "inference/ColumnState.h"
 #include "reading/Record.h"
-#include "schema/FieldDefinition.h"
+#include "schema/FieldList.h"
 
 namespace TextFile {
 
@@ -19,6 +19,6 @@ void DetectCoordinates(const quenra::LatLongFormat& format, const Record& record
 // field a column, and `columns` their states.
 //   one text:   Location, Location_X, Location_Y
 //   two texts:  Lat, Lon, Lat_D, Lon_D
-void InsertCoordinateFields(const ColumnStates& columns, std::vector<FieldDefinition>& fields);
+void InsertCoordinateFields(const ColumnStates& columns, FieldList& fields);
 
 }  // namespace TextFile

@@ -23,7 +23,7 @@ inline constexpr std::size_t kPlainDateBytes = 19;
 
 // What is known of a table's values besides their texts.
 struct CellFormats {
-  const FieldDefinition* fields;  // of dates, their formats
+  const FieldDefinition* fields;  // those at the start; of dates, their formats
   char16_t decimalSymbol;         // one that has plain numbers, where there are steps for numbers
 };
 

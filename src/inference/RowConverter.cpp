@@ -48,22 +48,26 @@ RowConverter::RowConverter(std::shared_ptr<const TextDatasetDescription> table,
     : table_(std::move(table)),
       loadMessage_(loadMessage),
       reported_(reported),
-      formats_{table_->fields.data(), table_->options.number.decimalSymbol},
+      formats_{table_->fields.StoredAtStart().data(), table_->options.number.decimalSymbol},
       plainCells_(plainCells) {
   ::VariantInit(&unwanted_);
-  for (const FieldDefinition& field : table_->fields) fields_.push_back({&unwanted_, field.type});
+  fields_.reserve(table_->fields.size());
+  for (std::size_t i = 0; i < table_->fields.size(); ++i)
+    fields_.push_back({&unwanted_, table_->fields.TypeOf(i)});
 }
 
 // Of a field of the file.
 CellWay RowConverter::WayOf(std::size_t field) const noexcept {
-  const std::vector<FieldDefinition>& fields = table_->fields;
+  const FieldList& fields = table_->fields;
   const auto isVirtual = [&fields](std::size_t i, bool pair) {
-    return i < fields.size() && fields[i].isCoordinate && fields[i].isPair == pair;
+    const FieldDefinition* const stored = i < fields.size() ? fields.Stored(i) : nullptr;
+    return stored != nullptr && stored->isCoordinate && stored->isPair == pair;
   };
-  switch (fields[field].type) {
+  switch (fields_[field].type) {
     case FieldType::kString:
       if (isVirtual(field + 1, false)) return CellWay::kCoordinates;
-      if (isVirtual(field + 2, true) && !fields[field + 1].isCoordinate) return CellWay::kTwoTexts;
+      if (isVirtual(field + 2, true) && !fields.Stored(field + 1)->isCoordinate)
+        return CellWay::kTwoTexts;
       return CellWay::kText;
     case FieldType::kDouble:
       return HasPlainNumbers(formats_.decimalSymbol) ? CellWay::kDouble : CellWay::kOther;
@@ -72,9 +76,11 @@ CellWay RowConverter::WayOf(std::size_t field) const noexcept {
     case FieldType::kBigInteger:
       return HasPlainNumbers(formats_.decimalSymbol) ? CellWay::kBigInteger : CellWay::kOther;
     default:
-      const DateFieldFormat& dates = fields[field].dateFormat;
-      return dates.type == fields[field].type && HasPlainDates(dates) ? CellWay::kDate
-                                                                      : CellWay::kOther;
+      // Plain dates are read with the formats of the fields at the start alone.
+      if (field >= fields.StoredAtStart().size()) return CellWay::kOther;
+      const DateFieldFormat& dates = fields.StoredAtStart()[field].dateFormat;
+      return dates.type == fields_[field].type && HasPlainDates(dates) ? CellWay::kDate
+                                                                       : CellWay::kOther;
   }
 }
 
@@ -220,7 +226,7 @@ void RowConverter::ConvertDouble(const Cell& cell, VARIANT& value) {
 
 void RowConverter::ConvertDate(const Cell& cell, VARIANT& value) {
   ParsedDateTime parsed;
-  if (ParseDateTime(table_->fields[cell.field].dateFormat, cell.text, parsed) &&
+  if (ParseDateTime(table_->fields.Stored(cell.field)->dateFormat, cell.text, parsed) &&
       SetDate(cell.field, parsed, value))
     return;
   SetNull(value);
@@ -275,15 +281,15 @@ void RowConverter::ConvertCoordinates(const CellStep& step, const Row& row) {
   double second = 0;
   bool parsed = false;
   if (!twoTexts) {
-    parsed =
-        parse && latLong_.ParseLatLong(text, table_->fields[field].coordinateFormat, first, second);
+    parsed = parse && latLong_.ParseLatLong(text, table_->fields.Stored(field)->coordinateFormat,
+                                            first, second);
   } else if (step.column + 1 < row.size()) {
     // Even a blank text of the second column is delivered as it stands.
     const std::u16string_view neighbour = TextOf(row, step.column + 1, neighbour_);
     deliver(field + 1, neighbour);
-    parsed =
-        parse && latLong_.ParseLatLong(text, neighbour, table_->fields[field + 1].coordinateFormat,
-                                       first, second);
+    parsed = parse && latLong_.ParseLatLong(text, neighbour,
+                                            table_->fields.Stored(field + 1)->coordinateFormat,
+                                            first, second);
   }
   if (parsed) {
     SetDouble(firstValue, first);
@@ -298,10 +304,10 @@ void RowConverter::Report(const Cell& cell, FieldType found, VARIANT& value) {
   if (fields_[cell.field].reported) return;
   Mismatch mismatch;
   mismatch.fileColumn = cell.column;
-  mismatch.fieldName = table_->fields[cell.field].name;
   mismatch.found = found;
   if (reported_ == Reported::kNull) SetNull(value);
-  mismatches_.push_back({cell.field, std::u16string(cell.text), mismatch});
+  mismatches_.push_back(
+      {cell.field, std::u16string(cell.text), table_->fields[cell.field].name, mismatch});
 }
 
 // Together, since schema.ini is written anew each time.
@@ -310,6 +316,7 @@ void RowConverter::ReportAll() {
   for (const FieldMismatch& found : mismatches_) {
     mismatches.push_back(found.mismatch);
     mismatches.back().text = found.text;
+    mismatches.back().fieldName = found.fieldName;
   }
   std::vector<quenra::MessageText> messages = ReportMismatches(*table_, mismatches, loadMessage_);
   for (std::size_t i = 0; i < messages.size(); ++i) {

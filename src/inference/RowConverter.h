@@ -76,7 +76,8 @@ class RowConverter {
   struct FieldMismatch {
     std::size_t field;
     std::u16string text;
-    Mismatch mismatch;  // without its text
+    std::u16string fieldName;
+    Mismatch mismatch;  // without these two
   };
   // A text of a record, and where it stands.
   struct Cell {

@@ -1,12 +1,12 @@
 #include "inference/TypeInference.h"
 
 #include <algorithm>
-#include <charconv>
 #include <string>
 
 #include "host/CoreSupport/CharacterClasses.h"
 #include "host/CoreSupport/QUENRALocale.h"
 #include "inference/CoordinateColumns.h"
+#include "inference/DateFormatting.h"
 #include "inference/NumberParsing.h"
 
 namespace TextFile {
@@ -16,6 +16,8 @@ namespace {
 constexpr std::size_t kDefaultUpperLimit = 100;  // rows
 constexpr std::size_t kLowerLimit = 10;          // rows, while a column is still open
 constexpr std::size_t kLowerLimitWhenDeclared = 1;
+
+constexpr std::size_t kLongName = 1 << 16;  // UTF-16 code units; beyond those of any real column
 
 // How dates with an offset are written, whatever the table's dates look like.
 constexpr std::u16string_view kTimestampPattern = u"yyyy-MM-ddTHH:mm:ss";
@@ -46,10 +48,21 @@ DateOrder LocaleDateOrder() {
   return order == u"2" ? DateOrder::kYearMonthDay : DateOrder::kMonthDayYear;
 }
 
-std::u16string GeneratedName(std::size_t position) {
-  char digits[24];
-  auto* const end = std::to_chars(digits, digits + sizeof(digits), position + 1).ptr;
-  return u"Field" + std::u16string(digits, end);
+// The order of a column whose dates allow all of `left`. None left means that no date was seen, or
+// that the dates contradict one another: then nothing is ruled out. The section says how the
+// table's dates are written, the locale only how its user writes them; after both, dates with the
+// day first are the most common in files.
+DateOrder ChooseDateOrder(DateOrders left, const SchemaOptions& options) {
+  const auto possible = [left](DateOrder order) {
+    return order != DateOrder::kAny && (left.empty() || left.Contains(order));
+  };
+  if (options.IsSpecified(SchemaOptions::kDateTimeFormat))
+    if (const DateOrder order = OrderOfPattern(options.dateTimeFormat); possible(order))
+      return order;
+  if (const DateOrder order = LocaleDateOrder(); possible(order)) return order;
+  for (const DateOrder order : {DateOrder::kDayMonthYear, DateOrder::kMonthDayYear})
+    if (possible(order)) return order;
+  return DateOrder::kYearMonthDay;
 }
 
 }  // namespace
@@ -59,13 +72,7 @@ TypeInference::TypeInference(Reader& reader, SchemaOptions& options, const OpenO
   StartFromDeclaredColumns();
 }
 
-void TypeInference::StartFromDeclaredColumns() {
-  columns_.clear();
-  if (options_.columns.empty()) return;
-  columns_.resize(static_cast<std::size_t>(options_.columns.rbegin()->first) + 1);
-  for (const auto& [index, definition] : options_.columns)
-    columns_[static_cast<std::size_t>(index)] = ColumnState(definition);
-}
+void TypeInference::StartFromDeclaredColumns() { columns_.Start(options_.columns); }
 
 bool TypeInference::ReadRecord() {
   if (!reader_.ReadRecord()) return false;
@@ -130,7 +137,15 @@ bool TypeInference::IsHeader() const {
 
 void TypeInference::NameColumns() {
   const Record& record = reader_.record();
-  if (columns_.size() < record.size()) columns_.resize(record.size());
+  columns_.Extend(record.size());
+  if (record.size() == 1 && columns_[0].name.empty()) {
+    // A name that is a file as a whole must not need its memory twice.
+    const std::u16string_view name = quenra::TrimBlanks(record[0]);
+    if (name.size() >= kLongName && reader_.CanRelease(name)) {
+      columns_[0].name = reader_.ReleaseField(name);
+      return;
+    }
+  }
   for (std::size_t i = 0; i < record.size(); ++i)
     if (columns_[i].name.empty()) columns_[i].name = quenra::TrimBlanks(record[i]);
 }
@@ -155,12 +170,12 @@ FieldType TypeInference::Classify(std::u16string_view text, DateClass& date) con
 }
 
 bool TypeInference::Scan() {
-  const bool allDeclared = std::all_of(columns_.begin(), columns_.end(),
+  const bool allDeclared = !columns_.HasUndeclaredBehind() &&
+                           std::all_of(columns_.begin(), columns_.end(),
                                        [](const ColumnState& c) { return c.declared != nullptr; });
   const std::size_t lowerLimit = allDeclared ? kLowerLimitWhenDeclared : kLowerLimit;
   // Columns that are first met in a row keep their candidacy even when no coordinates are wanted.
-  if (!openOptions_.generateLatLongFields)
-    for (ColumnState& column : columns_) column.coordinateCandidate = false;
+  if (!openOptions_.generateLatLongFields) columns_.ForbidCoordinates();
 
   for (std::size_t rows = 0; AnotherRowIsWanted(rows, lowerLimit) && ReadRecord(); ++rows) {
     needsMoreRows_ = false;
@@ -180,7 +195,15 @@ bool TypeInference::AnotherRowIsWanted(std::size_t rows, std::size_t lowerLimit)
   return options_.maxScanRows == 0 || rows < options_.maxScanRows;
 }
 
-bool TypeInference::MoreRowsWouldTell() const noexcept {
+bool TypeInference::MoreRowsWouldTell() const {
+  const auto isOpenBehind = [](const ColumnStates::Declared::value_type& declared) {
+    return IsIntegerType(declared.second.type);
+  };
+  // A column that no record has yet is open, unless it is declared.
+  if (columns_.held() < columns_.size() &&
+      (columns_.HasUndeclaredBehind() ||
+       std::any_of(columns_.BehindBegin(), columns_.BehindEnd(), isOpenBehind)))
+    return true;
   return std::any_of(columns_.begin(), columns_.end(), [](const ColumnState& column) {
     return column.type == FieldType::kUndetermined || IsIntegerType(column.type) ||
            (IsDateType(column.type) && column.dateOrders.size() >= 2);
@@ -189,6 +212,8 @@ bool TypeInference::MoreRowsWouldTell() const noexcept {
 
 bool TypeInference::ClassifyRow() {
   const Record& record = reader_.record();
+  // Coordinates look at the column behind each.
+  columns_.Hold(record.size() + 1);
   for (std::size_t i = 0; i < record.size(); ++i) {
     const std::u16string_view text = record[i];
     if (i >= columns_.size()) {
@@ -196,7 +221,7 @@ bool TypeInference::ClassifyRow() {
         if (!text.empty()) return false;
         continue;
       }
-      columns_.emplace_back();
+      columns_.Extend(i + 1);
     }
     if (text.empty()) continue;
     columns_[i].hasValue = true;
@@ -288,27 +313,47 @@ void TypeInference::DecideDecimalSymbol() {
 // Result
 // ---------------------------------------------------------------------------------------------
 
-void TypeInference::WriteFields(std::vector<FieldDefinition>& fields) const {
+void TypeInference::WriteFields(FieldList& fields) const {
   fields.clear();
-  fields.reserve(columns_.size());
-  for (std::size_t i = 0; i < columns_.size(); ++i) fields.push_back(MakeField(columns_[i], i));
-  InsertCoordinateFields(columns_, fields);
+  fields.reserve(columns_.held());
+  for (std::size_t i = 0; i < columns_.held(); ++i)
+    fields.push_back(MakeField(columns_[i], i, columns_[i].name));
+  CompleteFields(fields);
 }
 
-FieldDefinition TypeInference::MakeField(const ColumnState& column, std::size_t position) const {
+void TypeInference::MoveFields(FieldList& fields) {
+  fields.clear();
+  fields.reserve(columns_.held());
+  for (std::size_t i = 0; i < columns_.held(); ++i)
+    fields.push_back(MakeField(columns_[i], i, std::move(columns_[i].name)));
+  CompleteFields(fields);
+}
+
+// Adds the fields of columns that are not held, and those of coordinates, which stand before them.
+void TypeInference::CompleteFields(FieldList& fields) const {
+  InsertCoordinateFields(columns_, fields);
+  const std::size_t virtualFields = fields.size() - columns_.held();
+  fields.ResizeWithTexts(columns_.size() + virtualFields, virtualFields);
+  for (auto it = columns_.BehindBegin(); it != columns_.BehindEnd(); ++it) {
+    const auto position = static_cast<std::size_t>(it->first);
+    fields[position + virtualFields] =
+        MakeField(ColumnState(it->second), position, it->second.name);
+  }
+}
+
+FieldDefinition TypeInference::MakeField(const ColumnState& column, std::size_t position,
+                                         std::u16string name) const {
   FieldDefinition field;
   if (column.declared != nullptr) field = *column.declared;
-  field.name = column.name.empty() ? GeneratedName(position) : column.name;
+  field.name = name.empty() ? GeneratedFieldName(position) : std::move(name);
   field.type = column.type == FieldType::kUndetermined ? FieldType::kString : column.type;
   if (IsDateType(field.type) || field.type == FieldType::kTimeOnly) {
     field.dateFormat.version = openOptions_.fieldTypeVersion;
     field.dateFormat.type = field.type;
     field.dateFormat.fractionalSeconds = column.fractionalSeconds;
     if (field.type == FieldType::kTimestampOffset) field.dateFormat.pattern = kTimestampPattern;
-    if (!column.HasDatePattern()) {
-      const DateOrder single = column.dateOrders.Single();
-      field.dateFormat.order = single != DateOrder::kAny ? single : LocaleDateOrder();
-    }
+    if (!column.HasDatePattern())
+      field.dateFormat.order = ChooseDateOrder(column.dateOrders, options_);
   }
   return field;
 }

@@ -2,7 +2,7 @@
 //
 //   TypeInference inference(reader, options, openOptions);
 //   inference.ReadHeader();
-//   if (inference.Scan()) inference.WriteFields(fields);
+//   if (inference.Scan()) inference.MoveFields(fields);
 //
 // Columns that schema.ini declares keep their type, apart from their date kind and the decimal
 // symbol. Everything else is inferred: the header row, types, date orders, the decimal symbol of
@@ -18,6 +18,7 @@
 #include "inference/OpenOptions.h"
 #include "reading/LayoutMisfit.h"
 #include "reading/Reader.h"
+#include "schema/FieldList.h"
 #include "schema/TableSchema.h"
 
 namespace TextFile {
@@ -48,7 +49,10 @@ class TypeInference {
   [[nodiscard]] bool Scan();
 
   // Replaces `fields` by the columns as they are now, coordinate fields included.
-  void WriteFields(std::vector<FieldDefinition>& fields) const;
+  void WriteFields(FieldList& fields) const;
+
+  // The same at the end of the inference, whose columns give their names away.
+  void MoveFields(FieldList& fields);
 
   // Why Scan has answered false, or what there is of the last record that was read.
   LayoutMisfit Misfit() const noexcept;
@@ -69,9 +73,11 @@ class TypeInference {
   void CheckDeclared(ColumnState& column, std::u16string_view text);
   void CheckDecimalSymbol(std::u16string_view text);
   FieldType TypeWithOtherDecimalSymbol(std::u16string_view text) const;
-  bool MoreRowsWouldTell() const noexcept;
+  bool MoreRowsWouldTell() const;
   void DecideDecimalSymbol();
-  FieldDefinition MakeField(const ColumnState& column, std::size_t position) const;
+  void CompleteFields(FieldList& fields) const;
+  FieldDefinition MakeField(const ColumnState& column, std::size_t position,
+                            std::u16string name) const;
 
   Reader& reader_;
   SchemaOptions& options_;

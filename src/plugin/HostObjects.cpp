@@ -8,6 +8,7 @@ namespace quenra {
 namespace {
 
 using TextFile::FieldDefinition;
+using TextFile::FieldList;
 using TextFile::FieldType;
 
 // What tells the host that it can build points from the field.
@@ -89,7 +90,7 @@ HRESULT NewClassIdentifier(const CLSID& classId, HostClassIdentifier** result) n
   return S_OK;
 }
 
-HRESULT NewFieldCollection(const std::vector<FieldDefinition>& fields,
+HRESULT NewFieldCollection(const FieldList& fields,
                            ComPtr<HostFieldCollection>& result) {
   ComPtr<HostFieldCollectionEdit> edit;
   HRESULT status = CreateComponentInstance(CLSID_HostFieldCollection, edit.Receive());

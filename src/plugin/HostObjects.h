@@ -2,12 +2,11 @@
 #pragma once
 
 #include <string_view>
-#include <vector>
 
 #include "host/com/ComPtr.h"
 #include "host/interfaces/HostClassIdentifier.h"
 #include "host/interfaces/HostFields.h"
-#include "schema/FieldDefinition.h"
+#include "schema/FieldList.h"
 
 namespace quenra {
 
@@ -17,7 +16,7 @@ HRESULT NewClassIdentifier(const CLSID& classId, HostClassIdentifier** result) n
 
 // The host's field collection of a table's fields, in order. `*result` is left alone, and the
 // failure of the host's object is answered, when one cannot be made. May throw std::bad_alloc.
-HRESULT NewFieldCollection(const std::vector<TextFile::FieldDefinition>& fields,
+HRESULT NewFieldCollection(const TextFile::FieldList& fields,
                            ComPtr<HostFieldCollection>& result);
 
 }  // namespace quenra

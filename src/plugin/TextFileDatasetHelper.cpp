@@ -60,7 +60,7 @@ void TextFileDatasetHelper::KeepDatePrecision(
     const std::vector<TextFile::FieldDefinition>& created) {
   auto marked = std::make_shared<TextFile::TextDatasetDescription>(*description_);
   for (std::size_t i = 0; i < std::min(created.size(), marked->fields.size()); ++i)
-    if (marked->fields[i].type == TextFile::FieldType::kDate)
+    if (marked->fields.TypeOf(i) == TextFile::FieldType::kDate)
       marked->fields[i].hasDatePrecision = created[i].hasDatePrecision;
   description_ = std::move(marked);
 }

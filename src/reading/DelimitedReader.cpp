@@ -232,7 +232,7 @@ void DelimitedReader::EndRecord() {
   if (!record_.empty() || !record_.OpenField().empty()) record_.EndField();
 }
 
-bool DelimitedReader::Scan(SchemaOptions& options, std::vector<FieldDefinition>& fields,
+bool DelimitedReader::Scan(SchemaOptions& options, FieldList& fields,
                            const OpenOptions& openOptions) {
   if (!IsOpen()) return false;
   const bool formatGiven = options.IsSpecified(SchemaOptions::kFormat);
@@ -253,8 +253,7 @@ bool DelimitedReader::Scan(SchemaOptions& options, std::vector<FieldDefinition>&
 }
 
 bool DelimitedReader::TryDelimiter(char16_t candidate, Single single, SchemaOptions& options,
-                                   std::vector<FieldDefinition>& fields,
-                                   const OpenOptions& openOptions) {
+                                   FieldList& fields, const OpenOptions& openOptions) {
   delimiter_ = options.delimiter = candidate;
   char16_t& decimal = options.number.decimalSymbol;
   // A decimal symbol cannot separate fields too, and semicolons mean decimal commas.
@@ -265,8 +264,7 @@ bool DelimitedReader::TryDelimiter(char16_t candidate, Single single, SchemaOpti
   return false;
 }
 
-bool DelimitedReader::Attempt(Single single, SchemaOptions& options,
-                              std::vector<FieldDefinition>& fields,
+bool DelimitedReader::Attempt(Single single, SchemaOptions& options, FieldList& fields,
                               const OpenOptions& openOptions) {
   TypeInference inference(*this, options, openOptions);
   ReadHeader(inference, options);
@@ -278,7 +276,7 @@ bool DelimitedReader::Attempt(Single single, SchemaOptions& options,
     NoteMisfit(misfit);
     return false;
   }
-  inference.WriteFields(fields);
+  inference.MoveFields(fields);
   return true;
 }
 

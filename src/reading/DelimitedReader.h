@@ -30,8 +30,7 @@ class DelimitedReader final : public Reader {
   }
 
   // Tries the current delimiter, then ",", ";", tab, "|" and blank.
-  bool Scan(SchemaOptions& options, std::vector<FieldDefinition>& fields,
-            const OpenOptions& openOptions) override;
+  bool Scan(SchemaOptions& options, FieldList& fields, const OpenOptions& openOptions) override;
 
  private:
   enum class Single { kReject, kAccept };  // a record of one field
@@ -50,10 +49,10 @@ class DelimitedReader final : public Reader {
   Step TakeFieldExactly();
   bool TakeQuote(bool quoting, bool& hasText);
   void EndRecord();
-  bool Attempt(Single single, SchemaOptions& options, std::vector<FieldDefinition>& fields,
+  bool Attempt(Single single, SchemaOptions& options, FieldList& fields,
                const OpenOptions& openOptions);
-  bool TryDelimiter(char16_t candidate, Single single, SchemaOptions& options,
-                    std::vector<FieldDefinition>& fields, const OpenOptions& openOptions);
+  bool TryDelimiter(char16_t candidate, Single single, SchemaOptions& options, FieldList& fields,
+                    const OpenOptions& openOptions);
 
   bool exact_ = false;
   char16_t delimiter_;

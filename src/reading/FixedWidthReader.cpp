@@ -11,7 +11,7 @@ FixedWidthReader::FixedWidthReader(const TextDatasetDescription& description)
   SetWidths(description.fields);
 }
 
-void FixedWidthReader::SetWidths(const std::vector<FieldDefinition>& fields) {
+void FixedWidthReader::SetWidths(const FieldList& fields) {
   widths_.clear();
   for (const FieldDefinition& field : fields) widths_.push_back(field.width);
 }
@@ -87,11 +87,11 @@ void FixedWidthReader::TakeFieldsExactly() {
   if (!record_.OpenField().empty()) record_.EndTrimmedField();
 }
 
-bool FixedWidthReader::Scan(SchemaOptions& options, std::vector<FieldDefinition>& fields,
+bool FixedWidthReader::Scan(SchemaOptions& options, FieldList& fields,
                             const OpenOptions& openOptions) {
   if (!IsOpen()) return false;
   TypeInference inference(*this, options, openOptions);
-  std::vector<FieldDefinition> declared;
+  FieldList declared;
   inference.WriteFields(declared);
   SetWidths(declared);
   ReadHeader(inference, options);
@@ -101,7 +101,7 @@ bool FixedWidthReader::Scan(SchemaOptions& options, std::vector<FieldDefinition>
     return false;
   }
   const bool scanned = inference.Scan();
-  if (scanned) inference.WriteFields(fields);
+  if (scanned) inference.MoveFields(fields);
   if (scanned && fields.size() == inference.lastRecordSize()) return true;
   LayoutMisfit misfit = inference.Misfit();
   if (scanned) misfit.columns = fields.size();

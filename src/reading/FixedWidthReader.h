@@ -18,11 +18,10 @@ class FixedWidthReader final : public Reader {
 
   bool ReadRecord() override;
   bool ReadPlainRow(PlainRow& row) override;
-  bool Scan(SchemaOptions& options, std::vector<FieldDefinition>& fields,
-            const OpenOptions& openOptions) override;
+  bool Scan(SchemaOptions& options, FieldList& fields, const OpenOptions& openOptions) override;
 
  private:
-  void SetWidths(const std::vector<FieldDefinition>& fields);
+  void SetWidths(const FieldList& fields);
   void TakeFields();
   void TakeFieldsOfLine();
   void TakeFieldsExactly();

@@ -27,6 +27,9 @@ void Reader::ReadHeader(TypeInference& inference, SchemaOptions& options) {
   const HeaderReading first = inference.ReadHeader();
   if (!first.foundRecord || !first.reachedEnd) return;
 
+  // What the file does not have cannot cut it: the second reading would give the first one's
+  // record.
+  if (!stream_.MayHold(recordTerminator() == '\n' ? '\r' : '\n')) return;
   SwitchRecordTerminator();
   inference.ForgetHeader();
   const HeaderReading second = inference.ReadHeader();
@@ -38,6 +41,12 @@ void Reader::ReadHeader(TypeInference& inference, SchemaOptions& options) {
   SwitchRecordTerminator();
   inference.ForgetHeader();
   inference.ReadHeader();
+}
+
+std::u16string Reader::ReleaseField(std::u16string_view part) {
+  const auto begin = static_cast<std::size_t>(part.data() - line_.data());
+  record_.Clear();
+  return line_.Release(begin, part.size());
 }
 
 bool Reader::ReadNextLine() {

@@ -37,8 +37,7 @@ class Reader {
   // Reads the beginning of the file to settle delimiter, decimal symbol, record terminator, header
   // and columns, and writes them to `options` and `fields`. False when the file cannot be read as
   // a table of this kind; `options` may then hold what was tried last.
-  virtual bool Scan(SchemaOptions& options, std::vector<FieldDefinition>& fields,
-                    const OpenOptions& openOptions) = 0;
+  virtual bool Scan(SchemaOptions& options, FieldList& fields, const OpenOptions& openOptions) = 0;
 
   // Why Scan has answered false: of the layouts that were tried, the one that got furthest.
   const LayoutMisfit& misfit() const noexcept { return misfit_; }
@@ -47,6 +46,14 @@ class Reader {
   bool IsOpen() const noexcept { return stream_.IsOpen(); }
 
   const Record& record() const noexcept { return record_; }
+
+  // Whether a part of the record may be released: nothing of its line is still to be read.
+  bool CanRelease(std::u16string_view part) const noexcept {
+    return lineUsedUp_ && part.data() >= line_.data() &&
+           part.data() + part.size() <= line_.data() + line_.size();
+  }
+  // Gives away a part of the record with the memory of its line. No record is held then.
+  std::u16string ReleaseField(std::u16string_view part);
 
   // No record is held, and the file has no more.
   bool AtEnd() const noexcept { return record_.empty() && stream_.AtEnd(); }

@@ -3,8 +3,8 @@
 
 #include <functional>
 #include <string>
-#include <vector>
 
+#include "schema/FieldList.h"
 #include "schema/TableSchema.h"
 
 namespace TextFile {
@@ -16,7 +16,7 @@ struct TextDatasetDescription {
   std::u16string path;  // its full path
   SchemaOptions options;
   bool loaded = false;  // set by OpenTextDataset; the options and fields are final then
-  std::vector<FieldDefinition> fields;
+  FieldList fields;
 
   // Opens a reader's stream, with zero-terminated lines, on bytes that are not in the file at
   // `path`. Empty for files.

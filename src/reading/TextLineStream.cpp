@@ -6,6 +6,7 @@
 #include <cstring>
 #include <fstream>
 #include <locale>
+#include <new>
 #include <utility>
 
 #include "platform/FileNames.h"
@@ -32,21 +33,33 @@ std::string_view DropCarriageReturn(std::string_view bytes) noexcept {
   return bytes;
 }
 
+bool EndsIn(const UnitBuffer& line, char16_t unit) noexcept {
+  return line.size() > 0 && line.View().back() == unit;
+}
+
+}  // namespace
+
 // Blocks of streams. The one of a stream that has ended is kept for the next one: what its pages
 // cost, the system hands them out once instead of for each of many small tables.
-class Blocks {
+class TextLineStream::Blocks {
  public:
-  ~Blocks() { delete[] spare_.exchange(nullptr); }
+  ~Blocks() { std::free(spare_.exchange(nullptr)); }
 
-  // A block of `capacity` bytes, and those that can be read behind it.
-  std::unique_ptr<char[]> Take(std::size_t capacity) {
-    char* const spare = capacity == kSpareCapacity ? spare_.exchange(nullptr) : nullptr;
-    if (spare != nullptr) return std::unique_ptr<char[]>(spare);
-    return std::make_unique_for_overwrite<char[]>(capacity + kPlainRowPadding);
+  // Makes `block` one of `capacity` bytes, and those that can be read behind it. What it holds
+  // stays.
+  void Enlarge(Block& block, std::size_t capacity) {
+    if (block == nullptr && capacity == kSpareCapacity) {
+      block.reset(spare_.exchange(nullptr));
+      if (block != nullptr) return;
+    }
+    void* const larger = std::realloc(block.get(), capacity + kPlainRowPadding);
+    if (larger == nullptr) throw std::bad_alloc();
+    static_cast<void>(block.release());
+    block.reset(static_cast<char*>(larger));
   }
 
-  void GiveBack(std::unique_ptr<char[]> block, std::size_t capacity) noexcept {
-    if (capacity == kSpareCapacity) delete[] spare_.exchange(block.release());
+  void GiveBack(Block block, std::size_t capacity) noexcept {
+    if (capacity == kSpareCapacity) std::free(spare_.exchange(block.release()));
   }
 
  private:
@@ -61,15 +74,9 @@ class Blocks {
   std::atomic<char*> spare_ = nullptr;
 };
 
-Blocks blocks;
+TextLineStream::Blocks TextLineStream::blocks_;
 
-bool EndsIn(const UnitBuffer& line, char16_t unit) noexcept {
-  return line.size() > 0 && line.View().back() == unit;
-}
-
-}  // namespace
-
-TextLineStream::~TextLineStream() { blocks.GiveBack(std::move(block_), capacity_); }
+TextLineStream::~TextLineStream() { blocks_.GiveBack(std::move(block_), capacity_); }
 
 bool TextLineStream::Open(const std::u16string& path, LineEnding ending) {
   bytes_.reset();
@@ -141,9 +148,7 @@ bool TextLineStream::ReadMore() {
     // nothing before it is written to, and moving into more of it costs more than reading does.
     // Doubling keeps the cost of a record of any length linear in its length.
     const std::size_t capacity = std::max(end_ + blockSize_ + blockSize_ / 8, 2 * capacity_);
-    std::unique_ptr<char[]> larger = blocks.Take(capacity);
-    if (end_ != 0) std::memcpy(larger.get(), block_.get(), end_);
-    block_ = std::move(larger);
+    blocks_.Enlarge(block_, capacity);
     capacity_ = capacity;
   }
   std::streamsize count = 0;
@@ -248,20 +253,23 @@ std::string_view TextLineStream::TakeRaw(bool& delimiterFound) {
   }
 }
 
-// Carriage returns end lines, but those of CR LF have already become line feeds in text mode.
+// Carriage returns end lines, but those of CR LF have already become line feeds in text mode. Lines
+// that are long enough to fill the memory are not copied.
 std::string_view TextLineStream::TakeCarriageReturnLine() {
-  lineBytes_.clear();
-  for (;;) {
-    bool found = false;
-    lineBytes_ += TakeRaw(found);
-    if (!found || !Available() || block_[next_] != '\n') return lineBytes_;
+  bool found = false;
+  const std::string_view piece = TakeRaw(found);
+  if (!found || (next_ < end_ && block_[next_] != '\n')) return piece;
+  lineBytes_ = piece;
+  while (found && Available() && block_[next_] == '\n') {
     ++next_;
     lineBytes_ += '\n';
     if (!Available()) {
       atEnd_ = true;
-      return lineBytes_;
+      break;
     }
+    lineBytes_ += TakeRaw(found);
   }
+  return lineBytes_;
 }
 
 // The delimiter byte may be the low byte of another character: then it belongs to the line. The
@@ -325,6 +333,12 @@ bool TextLineStream::SkipTo(char byte) {
   }
   atEnd_ = true;
   return false;
+}
+
+bool TextLineStream::MayHold(char byte) const noexcept {
+  if (!IsOpen() || blockStart_ > dataStart_ || !exhausted_) return true;
+  const char* const end = block_.get() + end_;
+  return FindByte(block_.get() + (dataStart_ - blockStart_), end, byte) != end;
 }
 
 void TextLineStream::SkipRecords(RecordScan& scan) {

@@ -13,6 +13,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <cstdlib>
 #include <memory>
 #include <streambuf>
 #include <string>
@@ -78,6 +79,9 @@ class TextLineStream {
   // Skipped text does not decide the encoding. Takes none of files that are not of 8-bit text.
   void SkipRecords(RecordScan& scan);
 
+  // False when all of the data is at hand and does not hold the byte.
+  bool MayHold(char byte) const noexcept;
+
   // Whether a line that is not all ASCII has been taken for UTF-8 because it could be.
   bool HasGuessedUtf8() const noexcept { return tookNonAscii_ && dataStart_ == 0; }
 
@@ -125,8 +129,16 @@ class TextLineStream {
   char lineDelimiter_ = '\n';
   bool atEnd_ = true;
 
+  // Memory that can be enlarged where it stands: a copy of a long line would count twice.
+  struct FreeBytes {
+    void operator()(char* bytes) const noexcept { std::free(bytes); }
+  };
+  using Block = std::unique_ptr<char[], FreeBytes>;
+  class Blocks;
+  static Blocks blocks_;
+
   // What has been read and not yet handed out is block_[next_, end_).
-  std::unique_ptr<char[]> block_;
+  Block block_;
   std::size_t capacity_ = 0;
   std::size_t blockSize_ = kDefaultBlockSize;
   std::size_t readSize_ = kDefaultBlockSize;  // of the next read

@@ -4,15 +4,17 @@
 //   char16_t* const units = line.Overwrite(bytes.size());
 //   line.Shorten(Widen(bytes, units));
 //   Use(line.View());
+//   std::u16string part = line.Release(begin, length);  // of a long line, without a second copy
 //
-// Unlike a string it does not fill what is about to be overwritten.
+// Unlike a string it does not fill what is about to be overwritten, but for what it has never had.
 #pragma once
 
 #include <algorithm>
 #include <cstddef>
 #include <cstring>
-#include <memory>
+#include <string>
 #include <string_view>
+#include <utility>
 
 namespace TextFile {
 
@@ -21,16 +23,16 @@ class UnitBuffer {
   // Replaces the contents by `size` units of no particular value, to be filled by the caller.
   // Throws std::bad_alloc; the contents are then unspecified.
   char16_t* Overwrite(std::size_t size) {
-    if (size > capacity_) Grow(size, 0);
+    if (size > capacity()) Grow(size, 0);
     size_ = size;
-    return units_.get();
+    return units_.data();
   }
 
   // Drops the units behind the first `size`, which are there.
   void Shorten(std::size_t size) noexcept { size_ = size; }
 
   void Append(char16_t unit) {
-    if (size_ == capacity_) Grow(size_ + 1, size_);
+    if (size_ == capacity()) Grow(size_ + 1, size_);
     units_[size_++] = unit;
   }
   void DropLast() noexcept { --size_; }
@@ -38,8 +40,8 @@ class UnitBuffer {
   // Appends `count` units, in steps of kStep: that many can be read behind them.
   static constexpr std::size_t kStep = 16;
   void AppendInSteps(const char16_t* units, std::size_t count) {
-    if (capacity_ - size_ < count + kStep) Grow(size_ + count + kStep, size_);
-    char16_t* const target = units_.get() + size_;
+    if (capacity() - size_ < count + kStep) Grow(size_ + count + kStep, size_);
+    char16_t* const target = units_.data() + size_;
     for (std::size_t i = 0; i < count; i += kStep)
       std::memcpy(target + i, units + i, kStep * sizeof(char16_t));
     size_ += count;
@@ -47,31 +49,45 @@ class UnitBuffer {
 
   // Puts `count` zeros behind the contents, without making them part of it.
   void Pad(std::size_t count) {
-    if (capacity_ - size_ < count) Grow(size_ + count, size_);
-    std::fill_n(units_.get() + size_, count, u'\0');
+    if (capacity() - size_ < count) Grow(size_ + count, size_);
+    std::fill_n(units_.data() + size_, count, u'\0');
+  }
+
+  // Gives away the memory with [begin, begin + length) of the contents in it. The buffer is empty
+  // then.
+  std::u16string Release(std::size_t begin, std::size_t length) {
+    units_.resize(begin + length);
+    units_.erase(0, begin);
+    size_ = 0;
+    return std::exchange(units_, {});
   }
 
   std::size_t size() const noexcept { return size_; }
   // What Overwrite has without allocating.
-  std::size_t capacity() const noexcept { return capacity_; }
+  std::size_t capacity() const noexcept { return units_.size(); }
   // Valid until the next change.
-  std::u16string_view View() const noexcept { return {units_.get(), size_}; }
-  const char16_t* data() const noexcept { return units_.get(); }
+  std::u16string_view View() const noexcept { return {units_.data(), size_}; }
+  const char16_t* data() const noexcept { return units_.data(); }
 
  private:
   static constexpr std::size_t kLeastCapacity = 512;
-  // Doubling keeps the cost of lines that grow linear.
+  // For a line's end and the zeros behind it, which come when its characters are there.
+  static constexpr std::size_t kMore = 64;
+  // From here on memory counts for more than time.
+  static constexpr std::size_t kMuch = std::size_t{1} << 20;
+
+  // Growing by a part of the size keeps the cost of lines that grow linear.
   void Grow(std::size_t least, std::size_t kept) {
-    const std::size_t capacity = std::max({least, 2 * capacity_, kLeastCapacity});
-    auto larger = std::make_unique_for_overwrite<char16_t[]>(capacity);
-    std::copy_n(units_.get(), kept, larger.get());
-    units_ = std::move(larger);
-    capacity_ = capacity;
+    const std::size_t old = capacity();
+    const std::size_t steps = old < kMuch ? 2 * old : old + old / 4;
+    const std::size_t larger = std::max({least + kMore, steps, kLeastCapacity});
+    // The old memory goes first when nothing of it is kept.
+    if (kept == 0) std::u16string().swap(units_);
+    units_.resize(larger);
   }
 
-  std::unique_ptr<char16_t[]> units_;
+  std::u16string units_;  // all of it may be used; the first size_ are the contents
   std::size_t size_ = 0;
-  std::size_t capacity_ = 0;
 };
 
 }  // namespace TextFile

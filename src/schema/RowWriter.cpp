@@ -11,6 +11,7 @@
 #include "host/CoreSupport/Variant.h"
 #include "host/com/ComPtr.h"
 #include "host/interfaces/HostTimestampOffset.h"
+#include "inference/DateRoundTrip.h"
 #include "inference/Digits.h"
 #include "inference/NumberFormatting.h"
 #include "platform/FileNames.h"
@@ -106,23 +107,29 @@ std::size_t Utf16Length(std::string_view utf8) noexcept {
   return units;
 }
 
-// The table's pattern. One that is only the locale's gives way to the order of day, month and year
-// in which the column's dates have been found to stand: what is added must read like the rest.
+// The table's pattern. It gives way to the order of day, month and year in which the column's dates
+// have been found to stand: what is added must read like the rest. A pattern of the section whose
+// order cannot be told from its first letter stays.
 std::u16string TablePatternFor(const FieldDefinition& field, const SchemaOptions& options) {
   const std::u16string& pattern = options.dateTimeFormat;
-  if (options.IsSpecified(SchemaOptions::kDateTimeFormat) || !IsDateType(field.type) ||
-      field.dateFormat.order == DateOrder::kAny ||
-      field.dateFormat.order == OrderOfPattern(pattern))
+  const DateOrder order = OrderOfPattern(pattern);
+  if (!IsDateType(field.type) || field.dateFormat.order == DateOrder::kAny ||
+      field.dateFormat.order == order ||
+      (order == DateOrder::kAny && options.IsSpecified(SchemaOptions::kDateTimeFormat)))
     return pattern;
-  std::u16string time = WritingPattern({}, FieldType::kTimeOnly, pattern);
-  switch (field.dateFormat.order) {
-    case DateOrder::kMonthDayYear:
-      return u"MM/dd/yyyy " + time;
-    case DateOrder::kDayMonthYear:
-      return u"dd.MM.yyyy " + time;
-    default:
-      return u"yyyy-MM-dd " + time;
-  }
+  const std::u16string day = ReadablePattern(FieldType::kDateOnly, field.dateFormat.order);
+  return day + u' ' + WritingPattern({}, FieldType::kTimeOnly, pattern);
+}
+
+// The pattern that a column of dates is written with. Of a locale's nobody has said that it is one
+// that can be read.
+std::u16string ColumnPattern(const FieldDefinition& field, const SchemaOptions& options) {
+  std::u16string pattern =
+      WritingPattern(field.dateFormat, field.type, TablePatternFor(field, options));
+  const bool isLocales =
+      field.dateFormat.pattern.empty() && !options.IsSpecified(SchemaOptions::kDateTimeFormat);
+  if (!isLocales || ReadsBack(pattern, field.type, field.dateFormat.order)) return pattern;
+  return ReadablePattern(field.type, field.dateFormat.order);
 }
 
 }  // namespace
@@ -149,11 +156,12 @@ RowWriter::RowWriter(const TextDatasetDescription& table)
     column.width =
         static_cast<std::size_t>(anyWidth ? kDefaultTextWidth : std::max(field.width, 0));
     column.hasOwnPattern = !field.dateFormat.pattern.empty();
-    const std::u16string tablePattern = TablePatternFor(field, options_);
-    column.pattern = DatePattern(WritingPattern(field.dateFormat, field.type, tablePattern));
-    if (options_.fixedLength && field.type == FieldType::kDate)
-      column.dayPattern =
-          DatePattern(WritingPattern(field.dateFormat, FieldType::kDateOnly, tablePattern));
+    if (IsDateType(field.type) || field.type == FieldType::kTimeOnly) {
+      const std::u16string pattern = ColumnPattern(field, options_);
+      column.pattern = DatePattern(pattern);
+      if (options_.fixedLength && field.type == FieldType::kDate)
+        column.dayPattern = DatePattern(WritingPattern({}, FieldType::kDateOnly, pattern));
+    }
     column.digits = NumberFormat::DigitsOf(options_.number, field.type);
     column.way = WayOf(column);
     column.wanted = column.way == Way::kDate ? VARTYPE{VT_DATE} : VariantTypeOf(column.type);

@@ -1,5 +1,6 @@
 #include "schema/SchemaColumnLine.h"
 
+#include <algorithm>
 #include <limits>
 #include <string>
 #include <vector>
@@ -15,6 +16,12 @@ namespace {
 constexpr std::u16string_view kPrefix = u"Col";
 // Far beyond every table; keeps a mistyped number from asking for the machine's memory.
 constexpr std::int64_t kMaxColumns = 1000000;
+constexpr std::u16string_view kFirstLettersOfPatterns = u"mMdDyYhH";
+
+// A single blank in quotes as a pattern's second part is the writer's own form: it keeps the Width
+// behind a pattern of one part from being taken for the second. All other blanks in quotes belong
+// to the pattern, also at its end.
+constexpr std::u16string_view kNoSecondPart = u" ";
 
 // Blanks separate tokens; a token in double quotes may hold blanks. Empty tokens are dropped.
 std::vector<std::u16string_view> Tokens(std::u16string_view value) {
@@ -107,10 +114,10 @@ void ParseColumnLine(std::u16string_view key, std::u16string_view value, FieldDe
   if (IsDateWord(tokens[1]) && next < tokens.size() && !IsWidth(tokens[next])) {
     std::u16string pattern(tokens[next++]);
     // A second part is taken whatever it is, so Width behind a pattern of one part is swallowed.
-    if (next < tokens.size()) pattern += u' ' + std::u16string(tokens[next++]);
-    // A quoted blank is how a pattern of one part keeps the Width behind it from being swallowed.
-    if (pattern.find_first_not_of(u' ') != std::u16string::npos)
-      pattern.erase(pattern.find_last_not_of(u' ') + 1);
+    if (next < tokens.size()) {
+      if (tokens[next] != kNoSecondPart) pattern += u' ' + std::u16string(tokens[next]);
+      ++next;
+    }
     if (!SetPattern(std::move(pattern), field.dateFormat)) fail(ParseErrorCode::kBadDateFormat);
   }
   if (next < tokens.size()) {
@@ -122,6 +129,23 @@ void ParseColumnLine(std::u16string_view key, std::u16string_view value, FieldDe
   }
   if (field.type == FieldType::kDate && !field.dateFormat.pattern.empty())
     field.type = field.dateFormat.type;
+}
+
+// The pattern is read as one token, or as two with whatever they hold.
+std::u16string DatePatternClause(std::u16string_view pattern, bool widthFollows) {
+  pattern.remove_prefix(std::min(pattern.find_first_not_of(u' '), pattern.size()));
+  if (pattern.empty() || pattern.find_first_of(u"\"\r\n") != std::u16string_view::npos ||
+      kFirstLettersOfPatterns.find(pattern.front()) == std::u16string_view::npos)
+    return {};
+  const std::u16string text(pattern);
+  const std::size_t blank = text.rfind(u' ');
+  if (blank != std::u16string::npos && blank + 1 < text.size()) {
+    if (text.find(u' ') == blank) return u' ' + text;
+    return u" \"" + text.substr(0, blank) + u"\" " + text.substr(blank + 1);
+  }
+  std::u16string clause = blank == std::u16string::npos ? u' ' + text : u" \"" + text + u'"';
+  if (widthFollows) clause += u" \"" + std::u16string(kNoSecondPart) + u'"';
+  return clause;
 }
 
 }  // namespace TextFile

@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <string>
 #include <string_view>
 
 #include "schema/FieldDefinition.h"
@@ -15,5 +16,10 @@ std::optional<std::int32_t> ColumnOfKey(std::u16string_view key) noexcept;
 
 // Applies the line `key`=`value` to `field`; what the line does not give stays. Throws ParseError.
 void ParseColumnLine(std::u16string_view key, std::u16string_view value, FieldDefinition& field);
+
+// What stands between the word Date and the end of the line, or a Width clause, so that the line is
+// read back with this pattern: a blank and the pattern, with quotes where they are needed. Blanks
+// in front of the pattern are dropped. Empty for a pattern that no line gives.
+std::u16string DatePatternClause(std::u16string_view pattern, bool widthFollows);
 
 }  // namespace TextFile

@@ -63,22 +63,6 @@ bool HasWidthClause(const FieldDefinition& field) noexcept {
   return field.hasWidth && field.width >= 1;
 }
 
-// The pattern as it is written. It is read as one token, or as two with whatever they hold, so a
-// part with blanks of its own goes into quotes. Patterns that could not be read back are left out.
-std::u16string PatternClause(std::u16string_view pattern, bool widthFollows) {
-  constexpr std::u16string_view kFirstLetters = u"mMdDyYhH";
-  pattern = quenra::TrimBlanks(pattern);
-  if (pattern.empty() || pattern.find_first_of(u"\"\r\n") != std::u16string_view::npos ||
-      kFirstLetters.find(pattern.front()) == std::u16string_view::npos)
-    return {};
-  const std::u16string text(pattern);
-  const std::size_t blank = text.rfind(u' ');
-  // A second part of nothing but a blank, or Width would be taken for the second part.
-  if (blank == std::u16string::npos) return u' ' + text + (widthFollows ? u" \" \"" : u"");
-  if (text.find(u' ') == blank) return u' ' + text;
-  return u" \"" + text.substr(0, blank) + u"\" " + text.substr(blank + 1);
-}
-
 // Quotes keep blanks and line ends in a name, and white space at its ends.
 bool NeedsQuotes(std::u16string_view name) noexcept {
   return name.find_first_of(u" \r\n") != std::u16string_view::npos ||
@@ -89,7 +73,7 @@ std::u16string ColumnLine(const FieldDefinition& field, std::u16string_view tabl
   std::u16string line = NeedsQuotes(field.name) ? u'"' + field.name + u'"' : field.name;
   line += u' ';
   line += KeywordOfType(field.type);
-  line += PatternClause(PatternOf(field, tableFormat), HasWidthClause(field));
+  line += DatePatternClause(PatternOf(field, tableFormat), HasWidthClause(field));
   if (HasWidthClause(field)) line += u" Width " + SectionText::Decimal(field.width);
   return line;
 }

@@ -3,6 +3,7 @@
 #include <string>
 
 #include "inference/DateFormatting.h"
+#include "inference/DateRoundTrip.h"
 #include "platform/ExclusiveFile.h"
 #include "schema/LocaleDefaults.h"
 #include "schema/SchemaIniReader.h"
@@ -46,7 +47,16 @@ SchemaOptions OptionsOf(const SchemaIniPaths& paths, std::u16string_view name,
   return options;
 }
 
-// The columns of the section: dates without a pattern of their own take their part of the table's.
+// What the dates of a column without a pattern look like: the column's part of the table's. That of
+// the locale gives way where its dates would not be read back.
+std::u16string NewPattern(const FieldDefinition& field, const SchemaOptions& options) {
+  std::u16string pattern = WritingPattern(field.dateFormat, field.type, options.dateTimeFormat);
+  if (options.IsSpecified(SchemaOptions::kDateTimeFormat) || ColumnReadsBack(pattern, field.type))
+    return pattern;
+  return ReadablePattern(field.type, DateOrder::kAny);
+}
+
+// The columns of the section, with a pattern for each column of dates.
 void SetColumns(const std::vector<FieldDefinition>& fields, SchemaOptions& options) {
   options.columns.clear();
   std::int32_t index = 0;
@@ -54,8 +64,7 @@ void SetColumns(const std::vector<FieldDefinition>& fields, SchemaOptions& optio
     const bool dated = field.type == FieldType::kDate || field.type == FieldType::kDateOnly ||
                        field.type == FieldType::kTimeOnly;
     if (dated && field.dateFormat.pattern.empty())
-      field.dateFormat.pattern =
-          WritingPattern(field.dateFormat, field.type, options.dateTimeFormat);
+      field.dateFormat.pattern = NewPattern(field, options);
     options.columns.emplace(index++, std::move(field));
   }
 }

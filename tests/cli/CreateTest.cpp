@@ -62,6 +62,26 @@ constexpr NameCase kNameCases[] = {
     {"\xC3\xBC:Integer", "\xC3\xBC", "Col1=\xC3\xBC Long\n"},
 };
 
+TEST_F(CreateTest, DatesOfEveryLocaleComeBack) {
+  for (const char* locale : {"fi-FI", "da-DK", "id-ID", "fr-CA", "bg-BG", "en-US", "de-DE", "ko-KR",
+                             "hu-HU", "cs-CZ", "sv-SE", "fa-IR"}) {
+    SCOPED_TRACE(locale);
+    Output({"--quiet", "--locale", locale, "create", "d.csv", "--overwrite", "--field", "W:Date",
+            "--field", "D:DateOnly", "--field", "T:TimeOnly"});
+    const std::string rows = R"({"W":"2020-01-02T03:04:05","D":"2020-01-02","T":"03:04:05"})"
+                             "\n"
+                             R"({"W":"1987-11-23T23:45:56","D":"1987-11-23","T":"23:45:56"})"
+                             "\n"
+                             R"({"W":"2031-12-31T00:00:00","D":"1850-10-09","T":"00:00:00"})"
+                             "\n";
+    Write("rows.jsonl", rows);
+    Output({"--quiet", "--locale", locale, "load", "d.csv", "rows.jsonl"});
+    EXPECT_EQ(Output({"--locale", locale, "rows", "d.csv", "--format", "jsonl"}), rows)
+        << Read("schema.ini");
+    std::filesystem::remove(Folder() / "schema.ini");
+  }
+}
+
 TEST_F(CreateTest, NamesMayHoldColons) {
   for (const NameCase& c : kNameCases) {
     SCOPED_TRACE(c.argument);

@@ -304,6 +304,17 @@ TEST_F(LoadTest, DatesAndNumbersComeBackAsTheyWere) {
   }
 }
 
+TEST_F(LoadTest, DatesInTheSectionsOrderComeBackAsTheyWere) {
+  Write("a.csv", "Id,Day\n");
+  Write("schema.ini",
+        "[a.csv]\nFormat=CSVDelimited\nColNameHeader=True\nDateTimeFormat=dd.MM.yyyy\n"
+        "Col1=Id Long\nCol2=Day Date\n");
+  EXPECT_EQ(Load("[1,\"2020-01-02\"]\n").errors, "1 row loaded\n");
+  EXPECT_EQ(ReadTable("a.csv"), "Id,Day\n1,02.01.2020\n");
+  EXPECT_EQ(Output({"--locale", "en-US", "rows", "a.csv", "--format", "csv"}),
+            "Id,Day\n1,2020-01-02\n");
+}
+
 TEST_F(LoadTest, TablesMoveThroughEveryFormThatKeepsTypes) {
   CreateAllTypes("from.csv");
   const ProcessResult first = Load(

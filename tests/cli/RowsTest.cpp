@@ -195,6 +195,19 @@ TEST_F(RowsTest, NumbersTakeTheShortestFormThatReadsBack) {
   EXPECT_EQ(Output({"rows", "a.csv", "--json"}), "{\"A\":0.1}\n{\"A\":16777216}\n");
 }
 
+TEST_F(RowsTest, MinusZeroKeepsItsSign) {
+  Write("a.csv", "S,D\n-0,-0\n-0.0,-0.0\n\"-0\",-0e0\n 0,0\n");
+  Write("schema.ini",
+        "[a.csv]\nFormat=CSVDelimited\nColNameHeader=True\nCol1=S Single\nCol2=D Double\n");
+  const std::string typed = "[{\"VT_R4\":-0},{\"VT_R8\":-0}]\n";
+  EXPECT_EQ(Output({"rows", "a.csv", "--format", "typed"}),
+            typed + typed + typed + "[{\"VT_R4\":0},{\"VT_R8\":0}]\n");
+  const std::string json = "{\"S\":-0,\"D\":-0}\n";
+  EXPECT_EQ(Output({"rows", "a.csv", "--format", "jsonl"}),
+            json + json + json + "{\"S\":0,\"D\":0}\n");
+  EXPECT_EQ(Output({"rows", "a.csv", "--format", "csv"}), "S,D\n-0,-0\n-0,-0\n-0,-0\n0,0\n");
+}
+
 TEST_F(RowsTest, TimestampsKeepTheirOffset) {
   Write("a.csv",
         "When\n2020-01-05T10:30:00+02:00\n2020-01-05T10:30:00-03:30\n"

@@ -327,6 +327,21 @@ TEST_F(NumberParsingTest, ConvertsSinglesInTheirOwnRange) {
   EXPECT_FALSE(single(u"abc", value));
 }
 
+TEST_F(NumberParsingTest, ZeroKeepsItsSign) {
+  for (const std::u16string_view text : {u"-0", u"-0.0", u"-00000000.0000000", u"-0e5", u" -0 ",
+                                         u"-0,000", u"-0.00000000000000000000000"}) {
+    for (const FieldType type : {FieldType::kSingle, FieldType::kDouble}) {
+      for (const bool plainToo : {true, false}) {
+        NumberValue value;
+        ASSERT_TRUE(plainToo ? NumberFormat::Convert(point_, text, type, value)
+                             : NumberFormat::ConvertOther(point_, text, type, value));
+        const double real = type == FieldType::kSingle ? double{value.single} : value.real;
+        EXPECT_TRUE(real == 0 && std::signbit(real)) << Show(text);
+      }
+    }
+  }
+}
+
 TEST_F(NumberParsingTest, RefusesTypesThatAreNotNumeric) {
   NumberValue value;
   for (const FieldType type :

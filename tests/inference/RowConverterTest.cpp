@@ -575,6 +575,84 @@ TEST_F(RowConverterTest, PlainRowsConvertAsTheirRecordsDo) {
   }
 }
 
+TEST_F(RowConverterTest, MinusZeroKeepsItsSignOnEveryRoad) {
+  // Short and long ones, up to 16 characters and beyond, with exponents, blanks and groups; some in
+  // quotes, which a plain row has too. By turns in a record and in a plain row.
+  const char* const zeros[] = {"-0",
+                               "-0.0",
+                               "-.0",
+                               "-0.",
+                               "-0.00000",
+                               "-00000000.0000000",
+                               "-0e0",
+                               "-0E-30",
+                               "-000000",
+                               " -0 ",
+                               "-0.00000000000000000000000",
+                               "\"-0\"",
+                               "\"-0,000.0\"",
+                               "\" -0\""};
+  std::string bytes;
+  for (const char* zero : zeros) bytes += std::string(zero) + "," + zero + "\n";
+  folder_.Write("p.csv", bytes);
+  auto table = std::make_shared<TextDatasetDescription>();
+  table->name = u"p.csv";
+  table->path = folder_.Path(u"p.csv");
+  table->fields = {Field(u"a", kSingle), Field(u"b", kDouble)};
+
+  std::vector<const PlainCells*> codes = {&CommonPlainCells()};
+  if (VectorPlainCells() != nullptr) codes.push_back(VectorPlainCells());
+  for (const PlainCells* code : codes) {
+    for (const bool plain : {true, false}) {
+      ConverterWithSlots converter(table, &LoadTestMessage, *code);
+      const ReaderPtr reader = MakeReader(*table);
+      for (const char* zero : zeros) {
+        PlainRow row;
+        if (plain && reader->ReadPlainRow(row)) {
+          converter.Convert(row);
+        } else {
+          ASSERT_TRUE(reader->ReadRecord());
+          converter.Convert(reader->record());
+        }
+        EXPECT_EQ(Values(converter), "R4 -0, R8 -0") << zero;
+      }
+    }
+  }
+}
+
+TEST_F(RowConverterTest, ColumnsFarBehindTheScannedOnesAreConverted) {
+  // The rows that are scanned have two columns, a later one 5,000.
+  std::string bytes;
+  for (int i = 0; i < 120; ++i) bytes += "1,x\n";
+  bytes += "1,x" + std::string(4997, ',') + "y,05.01.2020\n";
+  folder_.Write("p.csv", bytes);
+  folder_.Write("schema.ini",
+                "[p.csv]\nFormat=CSVDelimited\nColNameHeader=False\nCol5000=z Date dd.MM.yyyy\n");
+  const OpenedTable opened(folder_, u"p.csv");
+  ASSERT_TRUE(opened.opened());
+  for (const bool plain : {true, false}) {
+    ConverterWithSlots converter(opened.shared(), &LoadTestMessage);
+    ASSERT_EQ(converter.fieldCount(), 5000u);
+    const ReaderPtr reader = MakeReader(*opened.shared());
+    PlainRow row;
+    std::size_t fields = 0;
+    for (int i = 0; i < 121; ++i) {
+      if (plain) {
+        ASSERT_TRUE(reader->ReadPlainRow(row));
+        fields = converter.Convert(row);
+      } else {
+        ASSERT_TRUE(reader->ReadRecord());
+        fields = converter.Convert(reader->record());
+      }
+    }
+    EXPECT_EQ(fields, 5000u);
+    EXPECT_EQ(TakeShown(converter, 1), "BSTR \"x\"");
+    EXPECT_EQ(TakeShown(converter, 2), "NULL");
+    EXPECT_EQ(TakeShown(converter, 4998), "BSTR \"y\"");
+    EXPECT_EQ(TakeShown(converter, 4999), "DATE 43835");
+  }
+}
+
 TEST_F(RowConverterTest, WhatSlotsHoldIsReplaced) {
   folder_.Write("p.csv", "x,1,2024-02-29\n,,\n  , ,x\n");
   auto table = std::make_shared<TextDatasetDescription>();

@@ -322,10 +322,46 @@ TEST_F(TypeInferenceTest, OpenOrdersAreTheLocales) {
     const UserLocale german(u"de-DE");
     EXPECT_EQ(Fields(bytes, section), "a:date/dmy b:text");
   }
-  {
-    const UserLocale swedish(u"sv-SE");
-    EXPECT_EQ(Fields(bytes, section), "a:date/ymd b:text") << "though no value is of that order";
+}
+
+TEST_F(TypeInferenceTest, AnOrderThatIsRuledOutIsNotTakenFromTheLocale) {
+  for (const std::u16string_view locale : {u"sv-SE", u"ja-JP", u"zh-CN", u"hu-HU"}) {
+    const UserLocale yearFirst(locale);
+    EXPECT_EQ(Fields("a,b\n01/02/2020,x\n", "Format=CSVDelimited\n"), "a:date/dmy b:text")
+        << "a year of four digits cannot stand in front";
+    EXPECT_EQ(Fields("a,b\n01/02/03,x\n", "Format=CSVDelimited\n"), "a:date/ymd b:text");
   }
+  // Day or year first; the locale has the month first.
+  EXPECT_EQ(TypeOf({"15.1.20"}), "date/dmy");
+  EXPECT_EQ(TypeOf({"15.1.20 10:30"}), "datetime/dmy");
+  EXPECT_EQ(TypeOf({"15.1.20", "32.1.20"}), "date/ymd");
+}
+
+TEST_F(TypeInferenceTest, TheSectionsDateTimeFormatGoesBeforeTheLocale) {
+  const auto opened = [&](const std::string& values, const std::string& format) {
+    return Fields("a,b\n" + values, "Format=CSVDelimited\n" + format);
+  };
+  const std::string open = "01/02/03,x\n";
+  EXPECT_EQ(opened(open, "DateTimeFormat=dd.MM.yyyy\n"), "a:date/dmy b:text");
+  EXPECT_EQ(opened(open, "DateTimeFormat=Dd.MM.yyyy\n"), "a:date/dmy b:text");
+  EXPECT_EQ(opened(open, "DateTimeFormat=yyyy-MM-dd HH:mm\n"), "a:date/ymd b:text");
+  EXPECT_EQ(opened(open, "DateDateTimeFormat=dd.MM.yyyy\n"), "a:date/dmy b:text");
+  EXPECT_EQ(opened(open, "DateTimeFormat=HH:mm dd.MM.yyyy\n"), "a:date/mdy b:text")
+      << "no order in its first letter: the locale's";
+  EXPECT_EQ(opened("01/02/2020,x\n", "DateTimeFormat=yyyy-MM-dd\n"), "a:date/mdy b:text")
+      << "ruled out: the locale's";
+  EXPECT_EQ(opened("13/02/2020,x\n", "DateTimeFormat=MM/dd/yyyy\n"), "a:date/dmy b:text")
+      << "one order is left";
+  EXPECT_EQ(opened("15.1.20,x\n", "DateTimeFormat=MM/dd/yyyy\n"), "a:date/dmy b:text");
+  EXPECT_EQ(opened("15.1.20,x\n", "DateTimeFormat=yyyy-MM-dd\n"), "a:date/ymd b:text");
+
+  const std::string declared = "ColNameHeader=True\nCol1=a Date\nDateTimeFormat=dd.MM.yyyy\n";
+  EXPECT_EQ(opened("", declared), "a:datetime/dmy b:text") << "no date was seen";
+  EXPECT_EQ(opened("01/02/2020,x\n", declared), "a:date/dmy b:text");
+  EXPECT_EQ(opened("01/13/2020,x\n", declared), "a:date/mdy b:text");
+  const UserLocale german(u"de-DE");
+  EXPECT_EQ(opened(open, "DateTimeFormat=MM/dd/yyyy\n"), "a:date/mdy b:text");
+  EXPECT_EQ(opened("15.1.20,x\n", "DateTimeFormat=MM/dd/yyyy\n"), "a:date/dmy b:text");
 }
 
 TEST_F(TypeInferenceTest, FractionsOfSecondsAreRemembered) {
@@ -391,6 +427,58 @@ TEST_F(TypeInferenceTest, DeclaredColumnsKeepTypeNameAndWidth) {
   EXPECT_EQ(table.field(1).width, 8000);
   EXPECT_EQ(table.field(2).width, 8000);
   EXPECT_FALSE(table.field(2).hasWidth);
+}
+
+// What is found of a table in whose schema.ini a column far behind the others is declared must not
+// depend on how far it is, though columns that no row has are not held from some number on.
+TEST_F(TypeInferenceTest, AColumnDeclaredFarBehindTheOthersChangesNothingElse) {
+  struct {
+    const char* why;
+    const char* bytes;
+    const char* section;
+  } const cases[] = {
+      {"a header", "a,b,c\n1,x,2020-01-05\n2,y,2020-01-06\n", "ColNameHeader=True\n"},
+      {"none", "1,x\n2,y,2.5\n3,z,3.5,\"4\"\n", "ColNameHeader=False\n"},
+      {"a column declared nearby", "a,b\n1,2\n3,4\n", "ColNameHeader=True\nCol2=q Text\n"},
+      {"coordinates", "p,q,r\n\"47.123, 8.456\",47.123,8.456\n", "ColNameHeader=True\n"},
+      {"no row", "", ""},
+      {"a surplus value where there are columns", "a,b\n1,2,3\n", "ColNameHeader=True\n"},
+      {"a type that keeps the scan going", "x\n", "ColNameHeader=False\nCol7=n Long\n"},
+  };
+  const auto open = [&](const char* bytes, const std::string& section, int last,
+                        const std::string& line, const OpenOptions& options) {
+    return Open(bytes, "Format=CSVDelimited\n" + section + "Col" + std::to_string(last) + line,
+                options);
+  };
+  OpenOptions noCoordinates;
+  noCoordinates.generateLatLongFields = false;
+  for (const auto& c : cases) {
+    for (const std::string line : {"=z Text\n", "=z Date dd.MM.yyyy\n", "=z Date\n", "=z Long\n"}) {
+      for (const OpenOptions& options : {OpenOptions(), noCoordinates}) {
+        SCOPED_TRACE(c.why + line);
+        const OpenedTable held = open(c.bytes, c.section, 50, line, options);
+        const OpenedTable far = open(c.bytes, c.section, 9050, line, options);
+        ASSERT_TRUE(held.opened() && far.opened());
+        const FieldList& near = held.shared()->fields;
+        const FieldList& all = far.shared()->fields;
+        ASSERT_EQ(all.size(), near.size() + 9000);
+        const std::size_t last = near.size() - 1;
+        for (std::size_t i = 0; i <= last; ++i) {
+          const FieldDefinition expected = near[i];
+          const FieldDefinition found = all[i == last ? all.size() - 1 : i];
+          EXPECT_EQ(found.name, expected.name);
+          EXPECT_EQ(found.type, expected.type) << i;
+          EXPECT_EQ(found.width, expected.width);
+          EXPECT_EQ(found.isCoordinate, expected.isCoordinate);
+          EXPECT_EQ(found.coordinateFormat, expected.coordinateFormat);
+          EXPECT_EQ(found.dateFormat.order, expected.dateFormat.order);
+          EXPECT_EQ(found.dateFormat.pattern, expected.dateFormat.pattern);
+        }
+        const std::string name = "Field" + std::to_string(9049);
+        EXPECT_EQ(all[all.size() - 2].name, std::u16string(name.begin(), name.end()));
+      }
+    }
+  }
 }
 
 TEST_F(TypeInferenceTest, AGapBeforeADeclaredColumnIsInferred) {

@@ -166,7 +166,7 @@ TEST_F(DelimitedReaderTest, MissingFileIsNotOpen) {
   DelimitedReader reader(description);
   EXPECT_FALSE(reader.IsOpen());
   EXPECT_FALSE(reader.ReadRecord());
-  std::vector<FieldDefinition> fields;
+  FieldList fields;
   EXPECT_FALSE(reader.Scan(description.options, fields, OpenOptions()));
 }
 
@@ -340,7 +340,7 @@ TEST_F(DelimitedReaderTest, AgreesWithThePlainSplitterOnRandomFiles) {
 // ---------------------------------------------------------------------------------------------
 
 // "name:type" of every field, the type as the host's code.
-std::u16string FieldsText(const std::vector<FieldDefinition>& fields) {
+std::u16string FieldsText(const FieldList& fields) {
   std::u16string text;
   for (const FieldDefinition& field : fields) {
     const std::string code = std::to_string(static_cast<int>(field.type));

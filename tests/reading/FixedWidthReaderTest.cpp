@@ -215,7 +215,7 @@ TEST_F(FixedWidthReaderTest, ScanKeepsTheDeclaredColumnsOrFails) {
   for (const ScanCase& c : cases) {
     SCOPED_TRACE(c.why);
     TextDatasetDescription description = Describe(c.bytes, c.widths);
-    const std::vector<FieldDefinition> declared = description.fields;
+    const FieldList declared = description.fields;
     description.fields.clear();  // as the open sequence has it
     FixedWidthReader reader(description);
     EXPECT_EQ(reader.Scan(description.options, description.fields, OpenOptions()), c.succeeds);

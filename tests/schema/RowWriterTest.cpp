@@ -286,6 +286,18 @@ TEST_F(RowWriterTest, DatesTakeTheirOwnPatternElseTheTables) {
       "1/5/2020 12:00:00,12/29/1899 6:00:00");
 }
 
+TEST_F(RowWriterTest, DatesStandInTheOrderThatTheColumnIsReadIn) {
+  const std::string_view section = "Format=CSVDelimited\nColNameHeader=False\n";
+  const Row row(Date(43832));  // 2 January 2020
+  // The day stands in front in the rows that are there, whatever locale or section say.
+  EXPECT_EQ(Added(Table(section, "13.02.2020\n"), row), "02.01.2020" + std::string(kEnd));
+  const std::string pattern = std::string(section) + "DateTimeFormat=MM/dd/yyyy HH:mm\n";
+  EXPECT_EQ(Added(Table(pattern, "13.02.2020\n"), row), "02.01.2020" + std::string(kEnd));
+  EXPECT_EQ(Added(Table(pattern, "13.02.2020 10:30\n"), row),
+            "02.01.2020 00:00" + std::string(kEnd));
+  EXPECT_EQ(Added(Table(pattern, "01.02.2020\n"), row), "01/02/2020" + std::string(kEnd));
+}
+
 TEST_F(RowWriterTest, DaysAndTimesTakeTheirPartOfTheTablesPattern) {
   TextDatasetDescription table = Table(
       "Format=CSVDelimited\nColNameHeader=False\nCol1=A Date\nCol2=B Date\n"

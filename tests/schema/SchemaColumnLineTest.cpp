@@ -105,6 +105,11 @@ TEST(SchemaColumnLineTest, AcceptedLines) {
       {u"When Date yyyy-MM-ddTHH:mm", u"When|5|-|yyyy-MM-ddTHH:mm|5|3", "in one part"},
       {u"Stamp Date dd/MM/yyyy HH:mm Width 16", u"Stamp|5|16|dd/MM/yyyy HH:mm|5|2", "with a width"},
       {u"When Date \"dd MM yyyy\"", u"When|14|-|dd MM yyyy|14|2", "a quoted pattern"},
+      {u"When Date \"dd MM \"", u"When|14|-|dd MM |14|2", "blanks in quotes are kept"},
+      {u"When Date dd \"MM  \"", u"When|14|-|dd MM  |14|2", "also of the second part"},
+      {u"When Date dd \"  \"", u"When|14|-|dd   |14|2", "a second part of blanks"},
+      {u"When Date dd \" \" Width 9", u"When|14|9|dd|14|2", "the writer's form without a second"},
+      {u"When Date \"dd \" \" \" Width 9", u"When|14|9|dd |14|2", "the same behind a blank"},
       // The second part of a pattern is taken whatever it is; its "h" is an hour.
       {u"When Date dd/MM/yyyy Width", u"When|5|-|dd/MM/yyyy Width|5|2", "Width is swallowed"},
   };

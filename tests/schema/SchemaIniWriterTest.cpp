@@ -4,6 +4,7 @@
 #include <string>
 #include <string_view>
 
+#include "schema/SchemaColumnLine.h"
 #include "schema/SchemaIniReader.h"
 #include "schema/SchemaIniWriter.h"
 #include "support/SectionText.h"
@@ -183,6 +184,35 @@ TEST_F(SchemaIniWriterTest, PatternOfTheFieldStandsBehindDate) {
   FieldDefinition text = Field(u"a", FieldType::kString);
   text.dateFormat.pattern = u"HH:mm";
   EXPECT_EQ(ColumnLine(text), u"a Text") << "of date columns only";
+}
+
+TEST_F(SchemaIniWriterTest, BlanksOfAPatternReadBack) {
+  struct {
+    std::u16string_view pattern;
+    std::u16string_view line;
+    std::u16string_view withWidth;
+  } const cases[] = {
+      {u"dd", u"a Date dd", u"a Date dd \" \" Width 9"},
+      {u"dd ", u"a Date \"dd \"", u"a Date \"dd \" \" \" Width 9"},
+      {u"dd MM", u"a Date dd MM", u"a Date dd MM Width 9"},
+      {u"dd MM  ", u"a Date \"dd MM  \"", u"a Date \"dd MM  \" \" \" Width 9"},
+      {u"d  M", u"a Date \"d \" M", u"a Date \"d \" M Width 9"},
+      {u"d. M. y H:mm", u"a Date \"d. M. y\" H:mm", u"a Date \"d. M. y\" H:mm Width 9"},
+  };
+  for (const auto& c : cases) {
+    FieldDefinition field = Field(u"a", FieldType::kDate);
+    field.dateFormat.pattern = c.pattern;
+    EXPECT_EQ(ColumnLine(field), c.line);
+    field.hasWidth = true;
+    field.width = 9;
+    EXPECT_EQ(ColumnLine(field), c.withWidth);
+    for (const std::u16string_view line : {c.line, c.withWidth}) {
+      FieldDefinition read;
+      ParseColumnLine(u"Col1", line, read);
+      EXPECT_EQ(read.dateFormat.pattern, c.pattern);
+      EXPECT_EQ(read.hasWidth, line == c.withWidth);
+    }
+  }
 }
 
 TEST_F(SchemaIniWriterTest, PartsOfTheTablesFormatStandInForAMissingPattern) {

@@ -31,7 +31,7 @@ class OpenedTable {
   const std::shared_ptr<TextFile::TextDatasetDescription>& shared() const noexcept {
     return table_;
   }
-  const TextFile::FieldDefinition& field(std::size_t index) const {
+  TextFile::FieldDefinition field(std::size_t index) const {
     return table_->fields.at(index);
   }
   char16_t decimalSymbol() const noexcept { return table_->options.number.decimalSymbol; }

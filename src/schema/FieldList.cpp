@@ -1,0 +1,32 @@
+#include "schema/FieldList.h"
+
+#include <charconv>
+
+namespace TextFile {
+
+std::u16string GeneratedFieldName(std::size_t position) {
+  char digits[24];
+  auto* const end = std::to_chars(digits, digits + sizeof(digits), position + 1).ptr;
+  return u"Field" + std::u16string(digits, end);
+}
+
+const FieldDefinition* FieldList::StoredBehind(std::size_t index) const noexcept {
+  const auto found = behind_.find(index);
+  return found == behind_.end() ? nullptr : &found->second;
+}
+
+FieldDefinition FieldList::operator[](std::size_t index) const {
+  if (const FieldDefinition* const stored = Stored(index)) return *stored;
+  FieldDefinition text;
+  text.name = GeneratedFieldName(index - virtualFields_);
+  return text;
+}
+
+FieldDefinition& FieldList::operator[](std::size_t index) {
+  if (index < stored_.size()) return stored_[index];
+  const auto found = behind_.find(index);
+  if (found != behind_.end()) return found->second;
+  return behind_.emplace(index, std::as_const(*this)[index]).first->second;
+}
+
+}  // namespace TextFile

@@ -1,0 +1,94 @@
+// What opening a table costs in memory and reading, as the system counts it for the program. The
+// sanitizers' own memory would be counted with it.
+#if defined(__linux__) && !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
+
+#include <fcntl.h>
+#include <spawn.h>
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cstdint>
+#include <fstream>
+#include <string>
+#include <vector>
+
+#include "cli/TexttablesTest.h"
+
+namespace {
+
+constexpr std::uint64_t kMegabyte = 1024 * 1024;
+
+struct Cost {
+  int exitCode = -1;
+  std::uint64_t memory = 0;  // bytes, the most at any time
+  std::uint64_t read = 0;    // bytes
+};
+
+class MemoryTest : public TexttablesTest {
+ protected:
+  // The output goes nowhere.
+  Cost CostOf(std::vector<std::string> arguments) const {
+    arguments.insert(arguments.begin(), PROGRAM_FILE);
+    std::vector<char*> words;
+    for (std::string& argument : arguments) words.push_back(argument.data());
+    words.push_back(nullptr);
+    posix_spawn_file_actions_t actions;
+    posix_spawn_file_actions_init(&actions);
+    posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, "/dev/null", O_WRONLY, 0);
+    char locale[] = "LC_ALL=C";
+    char* const environment[] = {locale, nullptr};
+    pid_t child = -1;
+    const int started = posix_spawn(&child, PROGRAM_FILE, &actions, nullptr, words.data(),
+                                    static_cast<char* const*>(environment));
+    posix_spawn_file_actions_destroy(&actions);
+    EXPECT_EQ(started, 0);
+
+    Cost cost;
+    siginfo_t ended{};
+    // The counts are there until the child is reaped.
+    EXPECT_EQ(waitid(P_PID, static_cast<id_t>(child), &ended, WEXITED | WNOWAIT), 0);
+    std::ifstream counts("/proc/" + std::to_string(child) + "/io");
+    std::string name;
+    counts >> name >> cost.read;
+    EXPECT_EQ(name, "rchar:");
+    int status = 0;
+    rusage usage{};
+    EXPECT_EQ(wait4(child, &status, 0, &usage), child);
+    if (WIFEXITED(status)) cost.exitCode = WEXITSTATUS(status);
+    cost.memory = static_cast<std::uint64_t>(usage.ru_maxrss) * 1024;
+    return cost;
+  }
+
+  std::string Path(const char* name) const { return (Folder() / name).string(); }
+};
+
+// A program of these libraries has some megabytes before it opens anything.
+constexpr std::uint64_t kIdle = 24 * kMegabyte;
+
+TEST_F(MemoryTest, ColumnsThatNoRowHasCostNothing) {
+  Write("a.csv", "Id,Name\n1,Ann\n2,Bob\n");
+  Write("schema.ini", "[a.csv]\nCol1000000=z Text\n");
+  EXPECT_EQ(Output({"count", "a.csv"}), "2\n");
+  const Cost cost = CostOf({"count", Path("a.csv")});
+  EXPECT_EQ(cost.exitCode, 0);
+  EXPECT_LT(cost.memory, kIdle + kMegabyte);
+}
+
+TEST_F(MemoryTest, OneLongLineCostsThreeTimesItsSize) {
+  constexpr std::uint64_t kSize = 32 * kMegabyte;
+  const std::string line(kSize, 'x');
+  for (const char* end : {"", "\n", "\r\n"}) {
+    SCOPED_TRACE(end);
+    Write("a.csv", line + end);
+    const Cost cost = CostOf({"count", Path("a.csv")});
+    EXPECT_EQ(cost.exitCode, 0);
+    EXPECT_LT(cost.memory, 3 * kSize + kIdle);
+    // Once to open the table, once to count its rows.
+    EXPECT_LT(cost.read, 2 * kSize + 4 * kMegabyte);
+  }
+}
+
+}  // namespace
+
+#endif

@@ -1,0 +1,66 @@
+#include <gtest/gtest.h>
+
+#include <string>
+#include <utility>
+
+#include "schema/FieldList.h"
+
+namespace TextFile {
+namespace {
+
+FieldDefinition Named(std::u16string name, FieldType type) {
+  FieldDefinition field;
+  field.name = std::move(name);
+  field.type = type;
+  return field;
+}
+
+TEST(FieldListTest, FieldsBehindTheStoredOnesAreTextsNamedByTheirPosition) {
+  FieldList fields = {Named(u"id", FieldType::kInteger)};
+  fields.ResizeWithTexts(1000000, 0);
+  ASSERT_EQ(fields.size(), 1000000u);
+  const FieldList& seen = fields;
+  EXPECT_EQ(seen[0].name, u"id");
+  EXPECT_EQ(seen[1].name, u"Field2");
+  EXPECT_EQ(seen[999999].name, u"Field1000000");
+  EXPECT_EQ(seen[999999].type, FieldType::kString);
+  EXPECT_EQ(seen[999999].width, 8000);
+  EXPECT_FALSE(seen[999999].hasWidth);
+  EXPECT_EQ(fields.TypeOf(999999), FieldType::kString);
+  EXPECT_EQ(fields.Stored(999999), nullptr);
+}
+
+TEST(FieldListTest, VirtualFieldsAreNotCountedInNames) {
+  FieldList fields = {Named(u"Place", FieldType::kString), Named(u"Place_X", FieldType::kDouble),
+                      Named(u"Place_Y", FieldType::kDouble)};
+  fields.ResizeWithTexts(5, 2);
+  EXPECT_EQ(std::as_const(fields)[3].name, u"Field2");
+  EXPECT_EQ(std::as_const(fields)[4].name, u"Field3");
+}
+
+TEST(FieldListTest, AFieldThatIsWrittenToIsStored) {
+  FieldList fields;
+  fields.ResizeWithTexts(10, 0);
+  fields[7].type = FieldType::kDate;
+  EXPECT_EQ(fields.TypeOf(7), FieldType::kDate);
+  ASSERT_NE(fields.Stored(7), nullptr);
+  EXPECT_EQ(fields.Stored(7)->name, u"Field8");
+  EXPECT_EQ(fields.TypeOf(8), FieldType::kString);
+  const FieldList copy = fields;
+  EXPECT_EQ(copy.TypeOf(7), FieldType::kDate);
+  fields.clear();
+  EXPECT_TRUE(fields.empty());
+  EXPECT_EQ(copy.size(), 10u);
+}
+
+TEST(FieldListTest, GoesThroughAllFieldsInOrder) {
+  FieldList fields = {Named(u"a", FieldType::kInteger)};
+  fields.ResizeWithTexts(4, 0);
+  fields[2].name = u"c";
+  std::u16string names;
+  for (const FieldDefinition& field : fields) names += field.name + u' ';
+  EXPECT_EQ(names, u"a Field2 c Field4 ");
+}
+
+}  // namespace
+}  // namespace TextFile
