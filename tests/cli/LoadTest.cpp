@@ -422,6 +422,19 @@ TEST_F(LoadTest, FullDiskKeepsWholeRowsAndCountsThem) {
   EXPECT_EQ(table.substr(table.size() - 9), "7,abcdef\n");
 }
 
+// A table that is read while it grows has the rows that it had, however long that takes.
+TEST_F(LoadTest, ATableCanBeLoadedFromItsOwnRows) {
+  std::string rows;
+  for (int i = 0; i < 20000; ++i) rows += std::to_string(i) + ",a name to be read back\n";
+  Write("a.csv", "Id,Name\n" + rows);
+  ProcessRequest request = Request(
+      {"-c", "trap '' XFSZ; ulimit -f 8000; \"$0\" rows a.csv --format jsonl | \"$0\" load a.csv",
+       PROGRAM_FILE});
+  request.program = "/bin/sh";
+  EXPECT_EQ(RunProcess(request).errors, "20000 rows loaded\n");
+  EXPECT_TRUE(ReadTable("a.csv") == "Id,Name\n" + rows + rows);
+}
+
 TEST_F(LoadTest, InterruptKeepsTheRowsSoFar) {
   WriteTable();
   const std::string pipe = (Folder() / "pipe").string();
