@@ -239,8 +239,7 @@ class RowWriter::LockedFile {
       return;
     }
     locked_ = true;
-    isTable_ = writer_.file_.IsAt(NativeFromFileName(writer_.table_.path));
-    if (!isTable_) writer_.Fail(u"the file has been removed or replaced meanwhile");
+    isTable_ = writer_.RequireItsName();
   }
   ~LockedFile() {
     if (locked_) writer_.file_.Unlock();
@@ -280,6 +279,11 @@ bool RowWriter::RequireTable() {
       file_.IsAt(NativeFromFileName(paths.temporary)))
     return Fail(u"the file is no table");
   return true;
+}
+
+bool RowWriter::RequireItsName() {
+  return file_.IsAt(NativeFromFileName(table_.path)) ||
+         Fail(u"the file has been removed or replaced meanwhile");
 }
 
 bool RowWriter::Open() {
@@ -482,7 +486,7 @@ RegularFile::Appended RowWriter::WriteRows(std::string_view rows) {
 bool RowWriter::Close() {
   bool written = Flush();
   // Rows of earlier blocks may be in a file that nobody has any more.
-  if (written && hasWritten_) written = LockedFile(*this).IsTable();
+  if (written && hasWritten_) written = RequireItsName();
   file_.Close();
   return written;
 }
