@@ -307,7 +307,8 @@ bool RowWriter::LookAtEnd(std::uint64_t from) {
   textEnd_ = FindTextEnd(table_, encoding_, file_, from);
   switch (textEnd_.state) {
     case TextEnd::State::kTakesRows:
-      return file_.Size(end_) || Fail(u"the file cannot be read");
+      end_ = textEnd_.fileSize;
+      return true;
     case TextEnd::State::kInQuotes:
       return Fail(
           u"the last row has a quote that is not closed: what is added would be a part of it");
