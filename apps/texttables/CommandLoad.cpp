@@ -1,5 +1,4 @@
 // load.
-#include <filesystem>
 #include <optional>
 #include <unordered_set>
 
@@ -14,7 +13,6 @@
 #include "ShownText.h"
 #include "Terminal.h"
 #include "TextEncoding.h"
-#include "platform/FileNames.h"
 
 namespace TextTables {
 
@@ -104,14 +102,11 @@ class Loading {
   std::unordered_set<std::u16string> told_;
 };
 
-// Its own rows would come in again and again, without an end.
-void RequireOtherFile(const std::u16string& source, const TablePath& path) {
-  const auto native = [](const std::u16string& name) {
-    return std::filesystem::path(NativeFromFileName(name));
-  };
-  std::error_code error;
-  if (std::filesystem::equivalent(native(source), native(path.folder) / native(path.name), error))
-    throw UsageError("a table cannot be loaded from its own file, " + Shown(source));
+// What is added to it would come in again, and a table's text is not what rows are loaded from.
+void RequireOtherFile(const Terminal::Input& input, const CommandLine& line) {
+  if (input.IsFile(line.path))
+    throw UsageError("a table cannot be loaded from its own file, " +
+                     (line.source ? Shown(*line.source) : "standard input"));
 }
 
 void LoadLines(InputLines& lines, Loading& loading, bool showProgress) {
@@ -130,12 +125,11 @@ void RunLoad(const CommandLine& line, Output&) {
   const TablePath path = SplitTablePath(line.path);
   const bool quiet = line.global.quiet;
   std::optional<Terminal::Input> input;
-  if (line.source) {
-    RequireOtherFile(*line.source, path);
+  if (line.source)
     input.emplace(*line.source);
-  } else {
+  else
     input.emplace();
-  }
+  RequireOtherFile(*input, line);
   InputLines lines(*input);
   const ModuleHost host(line.global);
   const auto dataset = host.OpenTable(path);

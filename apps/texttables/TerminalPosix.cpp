@@ -2,6 +2,7 @@
 
 #include <fcntl.h>
 #include <sys/ioctl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -38,6 +39,14 @@ void WriteAll(int file, std::string_view bytes) {
 unsigned short ColumnsOf(int file) {
   winsize size = {};
   return ::ioctl(file, TIOCGWINSZ, &size) == 0 ? size.ws_col : 0;
+}
+
+bool IsSameFile(int descriptor, std::u16string_view fileName) {
+  struct stat open = {};
+  struct stat named = {};
+  return ::fstat(descriptor, &open) == 0 && S_ISREG(open.st_mode) &&
+         ::stat(NativeFromFileName(fileName).c_str(), &named) == 0 && open.st_dev == named.st_dev &&
+         open.st_ino == named.st_ino;
 }
 
 void EndBySignal(int number) {
@@ -89,6 +98,11 @@ int Columns() {
 
 std::size_t OutputColumns() { return ColumnsOf(STDOUT_FILENO); }
 
+bool IsStandardStream(std::u16string_view fileName) {
+  return IsSameFile(STDIN_FILENO, fileName) || IsSameFile(STDOUT_FILENO, fileName) ||
+         IsSameFile(STDERR_FILENO, fileName);
+}
+
 std::size_t WriteStandardOutput(const char* bytes, std::size_t count) {
   for (;;) {
     // A write that an interrupt has ended half-way has succeeded as well.
@@ -113,6 +127,8 @@ Input::Input(std::u16string_view fileName)
 Input::~Input() {
   if (owned_) ::close(descriptor_);
 }
+
+bool Input::IsFile(std::u16string_view fileName) const { return IsSameFile(descriptor_, fileName); }
 
 std::size_t Input::Read(char* bytes, std::size_t count) {
   for (;;) {

@@ -5,6 +5,7 @@
 #include <new>
 #include <optional>
 
+#include "CommandFiles.h"
 #include "CommandLine.h"
 #include "Commands.h"
 #include "Diagnostics.h"
@@ -61,6 +62,13 @@ void ApplyHostSettings(const GlobalOptions& options) {
     quenra::DataCoreUtil::SetOption(name, quenra::Variant(text).Address());
 }
 
+// The log replaces its file, which must be none that the command needs.
+void RequireFreeEventLog(const CommandLine& line) {
+  if (IsOneOf(FilesOf(line), *line.global.eventLogFile))
+    throw UsageError("the event log cannot be " + FileNameBytes(*line.global.eventLogFile) +
+                     ", a file that the command works on");
+}
+
 void RunCommand(const CommandLine& line, Output& output) {
   switch (line.command) {
     case Command::kList:
@@ -102,7 +110,10 @@ void Run(std::vector<std::string> arguments) {
   } else {
     ApplyHostSettings(line.global);
     std::optional<EventLogFile> eventLog;
-    if (line.global.eventLogFile) eventLog.emplace(*line.global.eventLogFile);
+    if (line.global.eventLogFile) {
+      RequireFreeEventLog(line);
+      eventLog.emplace(*line.global.eventLogFile);
+    }
     try {
       RunCommand(line, output);
     } catch (const UsageError& error) {

@@ -9,6 +9,7 @@
 #include "schema/SchemaIniReader.h"
 #include "schema/SchemaIniWriter.h"
 #include "schema/TableFiles.h"
+#include "schema/TableMetadata.h"
 #include "schema/TableNames.h"
 #include "schema/TableSchema.h"
 #include "schema/Utf8.h"
@@ -121,6 +122,7 @@ void RequireFileOrNothing(const std::u16string& path) {
 void CreateTableFiles(const TableLocation& table, std::vector<FieldDefinition> fields) {
   if (const std::u16string_view reason = WhyNotATableName(table.name); !reason.empty())
     FailTable(table.name, reason);
+  RequireNoMetadataName(table);
   const std::u16string path = table.Path();
   RequireFileOrNothing(path);
   const SchemaIniPaths paths(table.folder);

@@ -1,9 +1,7 @@
 #include "schema/TableFiles.h"
 
 #include <boost/filesystem.hpp>
-#include <fstream>
 #include <functional>
-#include <iterator>
 #include <string>
 #include <utility>
 #include <vector>
@@ -12,8 +10,10 @@
 #include "host/DataCore/DataCoreUtil.h"
 #include "platform/ExclusiveFile.h"
 #include "platform/FileNames.h"
+#include "platform/RegularFile.h"
 #include "schema/SchemaIniPaths.h"
 #include "schema/SchemaIniWriter.h"
+#include "schema/TableMetadata.h"
 #include "schema/TableNames.h"
 
 namespace TextFile {
@@ -61,13 +61,6 @@ bool IsOnlyAnotherCase(const std::u16string& path, const std::u16string& other) 
          fs::hard_link_count(Native(path), ignored) == 1;
 }
 
-bool HaveSameBytes(const std::u16string& path, const std::u16string& other) {
-  std::ifstream first(Native(path).c_str(), std::ios::binary);
-  std::ifstream second(Native(other).c_str(), std::ios::binary);
-  using Bytes = std::istreambuf_iterator<char>;
-  return first && second && std::equal(Bytes(first), Bytes(), Bytes(second), Bytes());
-}
-
 // Renames a file; something that has the new name stays.
 void Move(const std::u16string& from, const std::u16string& to) {
   const std::error_code error =
@@ -83,8 +76,8 @@ class FinishedCopy {
       : to_(std::move(to)) {
     if (!file_.Open(NativeFromFileName(temporary.Path())))
       FailTemporary(temporary.Path(), to_, file_.error());
-    std::filebuf source;
-    if (source.open(Native(from).c_str(), std::ios::in | std::ios::binary) == nullptr)
+    RegularFile source;
+    if (!source.Open(NativeFromFileName(from), RegularFile::Access::kRead))
       FailTable(from, u"the file cannot be read");
     CopyBytes(source, from);
     boost::system::error_code ignored;
@@ -100,18 +93,15 @@ class FinishedCopy {
   }
 
  private:
-  void CopyBytes(std::filebuf& source, const std::u16string& from) {
+  void CopyBytes(RegularFile& source, const std::u16string& from) {
     std::vector<char> block(kBlockBytes);
-    for (;;) {
-      std::streamsize count = 0;
-      try {
-        count = source.sgetn(block.data(), static_cast<std::streamsize>(block.size()));
-      } catch (const std::ios_base::failure&) {
-        FailTable(from, u"the file cannot be read");
-      }
-      if (count <= 0) return;
+    for (std::uint64_t offset = 0;;) {
+      const std::ptrdiff_t count = source.ReadAt(offset, block.data(), block.size());
+      if (count < 0) FailTable(from, u"the file cannot be read");
+      if (count == 0) return;
       if (!file_.Write({block.data(), static_cast<std::size_t>(count)}))
         FailTable(to_, file_.error());
+      offset += static_cast<std::uint64_t>(count);
     }
   }
 
@@ -155,7 +145,7 @@ TableLocation Temporary(const std::u16string& folder, const std::u16string& name
 // Whether the metadata file has to be made. One that is the same already is what an operation that
 // was ended half-way has left; any other is somebody's.
 bool MetadataIsWanted(const TableLocation& from, const TableLocation& to) {
-  if (!Exists(from.MetadataPath())) return false;
+  if (!HasMetadata(from)) return false;
   if (!Exists(to.MetadataPath())) return true;
   if (!HaveSameBytes(from.MetadataPath(), to.MetadataPath())) FailBecauseTaken(to.MetadataPath());
   return false;
@@ -191,7 +181,7 @@ void RenameCase(const TableLocation& table, const TableLocation& renamed) {
   Rollback rollback;
   Move(table.Path(), renamed.Path());
   rollback.AddReturn(renamed.Path(), table.Path());
-  if (Exists(table.MetadataPath())) Move(table.MetadataPath(), renamed.MetadataPath());
+  if (HasMetadata(table)) Move(table.MetadataPath(), renamed.MetadataPath());
   rollback.Commit();
 }
 
@@ -211,7 +201,7 @@ void RenameFiles(const TableLocation& table, const TableLocation& renamed) {
   if (metadataIsWanted) LinkMetadata(table, renamed, rollback);
   Move(table.Path(), renamed.Path());
   rollback.Commit();
-  if (Exists(table.MetadataPath())) RemoveLeftover(table.MetadataPath());
+  if (HasMetadata(table)) RemoveLeftover(table.MetadataPath());
 }
 
 }  // namespace
@@ -221,6 +211,7 @@ std::u16string TableLocation::MetadataPath() const { return Path() + u".xml"; }
 
 void CopyTableFiles(const TableLocation& from, const TableLocation& to) {
   RequireName(to.name);
+  RequireNoMetadataName(to);
   RequireTable(from);
   RequireFree(to.Path());
   const bool metadataIsWanted = MetadataIsWanted(from, to);
@@ -242,6 +233,7 @@ void CopyTableFiles(const TableLocation& from, const TableLocation& to) {
 void RenameTableFiles(const TableLocation& table, std::u16string_view newName) {
   const TableLocation renamed{table.folder, std::u16string(newName)};
   RequireName(newName);
+  RequireNoMetadataName(renamed);
   RequireTable(table);
   if (IsOnlyAnotherCase(table.Path(), renamed.Path()))
     RenameCase(table, renamed);
@@ -260,19 +252,12 @@ void RenameTableFiles(const TableLocation& table, std::u16string_view newName) {
 void DeleteTableFiles(const TableLocation& table) {
   RequireTable(table);
   // Set aside first, which can be taken back when something else cannot be removed.
-  const auto setAside = [&](const std::u16string& name, const std::u16string& path) {
-    std::u16string aside = JoinPath(table.folder, TemporaryNameOf(name, u".old"));
-    boost::system::error_code error;
-    fs::rename(Native(path), Native(aside), error);
-    if (error) FailTable(path, std::error_code(error.value(), std::system_category()));
-    return aside;
-  };
   Rollback rollback;
   std::vector<std::u16string> leftovers;
-  leftovers.push_back(setAside(table.name, table.Path()));
+  leftovers.push_back(SetAside(table.folder, table.name));
   rollback.AddReturn(leftovers.back(), table.Path());
-  if (Exists(table.MetadataPath())) {
-    leftovers.push_back(setAside(table.name + u".xml", table.MetadataPath()));
+  if (HasMetadata(table)) {
+    leftovers.push_back(SetAside(table.folder, table.name + u".xml"));
     rollback.AddReturn(leftovers.back(), table.MetadataPath());
   }
   const SchemaIniPaths paths(table.folder);
