@@ -2,10 +2,13 @@
 
 #include <algorithm>
 #include <boost/filesystem.hpp>
+#include <fstream>
+#include <iterator>
 #include <utility>
 
 #include "host/DataCore/DataCoreUtil.h"
 #include "reading/TextLineStream.h"
+#include "schema/TableNames.h"
 #include "schema/Utf8.h"
 
 namespace TextFile {
@@ -29,6 +32,42 @@ bool IsHeaderOf(std::u16string_view header, std::u16string_view name) noexcept {
          quenra::DataCoreUtil::CompareFoldCase(header.substr(1, name.size()), name);
 }
 
+std::u16string_view NameIn(std::u16string_view header) noexcept {
+  return header.substr(1, header.size() - 2);
+}
+
+bool IsFile(std::u16string_view folder, std::u16string_view name) {
+  boost::system::error_code ignored;
+  return fs::is_regular_file(fs::path(NativeFromFileName(JoinPath(folder, name))), ignored);
+}
+
+// Whether `spelling`, which differs from `name` in letter case alone, is the name of another file.
+// Only a listing tells on a file system that finds one file under both.
+bool IsAnotherFile(std::u16string_view folder, std::u16string_view spelling,
+                   std::u16string_view name) {
+  if (spelling == name || !IsFile(folder, spelling)) return false;
+  bool isListed = false;
+  bool nameIsListed = false;
+  boost::system::error_code error;
+  const fs::path native(NativeFromFileName(folder.empty() ? std::u16string_view(u".") : folder));
+  for (fs::directory_iterator entry(native, error), end; !error && entry != end;
+       entry.increment(error)) {
+    const std::u16string listed = FileNameFromNative(entry->path().filename().native());
+    isListed = isListed || listed == spelling;
+    nameIsListed = nameIsListed || listed == name;
+  }
+  return isListed && (nameIsListed || !IsFile(folder, name));
+}
+
+// Nothing when the file cannot be read.
+std::optional<std::string> BytesOf(const std::u16string& path) {
+  const fs::path native(NativeFromFileName(path));
+  std::ifstream stream(native.c_str(), std::ios::binary);
+  std::string bytes{std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
+  if (!stream.is_open() || stream.bad()) return std::nullopt;
+  return bytes;
+}
+
 // Whether a file's name can stand in a header line and be read back.
 bool FitsHeader(std::u16string_view name) noexcept {
   constexpr std::u16string_view kUnreadable(u"\0\n\x1A", 3);
@@ -50,7 +89,13 @@ SchemaIniFile::SchemaIniFile(SchemaIniPaths paths, Access access) : paths_(std::
     Fail(exists_ ? kCouldNotWriteTemporary : kCouldNotCreate);
   exists_ = fs::exists(fs::symlink_status(native, ignored));
   sections_.emplace_back();
-  if (exists_) Read();
+  if (!exists_) return;
+  try {
+    Read();
+  } catch (const SchemaIniFailure&) {
+    if (access == Access::kRead) throw;
+    isRead_ = false;
+  }
 }
 
 void SchemaIniFile::Read() {
@@ -77,56 +122,108 @@ const SectionLines* SchemaIniFile::Find(std::u16string_view name) const noexcept
   return found == sections_.end() ? nullptr : &found->lines;
 }
 
+bool SchemaIniFile::IsOwn(const Section& section, std::u16string_view name) const {
+  return IsHeaderOf(section.header, name) &&
+         !IsAnotherFile(FolderOf(paths_.schemaIni), NameIn(section.header), name);
+}
+
+std::vector<std::size_t> SchemaIniFile::SectionsOf(std::u16string_view name) const {
+  std::vector<std::size_t> own;
+  for (std::size_t i = 0; i < sections_.size(); ++i)
+    if (IsOwn(sections_[i], name)) own.push_back(i);
+  return own;
+}
+
+const SectionLines* SchemaIniFile::FindOwn(std::u16string_view name) const {
+  const std::vector<std::size_t> own = SectionsOf(name);
+  return own.empty() ? nullptr : &sections_[own.front()].lines;
+}
+
+bool SchemaIniFile::ReadsAnothers(std::u16string_view name) const {
+  const SectionLines* const found = Find(name);
+  return found != nullptr && found != FindOwn(name);
+}
+
 // Whether the reader takes the end of another line for the section's header, as in "; [a.csv]":
 // then the section's own lines do not describe the file, and replacing them would lose them.
-bool SchemaIniFile::IsHiddenBefore(std::vector<Section>::const_iterator section,
-                                   std::u16string_view name) const noexcept {
+bool SchemaIniFile::IsHiddenBefore(std::size_t section, std::u16string_view name) const noexcept {
   const auto endsInHeader = [&](std::u16string_view line) {
     const std::size_t bracket = line.find(u'[');
     return bracket != std::u16string_view::npos && IsHeaderOf(line.substr(bracket), name);
   };
-  return std::any_of(sections_.begin(), section, [&](const Section& before) {
+  const auto end = sections_.begin() + static_cast<std::ptrdiff_t>(section);
+  return std::any_of(sections_.begin(), end, [&](const Section& before) {
     return std::any_of(before.lines.begin(), before.lines.end(), endsInHeader);
   });
 }
 
 void SchemaIniFile::Replace(std::u16string_view name, SectionLines lines) {
   if (!FitsHeader(name)) Fail(kNameNotText);
-  std::u16string header = HeaderLine(name);
-  const auto isNamed = [&](const Section& section) { return IsHeaderOf(section.header, name); };
-  const auto found = std::find_if(sections_.begin(), sections_.end(), isNamed);
-  if (IsHiddenBefore(found, name)) Fail(kSectionHidden);
-  if (found == sections_.end()) {
-    sections_.push_back({std::move(header), std::move(lines)});
+  const std::vector<std::size_t> own = SectionsOf(name);
+  if (IsHiddenBefore(own.empty() ? sections_.size() : own.front(), name)) Fail(kSectionHidden);
+  if (own.empty()) {
+    sections_.push_back({HeaderLine(name), std::move(lines)});
     return;
   }
-  found->lines = std::move(lines);
-  sections_.erase(std::remove_if(found + 1, sections_.end(), isNamed), sections_.end());
+  sections_[own.front()].lines = std::move(lines);
+  for (std::size_t i = own.size(); i-- > 1;)
+    sections_.erase(sections_.begin() + static_cast<std::ptrdiff_t>(own[i]));
 }
 
-void SchemaIniFile::Duplicate(std::u16string_view name, std::u16string_view newName) {
+SchemaIniFile::Change SchemaIniFile::Insert(std::u16string_view newName,
+                                            const SectionLines& lines) {
   if (!FitsHeader(newName)) Fail(kNameNotText);
-  const auto found = std::find_if(sections_.begin(), sections_.end(), [&](const Section& section) {
-    return IsHeaderOf(section.header, name);
-  });
-  if (found == sections_.end()) return;
-  if (IsHiddenBefore(found + 1, newName)) Fail(kSectionHidden);
-  Section copy{HeaderLine(newName), found->lines};
-  sections_.insert(found + 1, std::move(copy));
+  const std::vector<std::size_t> own = SectionsOf(newName);
+  const std::size_t place = own.empty() ? sections_.size() : own.front();
+  if (IsHiddenBefore(place, newName)) Fail(kSectionHidden);
+  if (!own.empty() && sections_[place].lines == lines) return {};
+  sections_.insert(sections_.begin() + static_cast<std::ptrdiff_t>(place),
+                   {HeaderLine(newName), lines});
+  return {true, !own.empty()};
 }
 
-void SchemaIniFile::Remove(std::u16string_view name) {
-  std::erase_if(sections_,
-                [&](const Section& section) { return IsHeaderOf(section.header, name); });
-}
-
-void SchemaIniFile::Rename(std::u16string_view name, std::u16string_view newName) {
+SchemaIniFile::Change SchemaIniFile::Duplicate(std::u16string_view name,
+                                               std::u16string_view newName) {
+  const std::vector<std::size_t> own = SectionsOf(name);
+  if (own.empty()) return {};
   if (!FitsHeader(newName)) Fail(kNameNotText);
-  for (auto section = sections_.begin(); section != sections_.end(); ++section) {
-    if (!IsHeaderOf(section->header, name)) continue;
-    if (IsHiddenBefore(section, newName)) Fail(kSectionHidden);
-    section->header = HeaderLine(newName);
-  }
+  if (IsHiddenBefore(own.front() + 1, newName)) Fail(kSectionHidden);
+  const std::vector<std::size_t> others = SectionsOf(newName);
+  std::vector<Section> moved;
+  for (const std::size_t other : others)
+    if (other < own.front()) moved.push_back(std::move(sections_[other]));
+  for (std::size_t i = moved.size(); i-- > 0;)
+    sections_.erase(sections_.begin() + static_cast<std::ptrdiff_t>(others[i]));
+
+  auto behind = sections_.begin() + static_cast<std::ptrdiff_t>(own.front() - moved.size() + 1);
+  Section copy{HeaderLine(newName), (behind - 1)->lines};
+  const bool stands = behind != sections_.end() && *behind == copy;
+  if (!stands) behind = sections_.insert(behind, std::move(copy));
+  const bool made = !stands || !moved.empty();
+  sections_.insert(behind + 1, std::make_move_iterator(moved.begin()),
+                   std::make_move_iterator(moved.end()));
+  return {made, others.size() > (stands ? 1u : 0u)};
+}
+
+bool SchemaIniFile::Remove(std::u16string_view name) {
+  const std::vector<std::size_t> own = SectionsOf(name);
+  for (std::size_t i = own.size(); i-- > 0;)
+    sections_.erase(sections_.begin() + static_cast<std::ptrdiff_t>(own[i]));
+  return !own.empty();
+}
+
+bool SchemaIniFile::Rename(std::u16string_view name, std::u16string_view newName) {
+  const std::vector<std::size_t> own = SectionsOf(name);
+  if (own.empty()) return false;
+  if (!FitsHeader(newName)) Fail(kNameNotText);
+  if (IsHiddenBefore(own.front(), newName)) Fail(kSectionHidden);
+  const std::size_t next = own.front() + 1;
+  const bool nextIsOwn = own.size() > 1 && own[1] == next;
+  for (const std::size_t section : own) sections_[section].header = HeaderLine(newName);
+  // What a renaming that was ended half-way has left is the same as well.
+  if (!nextIsOwn && next < sections_.size() && sections_[next] == sections_[own.front()])
+    sections_.erase(sections_.begin() + static_cast<std::ptrdiff_t>(next));
+  return true;
 }
 
 std::string SchemaIniFile::Bytes() const {
@@ -141,9 +238,44 @@ std::string SchemaIniFile::Bytes() const {
 }
 
 void SchemaIniFile::Save() {
+  if (!isRead_) Fail(kCouldNotRead);
   if (!temporary_.Write(Bytes())) Fail(exists_ ? kCouldNotWriteTemporary : kCouldNotWrite);
   if (!temporary_.Replace(NativeFromFileName(paths_.schemaIni)))
     Fail(exists_ ? kCouldNotWrite : kCouldNotCreate);
+}
+
+// By way of another temporary file: the usual one stays where it is, for others to wait for.
+bool SchemaIniFile::PutInPlace(std::string_view bytes) {
+  const std::u16string finished =
+      JoinPath(FolderOf(paths_.schemaIni), TemporaryNameOf(u"schema.ini", u".tmp"));
+  ExclusiveFile file;
+  return file.Open(NativeFromFileName(finished)) && file.Write(bytes) &&
+         file.Replace(NativeFromFileName(paths_.schemaIni));
+}
+
+void SchemaIniFile::SaveAndHold() {
+  if (!isRead_) Fail(kCouldNotRead);
+  if (!written_.has_value() && exists_) {
+    before_ = BytesOf(paths_.schemaIni);
+    if (!before_.has_value()) Fail(kCouldNotRead);
+  }
+  std::string bytes = Bytes();
+  if (!PutInPlace(bytes)) Fail(exists_ ? kCouldNotWriteTemporary : kCouldNotCreate);
+  written_ = std::move(bytes);
+  exists_ = true;
+}
+
+void SchemaIniFile::Restore() noexcept try {
+  if (!written_.has_value() || BytesOf(paths_.schemaIni) != written_) return;
+  if (before_.has_value()) {
+    PutInPlace(*before_);
+  } else {
+    boost::system::error_code ignored;
+    fs::remove(fs::path(NativeFromFileName(paths_.schemaIni)), ignored);
+  }
+  written_.reset();
+} catch (const std::exception&) {
+  // Memory is short; the section that is left over belongs to no table.
 }
 
 }  // namespace TextFile

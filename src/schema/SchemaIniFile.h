@@ -4,12 +4,19 @@
 //   file.Replace(u"a.csv", body);
 //   file.Save();
 //
-// The new file is finished under its temporary name and takes the old one's place in one rename,
-// so that schema.ini is never seen half written. While an object of this class lives, no other
-// writer, of this process or another, changes the folder's schema.ini. Sections keep their order
-// and their lines; blank lines go.
+// The new file is finished under a temporary name and takes the old one's place in one rename, so
+// that schema.ini is never seen half written. From its making for writing until Save an object of
+// this class is the only writer of the folder's schema.ini, in this process and in others.
+// Operations on tables hold one all the time, their files' moves included, and so come one after
+// another. Sections keep their order and their lines; blank lines go.
+//
+// A section is a file's when its header is the file's name, compared without regard to case.
+// Where the file system tells letter case, one whose header is spelled exactly as another file of
+// the folder is that file's, and no change made for a name touches it. Reading takes the first
+// section that matches, whosever it is.
 #pragma once
 
+#include <cstddef>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -32,50 +39,81 @@ class SchemaIniFile {
  public:
   enum class Access { kRead, kWrite };
 
-  // Reads schema.ini; one that does not exist has no sections. Throws SchemaIniFailure when it
-  // cannot be read, is in an encoding that is not read, or (kWrite) when the temporary file cannot
-  // be made.
+  // What became of a change.
+  struct Change {
+    bool made = false;   // there is something to save
+    bool stood = false;  // sections of the new name stand behind the new one now
+  };
+
+  // Reads schema.ini; one that does not exist has no sections. Throws SchemaIniFailure (kRead) when
+  // it cannot be read or is in an encoding that is not read, or (kWrite) when the temporary file
+  // cannot be made. For writing, a file that cannot be read has no sections and is never saved.
   SchemaIniFile(SchemaIniPaths paths, Access access);
 
-  // The first section of that name, compared without regard to case; null when there is none. The
-  // pointer lives until the next change.
+  // The section that reading takes for that name; null when there is none. The pointer lives until
+  // the next change.
   const SectionLines* Find(std::u16string_view name) const noexcept;
+
+  // The first section that is the file's own; null when there is none.
+  const SectionLines* FindOwn(std::u16string_view name) const;
+
+  // Whether reading takes a section of another file for that name.
+  bool ReadsAnothers(std::u16string_view name) const;
 
   // Puts `lines` in place of the section's, whose header line stays as it was found and whose
   // duplicates go; appends the section when there is none. Throws SchemaIniFailure when the reader
   // takes something else for the section.
   void Replace(std::u16string_view name, SectionLines lines);
 
-  // Puts a section `newName` with the lines of `name` behind it. Nothing happens when there is no
-  // section `name`. Throws SchemaIniFailure as Replace does.
-  void Duplicate(std::u16string_view name, std::u16string_view newName);
+  // Puts a section `newName` in front of those of that name, or behind all others; one with the
+  // same lines that is the first already is left as it is. Throws SchemaIniFailure as Replace does.
+  Change Insert(std::u16string_view newName, const SectionLines& lines);
 
-  // Takes every section of that name away.
-  void Remove(std::u16string_view name);
+  // Puts a section `newName` with the lines of `name` behind it, unless that stands there already,
+  // and behind that one those of the new name that stood in front of it. Nothing happens when there
+  // is no section `name`. Throws SchemaIniFailure as Replace does.
+  Change Duplicate(std::u16string_view name, std::u16string_view newName);
 
-  // Gives every section of that name another header line; its lines stay. Throws SchemaIniFailure
-  // as Replace does; some sections may have the new header then.
-  void Rename(std::u16string_view name, std::u16string_view newName);
+  // Takes every section of that name away. False when there is none.
+  bool Remove(std::u16string_view name);
 
-  // Writes the sections back. Throws SchemaIniFailure; schema.ini is then as it was.
+  // Gives every section of that name another header line; its lines stay. What Duplicate has put
+  // behind the first one goes. False when there is none. Throws SchemaIniFailure as Replace does.
+  bool Rename(std::u16string_view name, std::u16string_view newName);
+
+  // Writes the sections back, and lets other writers in. Throws SchemaIniFailure; schema.ini is
+  // then as it was.
   void Save();
+
+  // The same, but other writers still wait.
+  void SaveAndHold();
+
+  // Takes back what SaveAndHold has done: schema.ini is byte for byte what it was before, unless
+  // somebody who does not wait for others has written it since.
+  void Restore() noexcept;
 
  private:
   struct Section {
     std::u16string header;  // "[name]"; empty for the lines before the first header
     SectionLines lines;
+    friend bool operator==(const Section&, const Section&) = default;
   };
 
-  bool IsHiddenBefore(std::vector<Section>::const_iterator section,
-                      std::u16string_view name) const noexcept;
+  std::vector<std::size_t> SectionsOf(std::u16string_view name) const;
+  bool IsOwn(const Section& section, std::u16string_view name) const;
+  bool IsHiddenBefore(std::size_t section, std::u16string_view name) const noexcept;
   void Read();
   std::string Bytes() const;
+  bool PutInPlace(std::string_view bytes);
 
   const SchemaIniPaths paths_;
   ExclusiveFile temporary_;
   std::vector<Section> sections_;
   bool exists_ = false;
-  bool hadMark_ = false;  // the file began with a byte-order mark
+  bool isRead_ = true;
+  bool hadMark_ = false;                // the file began with a byte-order mark
+  std::optional<std::string> before_;   // of schema.ini, when SaveAndHold has first replaced it
+  std::optional<std::string> written_;  // by SaveAndHold
 };
 
 }  // namespace TextFile
