@@ -2,10 +2,12 @@
 
 #include <algorithm>
 #include <boost/filesystem.hpp>
+#include <fstream>
+#include <map>
 #include <utility>
 
 #include "host/DataCore/DataCoreUtil.h"
-#include "reading/TextLineStream.h"
+#include "platform/FileNames.h"
 #include "schema/Utf8.h"
 
 namespace TextFile {
@@ -20,6 +22,10 @@ constexpr std::u16string_view kCouldNotWriteTemporary = u"Could not write to tem
 constexpr std::u16string_view kCouldNotRead = u"Could not read schema.ini.";
 constexpr std::u16string_view kSectionHidden =
     u"Another line of schema.ini is taken for the section's header.";
+constexpr std::u16string_view kTextWouldBeLost =
+    u"Text of schema.ini that its encoding does not show would be lost.";
+constexpr std::u16string_view kNotInItsEncoding =
+    u"What is new cannot be written to schema.ini so that all of it reads back.";
 constexpr std::u16string_view kNameNotText = u"The file's name cannot be written to schema.ini.";
 
 std::u16string HeaderLine(std::u16string_view name) { return u'[' + std::u16string(name) + u']'; }
@@ -39,6 +45,25 @@ bool FitsHeader(std::u16string_view name) noexcept {
   throw SchemaIniFailure{std::u16string(reason)};
 }
 
+// Regular files only, as the line reader has it. A file that breaks off is not to be rewritten.
+bool ReadWhole(const NativeFileName& path, std::string& bytes) {
+  boost::system::error_code ignored;
+  if (!fs::is_regular_file(fs::path(path), ignored)) return false;
+  std::filebuf file;
+  if (file.open(fs::path(path).c_str(), std::ios::in | std::ios::binary) == nullptr) return false;
+  constexpr std::size_t kBlockBytes = 64 * 1024;
+  std::string block(kBlockBytes, '\0');
+  try {
+    for (;;) {
+      const std::streamsize count = file.sgetn(block.data(), kBlockBytes);
+      if (count <= 0) return true;
+      bytes.append(block, 0, static_cast<std::size_t>(count));
+    }
+  } catch (const std::ios_base::failure&) {
+    return false;
+  }
+}
+
 }  // namespace
 
 SchemaIniFile::SchemaIniFile(SchemaIniPaths paths, Access access) : paths_(std::move(paths)) {
@@ -49,99 +74,119 @@ SchemaIniFile::SchemaIniFile(SchemaIniPaths paths, Access access) : paths_(std::
   if (access == Access::kWrite && !temporary_.Open(NativeFromFileName(paths_.temporary)))
     Fail(exists_ ? kCouldNotWriteTemporary : kCouldNotCreate);
   exists_ = fs::exists(fs::symlink_status(native, ignored));
-  sections_.emplace_back();
   if (exists_) Read();
 }
 
 void SchemaIniFile::Read() {
-  TextLineStream stream;
-  if (!stream.Open(paths_.schemaIni, TextLineStream::kPlainLines)) Fail(kCouldNotRead);
-  const TextEncoding encoding = stream.encoding();
-  if (encoding == TextEncoding::kUtf16BE || encoding == TextEncoding::kUtf32LE ||
-      encoding == TextEncoding::kUtf32BE)
+  std::string bytes;
+  if (!ReadWhole(NativeFromFileName(paths_.schemaIni), bytes) || !text_.Parse(bytes))
     Fail(kCouldNotRead);
-  hadMark_ = encoding != TextEncoding::kUndetermined;
-  std::u16string line;
-  while (stream.ReadLine(line)) {
-    if (line.starts_with(u'['))
-      sections_.push_back({line, {}});
-    else if (!line.empty())
-      sections_.back().lines.push_back(line);
-  }
+}
+
+SchemaIniFile::Sections::iterator SchemaIniFile::Locate(std::u16string_view name) noexcept {
+  return std::find_if(
+      text_.sections.begin(), text_.sections.end(),
+      [&](const SchemaIniSection& section) { return IsHeaderOf(section.header, name); });
 }
 
 const SectionLines* SchemaIniFile::Find(std::u16string_view name) const noexcept {
-  const auto found = std::find_if(sections_.begin(), sections_.end(), [&](const Section& section) {
-    return IsHeaderOf(section.header, name);
-  });
-  return found == sections_.end() ? nullptr : &found->lines;
+  const auto found = std::find_if(
+      text_.sections.begin(), text_.sections.end(),
+      [&](const SchemaIniSection& section) { return IsHeaderOf(section.header, name); });
+  return found == text_.sections.end() ? nullptr : &found->lines;
+}
+
+bool SchemaIniFile::TellsAll(std::u16string_view name) const {
+  for (const SchemaIniSection& section : text_.sections) {
+    if (!IsHeaderOf(section.header, name)) continue;
+    for (std::size_t i = 0; i < section.lines.size(); ++i)
+      if (!text_.TellsAll(section.lines[i], section.sources[i])) return false;
+    return true;
+  }
+  return true;
 }
 
 // Whether the reader takes the end of another line for the section's header, as in "; [a.csv]":
 // then the section's own lines do not describe the file, and replacing them would lose them.
-bool SchemaIniFile::IsHiddenBefore(std::vector<Section>::const_iterator section,
+bool SchemaIniFile::IsHiddenBefore(Sections::const_iterator section,
                                    std::u16string_view name) const noexcept {
-  const auto endsInHeader = [&](std::u16string_view line) {
-    const std::size_t bracket = line.find(u'[');
-    return bracket != std::u16string_view::npos && IsHeaderOf(line.substr(bracket), name);
-  };
-  return std::any_of(sections_.begin(), section, [&](const Section& before) {
-    return std::any_of(before.lines.begin(), before.lines.end(), endsInHeader);
+  return std::any_of(text_.sections.cbegin(), section, [&](const SchemaIniSection& before) {
+    return std::any_of(
+        before.sources.begin(), before.sources.end(),
+        [&](const SchemaIniSource& source) { return IsHeaderOf(source.innerHeader, name); });
   });
+}
+
+// `lines` as a section, with the bytes of those that `old` has. Fails when text would go that
+// nobody could see.
+SchemaIniSection SchemaIniFile::Rewritten(const SchemaIniSection& old,
+                                          const SectionLines& lines) const {
+  SchemaIniSection asked{old.header, old.headerSource, {}, {}};
+  for (const std::u16string& line : lines) asked.Append(line);
+  std::multimap<std::u16string_view, std::size_t> places;
+  for (std::size_t i = 0; i < old.lines.size(); ++i) places.emplace(old.lines[i], i);
+  for (std::size_t i = 0; i < asked.lines.size(); ++i) {
+    const auto place = places.lower_bound(asked.lines[i]);
+    if (place == places.end() || place->first != asked.lines[i]) continue;
+    asked.sources[i] = old.sources[place->second];
+    places.erase(place);
+  }
+  for (const auto& [text, place] : places)
+    if (!text_.TellsAll(text, old.sources[place])) Fail(kTextWouldBeLost);
+  return asked;
 }
 
 void SchemaIniFile::Replace(std::u16string_view name, SectionLines lines) {
   if (!FitsHeader(name)) Fail(kNameNotText);
-  std::u16string header = HeaderLine(name);
-  const auto isNamed = [&](const Section& section) { return IsHeaderOf(section.header, name); };
-  const auto found = std::find_if(sections_.begin(), sections_.end(), isNamed);
+  Sections& sections = text_.sections;
+  const auto found = Locate(name);
   if (IsHiddenBefore(found, name)) Fail(kSectionHidden);
-  if (found == sections_.end()) {
-    sections_.push_back({std::move(header), std::move(lines)});
+  if (found == sections.end()) {
+    SchemaIniSection added;
+    added.header = HeaderLine(name);
+    for (const std::u16string& line : lines) added.Append(line);
+    sections.push_back(std::move(added));
     return;
   }
-  found->lines = std::move(lines);
-  sections_.erase(std::remove_if(found + 1, sections_.end(), isNamed), sections_.end());
+  *found = Rewritten(*found, lines);
+  sections.erase(std::remove_if(found + 1, sections.end(),
+                                [&](const SchemaIniSection& section) {
+                                  return IsHeaderOf(section.header, name);
+                                }),
+                 sections.end());
 }
 
 void SchemaIniFile::Duplicate(std::u16string_view name, std::u16string_view newName) {
   if (!FitsHeader(newName)) Fail(kNameNotText);
-  const auto found = std::find_if(sections_.begin(), sections_.end(), [&](const Section& section) {
-    return IsHeaderOf(section.header, name);
-  });
-  if (found == sections_.end()) return;
+  const auto found = Locate(name);
+  if (found == text_.sections.end()) return;
   if (IsHiddenBefore(found + 1, newName)) Fail(kSectionHidden);
-  Section copy{HeaderLine(newName), found->lines};
-  sections_.insert(found + 1, std::move(copy));
+  SchemaIniSection copy = *found;
+  copy.header = HeaderLine(newName);
+  copy.headerSource = {};
+  text_.sections.insert(found + 1, std::move(copy));
 }
 
 void SchemaIniFile::Remove(std::u16string_view name) {
-  std::erase_if(sections_,
-                [&](const Section& section) { return IsHeaderOf(section.header, name); });
+  std::erase_if(text_.sections,
+                [&](const SchemaIniSection& section) { return IsHeaderOf(section.header, name); });
 }
 
 void SchemaIniFile::Rename(std::u16string_view name, std::u16string_view newName) {
   if (!FitsHeader(newName)) Fail(kNameNotText);
-  for (auto section = sections_.begin(); section != sections_.end(); ++section) {
+  for (auto section = text_.sections.begin(); section != text_.sections.end(); ++section) {
     if (!IsHeaderOf(section->header, name)) continue;
     if (IsHiddenBefore(section, newName)) Fail(kSectionHidden);
+    if (!text_.TellsAll(section->header, section->headerSource)) Fail(kTextWouldBeLost);
     section->header = HeaderLine(newName);
+    section->headerSource = {};
   }
-}
-
-std::string SchemaIniFile::Bytes() const {
-  std::u16string text;
-  for (const Section& section : sections_) {
-    if (!section.header.empty()) (text += section.header) += u'\n';
-    for (const std::u16string& line : section.lines) (text += line) += u'\n';
-  }
-  std::string bytes = hadMark_ ? "\xEF\xBB\xBF" : "";
-  AppendUtf8(text, bytes);
-  return bytes;
 }
 
 void SchemaIniFile::Save() {
-  if (!temporary_.Write(Bytes())) Fail(exists_ ? kCouldNotWriteTemporary : kCouldNotWrite);
+  std::string bytes;
+  if (!text_.Compose(bytes)) Fail(kNotInItsEncoding);
+  if (!temporary_.Write(bytes)) Fail(exists_ ? kCouldNotWriteTemporary : kCouldNotWrite);
   if (!temporary_.Replace(NativeFromFileName(paths_.schemaIni)))
     Fail(exists_ ? kCouldNotWrite : kCouldNotCreate);
 }

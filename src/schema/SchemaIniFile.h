@@ -6,17 +6,18 @@
 //
 // The new file is finished under its temporary name and takes the old one's place in one rename,
 // so that schema.ini is never seen half written. While an object of this class lives, no other
-// writer, of this process or another, changes the folder's schema.ini. Sections keep their order
-// and their lines; blank lines go.
+// writer, of this process or another, changes the folder's schema.ini. Sections keep their order,
+// and lines that are not changed keep their bytes; blank lines go and line ends become LF. New
+// lines are written in the encoding of the file, a new file in UTF-8.
 #pragma once
 
-#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "platform/ExclusiveFile.h"
 #include "schema/SchemaIniPaths.h"
+#include "schema/SchemaIniText.h"
 
 namespace TextFile {
 
@@ -24,9 +25,6 @@ namespace TextFile {
 struct SchemaIniFailure {
   std::u16string reason;
 };
-
-// The lines between one header line and the next, without blank ones.
-using SectionLines = std::vector<std::u16string>;
 
 class SchemaIniFile {
  public:
@@ -41,9 +39,15 @@ class SchemaIniFile {
   // pointer lives until the next change.
   const SectionLines* Find(std::u16string_view name) const noexcept;
 
+  // Whether the section's lines, as Find answers them, tell all that stands in the file: not so
+  // when bytes have no meaning in its encoding, or text stands behind a zero byte. True when there
+  // is no such section.
+  bool TellsAll(std::u16string_view name) const;
+
   // Puts `lines` in place of the section's, whose header line stays as it was found and whose
-  // duplicates go; appends the section when there is none. Throws SchemaIniFailure when the reader
-  // takes something else for the section.
+  // duplicates go; appends the section when there is none. A line that the section had already
+  // keeps its bytes. Throws SchemaIniFailure when the reader takes something else for the section,
+  // or when a line goes whose text does not tell all that it holds.
   void Replace(std::u16string_view name, SectionLines lines);
 
   // Puts a section `newName` with the lines of `name` behind it. Nothing happens when there is no
@@ -57,25 +61,22 @@ class SchemaIniFile {
   // as Replace does; some sections may have the new header then.
   void Rename(std::u16string_view name, std::u16string_view newName);
 
-  // Writes the sections back. Throws SchemaIniFailure; schema.ini is then as it was.
+  // Writes the sections back. Throws SchemaIniFailure, also when the file's encoding cannot hold
+  // the new lines or when text stands behind its end (a byte 1A); schema.ini is then as it was.
   void Save();
 
  private:
-  struct Section {
-    std::u16string header;  // "[name]"; empty for the lines before the first header
-    SectionLines lines;
-  };
+  using Sections = std::vector<SchemaIniSection>;
 
-  bool IsHiddenBefore(std::vector<Section>::const_iterator section,
-                      std::u16string_view name) const noexcept;
+  Sections::iterator Locate(std::u16string_view name) noexcept;
+  bool IsHiddenBefore(Sections::const_iterator section, std::u16string_view name) const noexcept;
+  SchemaIniSection Rewritten(const SchemaIniSection& old, const SectionLines& lines) const;
   void Read();
-  std::string Bytes() const;
 
   const SchemaIniPaths paths_;
   ExclusiveFile temporary_;
-  std::vector<Section> sections_;
+  SchemaIniText text_;
   bool exists_ = false;
-  bool hadMark_ = false;  // the file began with a byte-order mark
 };
 
 }  // namespace TextFile
