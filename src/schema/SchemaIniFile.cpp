@@ -4,10 +4,11 @@
 #include <boost/filesystem.hpp>
 #include <fstream>
 #include <iterator>
+#include <map>
 #include <utility>
 
 #include "host/DataCore/DataCoreUtil.h"
-#include "reading/TextLineStream.h"
+#include "platform/FileNames.h"
 #include "schema/TableNames.h"
 #include "schema/Utf8.h"
 
@@ -23,6 +24,10 @@ constexpr std::u16string_view kCouldNotWriteTemporary = u"Could not write to tem
 constexpr std::u16string_view kCouldNotRead = u"Could not read schema.ini.";
 constexpr std::u16string_view kSectionHidden =
     u"Another line of schema.ini is taken for the section's header.";
+constexpr std::u16string_view kTextWouldBeLost =
+    u"Text of schema.ini that its encoding does not show would be lost.";
+constexpr std::u16string_view kNotInItsEncoding =
+    u"What is new cannot be written to schema.ini so that all of it reads back.";
 constexpr std::u16string_view kNameNotText = u"The file's name cannot be written to schema.ini.";
 
 std::u16string HeaderLine(std::u16string_view name) { return u'[' + std::u16string(name) + u']'; }
@@ -59,15 +64,6 @@ bool IsAnotherFile(std::u16string_view folder, std::u16string_view spelling,
   return isListed && (nameIsListed || !IsFile(folder, name));
 }
 
-// Nothing when the file cannot be read.
-std::optional<std::string> BytesOf(const std::u16string& path) {
-  const fs::path native(NativeFromFileName(path));
-  std::ifstream stream(native.c_str(), std::ios::binary);
-  std::string bytes{std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
-  if (!stream.is_open() || stream.bad()) return std::nullopt;
-  return bytes;
-}
-
 // Whether a file's name can stand in a header line and be read back.
 bool FitsHeader(std::u16string_view name) noexcept {
   constexpr std::u16string_view kUnreadable(u"\0\n\x1A", 3);
@@ -76,6 +72,42 @@ bool FitsHeader(std::u16string_view name) noexcept {
 
 [[noreturn]] void Fail(std::u16string_view reason) {
   throw SchemaIniFailure{std::u16string(reason)};
+}
+
+// Regular files only, as the line reader has it. A file that breaks off is not to be rewritten.
+bool ReadWhole(const NativeFileName& path, std::string& bytes) {
+  boost::system::error_code ignored;
+  if (!fs::is_regular_file(fs::path(path), ignored)) return false;
+  std::filebuf file;
+  if (file.open(fs::path(path).c_str(), std::ios::in | std::ios::binary) == nullptr) return false;
+  constexpr std::size_t kBlockBytes = 64 * 1024;
+  std::string block(kBlockBytes, '\0');
+  try {
+    for (;;) {
+      const std::streamsize count = file.sgetn(block.data(), kBlockBytes);
+      if (count <= 0) return true;
+      bytes.append(block, 0, static_cast<std::size_t>(count));
+    }
+  } catch (const std::ios_base::failure&) {
+    return false;
+  }
+}
+
+SchemaIniSection NewSection(std::u16string_view name, const SectionLines& lines) {
+  SchemaIniSection section;
+  section.header = HeaderLine(name);
+  for (const std::u16string& line : lines) section.Append(line);
+  return section;
+}
+
+SchemaIniSection WithHeader(SchemaIniSection section, std::u16string_view name) {
+  section.header = HeaderLine(name);
+  section.headerSource = {};
+  return section;
+}
+
+bool IsSame(const SchemaIniSection& section, const SchemaIniSection& other) {
+  return section.header == other.header && section.lines == other.lines;
 }
 
 }  // namespace
@@ -88,55 +120,43 @@ SchemaIniFile::SchemaIniFile(SchemaIniPaths paths, Access access) : paths_(std::
   if (access == Access::kWrite && !temporary_.Open(NativeFromFileName(paths_.temporary)))
     Fail(exists_ ? kCouldNotWriteTemporary : kCouldNotCreate);
   exists_ = fs::exists(fs::symlink_status(native, ignored));
-  sections_.emplace_back();
   if (!exists_) return;
   try {
     Read();
   } catch (const SchemaIniFailure&) {
     if (access == Access::kRead) throw;
+    text_ = SchemaIniText();
     isRead_ = false;
   }
 }
 
 void SchemaIniFile::Read() {
-  TextLineStream stream;
-  if (!stream.Open(paths_.schemaIni, TextLineStream::kPlainLines)) Fail(kCouldNotRead);
-  const TextEncoding encoding = stream.encoding();
-  if (encoding == TextEncoding::kUtf16BE || encoding == TextEncoding::kUtf32LE ||
-      encoding == TextEncoding::kUtf32BE)
+  std::string bytes;
+  if (!ReadWhole(NativeFromFileName(paths_.schemaIni), bytes) || !text_.Parse(bytes))
     Fail(kCouldNotRead);
-  hadMark_ = encoding != TextEncoding::kUndetermined;
-  std::u16string line;
-  while (stream.ReadLine(line)) {
-    if (line.starts_with(u'['))
-      sections_.push_back({line, {}});
-    else if (!line.empty())
-      sections_.back().lines.push_back(line);
-  }
 }
 
 const SectionLines* SchemaIniFile::Find(std::u16string_view name) const noexcept {
-  const auto found = std::find_if(sections_.begin(), sections_.end(), [&](const Section& section) {
-    return IsHeaderOf(section.header, name);
-  });
-  return found == sections_.end() ? nullptr : &found->lines;
+  const auto found = std::find_if(
+      text_.sections.begin(), text_.sections.end(),
+      [&](const SchemaIniSection& section) { return IsHeaderOf(section.header, name); });
+  return found == text_.sections.end() ? nullptr : &found->lines;
 }
 
-bool SchemaIniFile::IsOwn(const Section& section, std::u16string_view name) const {
-  return IsHeaderOf(section.header, name) &&
-         !IsAnotherFile(FolderOf(paths_.schemaIni), NameIn(section.header), name);
-}
-
-std::vector<std::size_t> SchemaIniFile::SectionsOf(std::u16string_view name) const {
-  std::vector<std::size_t> own;
-  for (std::size_t i = 0; i < sections_.size(); ++i)
-    if (IsOwn(sections_[i], name)) own.push_back(i);
+SchemaIniFile::Places SchemaIniFile::PlacesOf(std::u16string_view name) const {
+  Places own;
+  for (std::size_t i = 0; i < text_.sections.size(); ++i) {
+    const std::u16string& header = text_.sections[i].header;
+    if (IsHeaderOf(header, name) &&
+        !IsAnotherFile(FolderOf(paths_.schemaIni), NameIn(header), name))
+      own.push_back(i);
+  }
   return own;
 }
 
 const SectionLines* SchemaIniFile::FindOwn(std::u16string_view name) const {
-  const std::vector<std::size_t> own = SectionsOf(name);
-  return own.empty() ? nullptr : &sections_[own.front()].lines;
+  const Places own = PlacesOf(name);
+  return own.empty() ? nullptr : &text_.sections[own.front()].lines;
 }
 
 bool SchemaIniFile::ReadsAnothers(std::u16string_view name) const {
@@ -144,101 +164,141 @@ bool SchemaIniFile::ReadsAnothers(std::u16string_view name) const {
   return found != nullptr && found != FindOwn(name);
 }
 
+bool SchemaIniFile::TellsAll(std::u16string_view name) const {
+  const Places own = PlacesOf(name);
+  if (own.empty()) return true;
+  const SchemaIniSection& section = text_.sections[own.front()];
+  for (std::size_t i = 0; i < section.lines.size(); ++i)
+    if (!text_.TellsAll(section.lines[i], section.sources[i])) return false;
+  return true;
+}
+
 // Whether the reader takes the end of another line for the section's header, as in "; [a.csv]":
 // then the section's own lines do not describe the file, and replacing them would lose them.
-bool SchemaIniFile::IsHiddenBefore(std::size_t section, std::u16string_view name) const noexcept {
-  const auto endsInHeader = [&](std::u16string_view line) {
-    const std::size_t bracket = line.find(u'[');
-    return bracket != std::u16string_view::npos && IsHeaderOf(line.substr(bracket), name);
-  };
-  const auto end = sections_.begin() + static_cast<std::ptrdiff_t>(section);
-  return std::any_of(sections_.begin(), end, [&](const Section& before) {
-    return std::any_of(before.lines.begin(), before.lines.end(), endsInHeader);
+bool SchemaIniFile::IsHiddenBefore(std::size_t place, std::u16string_view name) const noexcept {
+  const auto end = text_.sections.cbegin() + static_cast<std::ptrdiff_t>(place);
+  return std::any_of(text_.sections.cbegin(), end, [&](const SchemaIniSection& before) {
+    return std::any_of(
+        before.sources.begin(), before.sources.end(),
+        [&](const SchemaIniSource& source) { return IsHeaderOf(source.innerHeader, name); });
   });
 }
 
-void SchemaIniFile::Replace(std::u16string_view name, SectionLines lines) {
+// `lines` as a section, with the bytes of those that `old` has. Fails when text would go that
+// nobody could see.
+SchemaIniSection SchemaIniFile::Rewritten(const SchemaIniSection& old,
+                                          const SectionLines& lines) const {
+  SchemaIniSection asked{old.header, old.headerSource, {}, {}};
+  for (const std::u16string& line : lines) asked.Append(line);
+  std::multimap<std::u16string_view, std::size_t> places;
+  for (std::size_t i = 0; i < old.lines.size(); ++i) places.emplace(old.lines[i], i);
+  for (std::size_t i = 0; i < asked.lines.size(); ++i) {
+    const auto place = places.lower_bound(asked.lines[i]);
+    if (place == places.end() || place->first != asked.lines[i]) continue;
+    asked.sources[i] = old.sources[place->second];
+    places.erase(place);
+  }
+  for (const auto& [text, place] : places)
+    if (!text_.TellsAll(text, old.sources[place])) Fail(kTextWouldBeLost);
+  return asked;
+}
+
+// The last one first, so that the places of the others hold.
+void SchemaIniFile::Erase(std::span<const std::size_t> places) {
+  for (std::size_t i = places.size(); i-- > 0;) text_.sections.erase(At(places[i]));
+}
+
+void SchemaIniFile::Replace(std::u16string_view name, const SectionLines& lines) {
   if (!FitsHeader(name)) Fail(kNameNotText);
-  const std::vector<std::size_t> own = SectionsOf(name);
-  if (IsHiddenBefore(own.empty() ? sections_.size() : own.front(), name)) Fail(kSectionHidden);
+  const Places own = PlacesOf(name);
+  if (IsHiddenBefore(own.empty() ? text_.sections.size() : own.front(), name)) Fail(kSectionHidden);
   if (own.empty()) {
-    sections_.push_back({HeaderLine(name), std::move(lines)});
+    text_.sections.push_back(NewSection(name, lines));
     return;
   }
-  sections_[own.front()].lines = std::move(lines);
-  for (std::size_t i = own.size(); i-- > 1;)
-    sections_.erase(sections_.begin() + static_cast<std::ptrdiff_t>(own[i]));
+  text_.sections[own.front()] = Rewritten(text_.sections[own.front()], lines);
+  Erase(std::span(own).subspan(1));
 }
 
 SchemaIniFile::Change SchemaIniFile::Insert(std::u16string_view newName,
                                             const SectionLines& lines) {
+  return InsertSection(newName, NewSection(newName, lines));
+}
+
+SchemaIniFile::Change SchemaIniFile::InsertCopy(std::u16string_view name,
+                                                std::u16string_view newName) {
+  const Places own = PlacesOf(name);
+  if (own.empty()) return {};
+  return InsertSection(newName, WithHeader(text_.sections[own.front()], newName));
+}
+
+SchemaIniFile::Change SchemaIniFile::InsertSection(std::u16string_view newName,
+                                                   SchemaIniSection section) {
   if (!FitsHeader(newName)) Fail(kNameNotText);
-  const std::vector<std::size_t> own = SectionsOf(newName);
-  const std::size_t place = own.empty() ? sections_.size() : own.front();
+  const Places own = PlacesOf(newName);
+  const std::size_t place = own.empty() ? text_.sections.size() : own.front();
   if (IsHiddenBefore(place, newName)) Fail(kSectionHidden);
-  if (!own.empty() && sections_[place].lines == lines) return {};
-  sections_.insert(sections_.begin() + static_cast<std::ptrdiff_t>(place),
-                   {HeaderLine(newName), lines});
+  if (!own.empty() && text_.sections[place].lines == section.lines) return {};
+  text_.sections.insert(At(place), std::move(section));
   return {true, !own.empty()};
 }
 
 SchemaIniFile::Change SchemaIniFile::Duplicate(std::u16string_view name,
                                                std::u16string_view newName) {
-  const std::vector<std::size_t> own = SectionsOf(name);
+  Places own = PlacesOf(name);
   if (own.empty()) return {};
   if (!FitsHeader(newName)) Fail(kNameNotText);
   if (IsHiddenBefore(own.front() + 1, newName)) Fail(kSectionHidden);
-  const std::vector<std::size_t> others = SectionsOf(newName);
-  std::vector<Section> moved;
-  for (const std::size_t other : others)
-    if (other < own.front()) moved.push_back(std::move(sections_[other]));
-  for (std::size_t i = moved.size(); i-- > 0;)
-    sections_.erase(sections_.begin() + static_cast<std::ptrdiff_t>(others[i]));
+  Places others = PlacesOf(newName);
+  const std::size_t count = others.size();
+  others.erase(std::lower_bound(others.begin(), others.end(), own.front()), others.end());
+  std::vector<SchemaIniSection> moved;
+  for (const std::size_t other : others) moved.push_back(std::move(text_.sections[other]));
+  Erase(others);
 
-  auto behind = sections_.begin() + static_cast<std::ptrdiff_t>(own.front() - moved.size() + 1);
-  Section copy{HeaderLine(newName), (behind - 1)->lines};
-  const bool stands = behind != sections_.end() && *behind == copy;
-  if (!stands) behind = sections_.insert(behind, std::move(copy));
-  const bool made = !stands || !moved.empty();
-  sections_.insert(behind + 1, std::make_move_iterator(moved.begin()),
-                   std::make_move_iterator(moved.end()));
-  return {made, others.size() > (stands ? 1u : 0u)};
+  std::size_t behind = own.front() - moved.size() + 1;
+  SchemaIniSection copy = WithHeader(text_.sections[behind - 1], newName);
+  const bool stands = behind < text_.sections.size() && IsSame(text_.sections[behind], copy);
+  if (!stands) text_.sections.insert(At(behind), std::move(copy));
+  text_.sections.insert(At(behind + 1), std::make_move_iterator(moved.begin()),
+                        std::make_move_iterator(moved.end()));
+  return {!stands || !moved.empty(), count > (stands ? 1u : 0u)};
 }
 
 bool SchemaIniFile::Remove(std::u16string_view name) {
-  const std::vector<std::size_t> own = SectionsOf(name);
-  for (std::size_t i = own.size(); i-- > 0;)
-    sections_.erase(sections_.begin() + static_cast<std::ptrdiff_t>(own[i]));
+  const Places own = PlacesOf(name);
+  Erase(own);
   return !own.empty();
 }
 
 bool SchemaIniFile::Rename(std::u16string_view name, std::u16string_view newName) {
-  const std::vector<std::size_t> own = SectionsOf(name);
+  const Places own = PlacesOf(name);
   if (own.empty()) return false;
   if (!FitsHeader(newName)) Fail(kNameNotText);
   if (IsHiddenBefore(own.front(), newName)) Fail(kSectionHidden);
+  for (const std::size_t place : own) {
+    SchemaIniSection& section = text_.sections[place];
+    if (!text_.TellsAll(section.header, section.headerSource)) Fail(kTextWouldBeLost);
+    section.header = HeaderLine(newName);
+    section.headerSource = {};
+  }
+  // What Duplicate has put there, now or in a renaming that was ended half-way, is the same.
   const std::size_t next = own.front() + 1;
   const bool nextIsOwn = own.size() > 1 && own[1] == next;
-  for (const std::size_t section : own) sections_[section].header = HeaderLine(newName);
-  // What a renaming that was ended half-way has left is the same as well.
-  if (!nextIsOwn && next < sections_.size() && sections_[next] == sections_[own.front()])
-    sections_.erase(sections_.begin() + static_cast<std::ptrdiff_t>(next));
+  if (!nextIsOwn && next < text_.sections.size() &&
+      IsSame(text_.sections[next], text_.sections[own.front()]))
+    text_.sections.erase(At(next));
   return true;
 }
 
 std::string SchemaIniFile::Bytes() const {
-  std::u16string text;
-  for (const Section& section : sections_) {
-    if (!section.header.empty()) (text += section.header) += u'\n';
-    for (const std::u16string& line : section.lines) (text += line) += u'\n';
-  }
-  std::string bytes = hadMark_ ? "\xEF\xBB\xBF" : "";
-  AppendUtf8(text, bytes);
+  if (!isRead_) Fail(kCouldNotRead);
+  std::string bytes;
+  if (!text_.Compose(bytes)) Fail(kNotInItsEncoding);
   return bytes;
 }
 
 void SchemaIniFile::Save() {
-  if (!isRead_) Fail(kCouldNotRead);
   if (!temporary_.Write(Bytes())) Fail(exists_ ? kCouldNotWriteTemporary : kCouldNotWrite);
   if (!temporary_.Replace(NativeFromFileName(paths_.schemaIni)))
     Fail(exists_ ? kCouldNotWrite : kCouldNotCreate);
@@ -254,19 +314,20 @@ bool SchemaIniFile::PutInPlace(std::string_view bytes) {
 }
 
 void SchemaIniFile::SaveAndHold() {
-  if (!isRead_) Fail(kCouldNotRead);
-  if (!written_.has_value() && exists_) {
-    before_ = BytesOf(paths_.schemaIni);
-    if (!before_.has_value()) Fail(kCouldNotRead);
-  }
   std::string bytes = Bytes();
+  if (!written_.has_value() && exists_ &&
+      !ReadWhole(NativeFromFileName(paths_.schemaIni), before_.emplace()))
+    Fail(kCouldNotRead);
   if (!PutInPlace(bytes)) Fail(exists_ ? kCouldNotWriteTemporary : kCouldNotCreate);
   written_ = std::move(bytes);
   exists_ = true;
 }
 
 void SchemaIniFile::Restore() noexcept try {
-  if (!written_.has_value() || BytesOf(paths_.schemaIni) != written_) return;
+  std::string found;
+  if (!written_.has_value() || !ReadWhole(NativeFromFileName(paths_.schemaIni), found) ||
+      found != *written_)
+    return;
   if (before_.has_value()) {
     PutInPlace(*before_);
   } else {

@@ -8,7 +8,9 @@
 // that schema.ini is never seen half written. From its making for writing until Save an object of
 // this class is the only writer of the folder's schema.ini, in this process and in others.
 // Operations on tables hold one all the time, their files' moves included, and so come one after
-// another. Sections keep their order and their lines; blank lines go.
+// another. Sections keep their order, and lines that are not changed keep their bytes; blank lines
+// go and line ends become LF. New lines are written in the encoding of the file, a new file in
+// UTF-8.
 //
 // A section is a file's when its header is the file's name, compared without regard to case.
 // Where the file system tells letter case, one whose header is spelled exactly as another file of
@@ -18,12 +20,14 @@
 
 #include <cstddef>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "platform/ExclusiveFile.h"
 #include "schema/SchemaIniPaths.h"
+#include "schema/SchemaIniText.h"
 
 namespace TextFile {
 
@@ -31,9 +35,6 @@ namespace TextFile {
 struct SchemaIniFailure {
   std::u16string reason;
 };
-
-// The lines between one header line and the next, without blank ones.
-using SectionLines = std::vector<std::u16string>;
 
 class SchemaIniFile {
  public:
@@ -57,17 +58,26 @@ class SchemaIniFile {
   // The first section that is the file's own; null when there is none.
   const SectionLines* FindOwn(std::u16string_view name) const;
 
+  // Whether that section's lines tell all that stands in the file: not so when bytes have no
+  // meaning in its encoding, or text stands behind a zero byte. True when there is no such section.
+  bool TellsAll(std::u16string_view name) const;
+
   // Whether reading takes a section of another file for that name.
   bool ReadsAnothers(std::u16string_view name) const;
 
   // Puts `lines` in place of the section's, whose header line stays as it was found and whose
-  // duplicates go; appends the section when there is none. Throws SchemaIniFailure when the reader
-  // takes something else for the section.
-  void Replace(std::u16string_view name, SectionLines lines);
+  // duplicates go; appends the section when there is none. A line that the section had already
+  // keeps its bytes. Throws SchemaIniFailure when the reader takes something else for the section,
+  // or when a line goes whose text does not tell all that it holds.
+  void Replace(std::u16string_view name, const SectionLines& lines);
 
   // Puts a section `newName` in front of those of that name, or behind all others; one with the
   // same lines that is the first already is left as it is. Throws SchemaIniFailure as Replace does.
   Change Insert(std::u16string_view newName, const SectionLines& lines);
+
+  // The same with the lines of `name`, and their bytes. Nothing happens when there is no section
+  // `name`.
+  Change InsertCopy(std::u16string_view name, std::u16string_view newName);
 
   // Puts a section `newName` with the lines of `name` behind it, unless that stands there already,
   // and behind that one those of the new name that stood in front of it. Nothing happens when there
@@ -81,8 +91,9 @@ class SchemaIniFile {
   // behind the first one goes. False when there is none. Throws SchemaIniFailure as Replace does.
   bool Rename(std::u16string_view name, std::u16string_view newName);
 
-  // Writes the sections back, and lets other writers in. Throws SchemaIniFailure; schema.ini is
-  // then as it was.
+  // Writes the sections back, and lets other writers in. Throws SchemaIniFailure, also when the
+  // file's encoding cannot hold the new lines or when text stands behind its end (a byte 1A);
+  // schema.ini is then as it was.
   void Save();
 
   // The same, but other writers still wait.
@@ -93,25 +104,26 @@ class SchemaIniFile {
   void Restore() noexcept;
 
  private:
-  struct Section {
-    std::u16string header;  // "[name]"; empty for the lines before the first header
-    SectionLines lines;
-    friend bool operator==(const Section&, const Section&) = default;
-  };
+  using Places = std::vector<std::size_t>;  // ascending
 
-  std::vector<std::size_t> SectionsOf(std::u16string_view name) const;
-  bool IsOwn(const Section& section, std::u16string_view name) const;
-  bool IsHiddenBefore(std::size_t section, std::u16string_view name) const noexcept;
+  // Which sections are the file's own.
+  Places PlacesOf(std::u16string_view name) const;
+  std::vector<SchemaIniSection>::iterator At(std::size_t place) noexcept {
+    return text_.sections.begin() + static_cast<std::ptrdiff_t>(place);
+  }
+  void Erase(std::span<const std::size_t> places);
+  bool IsHiddenBefore(std::size_t place, std::u16string_view name) const noexcept;
+  SchemaIniSection Rewritten(const SchemaIniSection& old, const SectionLines& lines) const;
+  Change InsertSection(std::u16string_view newName, SchemaIniSection section);
   void Read();
   std::string Bytes() const;
   bool PutInPlace(std::string_view bytes);
 
   const SchemaIniPaths paths_;
   ExclusiveFile temporary_;
-  std::vector<Section> sections_;
+  SchemaIniText text_;
   bool exists_ = false;
   bool isRead_ = true;
-  bool hadMark_ = false;                // the file began with a byte-order mark
   std::optional<std::string> before_;   // of schema.ini, when SaveAndHold has first replaced it
   std::optional<std::string> written_;  // by SaveAndHold
 };

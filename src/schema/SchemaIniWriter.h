@@ -3,7 +3,8 @@
 // WriteSchemaSection answers whether the change was made. When it was not, schema.ini is as it was
 // and `failure` (may be null) says why; nothing is thrown. Whose a section is, SchemaIniFile tells.
 // A schema.ini in an encoding that is not read (UTF-16 with the high byte first, UTF-32) is never
-// rewritten. Files are written as UTF-8, with a byte-order mark only when the old file had a mark.
+// rewritten. Lines that are not changed keep their bytes; new lines are written in the encoding of
+// the file, a new file in UTF-8 without a mark.
 #pragma once
 
 #include <cstdint>

@@ -175,12 +175,29 @@ std::u16string Remark(const SchemaIniFile::Change& change, const TableLocation& 
 
 // Nothing when the schema.ini cannot be read either.
 std::optional<SectionLines> OwnLines(const TableLocation& table) {
+  std::optional<SectionLines> lines;
   try {
     const SchemaIniFile file(SchemaIniPaths(table.folder), SchemaIniFile::Access::kRead);
-    if (const SectionLines* lines = file.FindOwn(table.name)) return *lines;
+    if (const SectionLines* own = file.FindOwn(table.name)) lines = *own;
+    if (file.TellsAll(table.name)) return lines;
   } catch (const SchemaIniFailure&) {
+    return std::nullopt;
   }
-  return std::nullopt;
+  FailTable(SchemaIniPaths(table.folder).schemaIni,
+            u"the section holds text that its encoding does not show");
+}
+
+// Within a folder the lines keep their bytes.
+SchemaIniFile::Change CopySection(const TableLocation& from, const TableLocation& to,
+                                  SchemaIniFile& sections) {
+  boost::system::error_code ignored;
+  const auto folderOf = [](const TableLocation& table) {
+    return table.folder.empty() ? fs::path(".") : NativePath(table.folder);
+  };
+  if (fs::equivalent(folderOf(from), folderOf(to), ignored))
+    return sections.InsertCopy(from.name, to.name);
+  const std::optional<SectionLines> lines = OwnLines(from);
+  return lines.has_value() ? sections.Insert(to.name, *lines) : SchemaIniFile::Change();
 }
 
 // The table has its new name and its section: what is left over is no reason to refuse.
@@ -198,11 +215,9 @@ std::u16string CopyWhenHeld(const TableLocation& from, const TableLocation& to, 
   const bool metadataIsWanted = MetadataIsWanted(from, to);
   Rollback rollback;
   if (metadataIsWanted) CopyMetadata(from, to, rollback);
-  const std::optional<SectionLines> lines = OwnLines(from);
-  // Renaming gives the section away after the file: with the file still there, these were its own.
+  const SchemaIniFile::Change change = CopySection(from, to, sections);
+  // Renaming gives the section away after the file: with the file still there, it was its own.
   copy.RequireSource();
-  SchemaIniFile::Change change;
-  if (lines.has_value()) change = sections.Insert(to.name, *lines);
   rollback.AddRestoration(sections);
   if (change.made) sections.SaveAndHold();
   // The name comes last: whoever sees the table sees all of it.

@@ -155,16 +155,6 @@ TEST_F(SchemaIniFileTest, AMarkIsKeptAndNoneIsAdded) {
   EXPECT_EQ(Text(), "[a.csv]\nA=\xC3\xA9\n");
 }
 
-TEST_F(SchemaIniFileTest, AnsiAndUtf16BecomeUtf8) {
-  SetText("[a.csv]\nA=\xE9\n");
-  SchemaIniFile(Paths(), SchemaIniFile::Access::kWrite).Save();
-  EXPECT_EQ(Text(), "[a.csv]\nA=\xC3\xA9\n");
-  using namespace std::string_view_literals;
-  SetText("\xFF\xFE[\0a\0]\0\n\0A\0=\0\xE9\0\r\0\n\0"sv);
-  SchemaIniFile(Paths(), SchemaIniFile::Access::kWrite).Save();
-  EXPECT_EQ(Text(), "\xEF\xBB\xBF[a]\nA=\xC3\xA9\n");
-}
-
 TEST_F(SchemaIniFileTest, EncodingsThatAreNotReadStayUntouched) {
   using namespace std::string_view_literals;
   for (const std::string_view text :
