@@ -3,27 +3,23 @@
 //   FileHold hold;
 //   if (hold.Take(path) == FileHold::Result::kBusy) ...
 //
-// Whoever adds rows to a table's file has the file itself locked meanwhile, by its descriptor
-// (flock on POSIX systems), and makes sure before that the file still has its name. On Windows the
-// system does as much: a file that is open for writing is neither replaced nor removed there, and
-// nothing has to be held.
+// Whoever adds rows to a table's file has the file itself locked meanwhile (RegularFile), and makes
+// sure that it still has its name. On Windows the system does as much: a file that is open for
+// writing is neither replaced nor removed there, and one that is held could not be either, so that
+// nothing is held.
 #pragma once
 
 #include "platform/FileNames.h"
+#include "platform/RegularFile.h"
 
 class PLATFORM_API FileHold {
  public:
   enum class Result {
     kTaken,
     kMissing,  // there is no such file
-    kBusy,     // somebody has gone on writing to it for ten seconds
+    kBusy,     // somebody has had it locked for ten seconds
     kUnable,   // it is no file, or cannot be opened
   };
-
-  FileHold() = default;
-  ~FileHold();
-  FileHold(const FileHold&) = delete;
-  FileHold& operator=(const FileHold&) = delete;
 
   // Waits until nobody writes to the file. Nobody does until LetGrow.
   Result Take(const NativeFileName& path);
@@ -34,7 +30,5 @@ class PLATFORM_API FileHold {
   void LetGrow();
 
  private:
-#ifndef _WIN32
-  int descriptor_ = -1;
-#endif
+  RegularFile file_;
 };

@@ -1,7 +1,7 @@
 // A small program that does one thing to the tables of a folder, for tests that end it half-way.
 //
 //   writing_faults create FOLDER NAME
-//   writing_faults load FOLDER NAME ROWS
+//   writing_faults load FOLDER NAME ROWS [FIRSTID]
 //   writing_faults copy FOLDER NAME FOLDER NEWNAME
 //   writing_faults rename FOLDER NAME NEWNAME
 //   writing_faults delete FOLDER NAME
@@ -51,11 +51,11 @@ void Create(const TableLocation& table) {
   CreateTableFiles(table, fields);
 }
 
-void Load(const TableLocation& table, LONG rows) {
+void Load(const TableLocation& table, LONG rows, LONG firstId) {
   RowWriter writer(Opened(table));
   bool written = writer.Open();
   for (LONG row = 0; written && row < rows; ++row) {
-    const quenra::Variant id(row);
+    const quenra::Variant id(firstId + row);
     const quenra::Variant name(u"a name that makes the row longer");
     const VARIANT values[] = {id.Get(), name.Get()};
     written = writer.Write(values);
@@ -96,7 +96,8 @@ void Run(const std::vector<std::string>& words) {
   const auto word = [&](std::size_t i) { return ToUtf16(words.at(i)); };
   const TableLocation table{word(1), word(2)};
   if (words[0] == "create") return Create(table);
-  if (words[0] == "load") return Load(table, std::stoi(words.at(3)));
+  if (words[0] == "load")
+    return Load(table, std::stoi(words.at(3)), words.size() > 4 ? std::stoi(words[4]) : 0);
   if (words[0] == "copy") return static_cast<void>(CopyTableFiles(table, {word(3), word(4)}));
   if (words[0] == "rename") return static_cast<void>(RenameTableFiles(table, word(3)));
   if (words[0] == "delete") return DeleteTableFiles(table);

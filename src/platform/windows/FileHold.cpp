@@ -11,8 +11,6 @@ bool IsFile(const NativeFileName& path) {
 
 }  // namespace
 
-FileHold::~FileHold() = default;
-
 FileHold::Result FileHold::Take(const NativeFileName& path) {
   if (IsFile(path)) return Result::kTaken;
   const DWORD error = ::GetLastError();
