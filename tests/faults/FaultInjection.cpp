@@ -4,8 +4,10 @@
 // The environment says which: FAULT_AT=3 is the third such call of the process; with
 // FAULT_MODE=kill the process ends before it is made (exit code 99), with FAULT_MODE=fail it is
 // answered with "no space left on device". A process that ends by itself before its fault has come
-// exits with 42, so that a test knows when it has been through all of them. Definitions in a
-// program take the place of the libraries' own, also for the other libraries.
+// exits with 42, so that a test knows when it has been through all of them. FAULT_DELAY=800 has
+// each call wait for up to 800 microseconds instead, differently in each process, so that processes
+// come in between each other's steps. Definitions in a program take the place of the libraries'
+// own, also for the other libraries.
 #include <dlfcn.h>
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -18,6 +20,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <random>
 
 #define SEEN_BY_LIBRARIES extern "C" __attribute__((visibility("default")))
 
@@ -36,8 +39,16 @@ bool Kills() {
   return value == nullptr || std::strcmp(value, "kill") == 0;
 }
 
+void Delay() {
+  static const char* const value = std::getenv("FAULT_DELAY");
+  if (value == nullptr) return;
+  static std::minstd_rand random(static_cast<unsigned>(::getpid()));
+  ::usleep(static_cast<useconds_t>(random() % std::strtoul(value, nullptr, 10)));
+}
+
 // True when this call is to fail.
 bool Fault() {
+  Delay();
   if (++calls != FaultAt()) return false;
   reached = true;
   if (Kills()) ::_exit(99);
