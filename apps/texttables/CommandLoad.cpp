@@ -1,5 +1,4 @@
 // load.
-#include <filesystem>
 #include <optional>
 #include <unordered_set>
 
@@ -13,7 +12,6 @@
 #include "Progress.h"
 #include "Terminal.h"
 #include "TextEncoding.h"
-#include "platform/FileNames.h"
 
 namespace TextTables {
 
@@ -103,14 +101,11 @@ class Loading {
   std::unordered_set<std::u16string> told_;
 };
 
-// Its own rows would come in again and again, without an end.
-void RequireOtherFile(const std::u16string& source, const TablePath& path) {
-  const auto native = [](const std::u16string& name) {
-    return std::filesystem::path(NativeFromFileName(name));
-  };
-  std::error_code error;
-  if (std::filesystem::equivalent(native(source), native(path.folder) / native(path.name), error))
-    throw UsageError("a table cannot be loaded from its own file, " + FileNameBytes(source));
+// What is added to it would come in again, and a table's text is not what rows are loaded from.
+void RequireOtherFile(const Terminal::Input& input, const CommandLine& line) {
+  if (input.IsFile(line.path))
+    throw UsageError("a table cannot be loaded from its own file, " +
+                     (line.source ? FileNameBytes(*line.source) : "standard input"));
 }
 
 void LoadLines(InputLines& lines, Loading& loading, bool showProgress) {
@@ -129,12 +124,11 @@ void RunLoad(const CommandLine& line, Output&) {
   const TablePath path = SplitTablePath(line.path);
   const bool quiet = line.global.quiet;
   std::optional<Terminal::Input> input;
-  if (line.source) {
-    RequireOtherFile(*line.source, path);
+  if (line.source)
     input.emplace(*line.source);
-  } else {
+  else
     input.emplace();
-  }
+  RequireOtherFile(*input, line);
   InputLines lines(*input);
   const ModuleHost host(line.global);
   const auto dataset = host.OpenTable(path);

@@ -33,6 +33,9 @@ bool StandardErrorIsTerminal();
 // Columns of the terminal behind standard error; 80 when it does not say.
 int Columns();
 
+// Whether standard input, output or error is this regular file, under whatever name.
+bool IsStandardStream(std::u16string_view fileName);
+
 // Writes some of the bytes and answers how many. Throws OutputClosed, Interrupted or a Refusal.
 std::size_t WriteStandardOutput(const char* bytes, std::size_t count);
 
@@ -46,6 +49,9 @@ class Input {
   ~Input();
   Input(const Input&) = delete;
   Input& operator=(const Input&) = delete;
+
+  // Whether it is this regular file, under whatever name.
+  bool IsFile(std::u16string_view fileName) const;
 
   // Fills at most `count` bytes and answers how many; 0 at the end. Throws Interrupted or a
   // Refusal.

@@ -2,6 +2,7 @@
 
 #include <fcntl.h>
 #include <sys/ioctl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -32,6 +33,14 @@ void WriteAll(int file, std::string_view bytes) {
     if (done < 0) return;
     bytes.remove_prefix(static_cast<std::size_t>(done));
   }
+}
+
+bool IsSameFile(int descriptor, std::u16string_view fileName) {
+  struct stat open = {};
+  struct stat named = {};
+  return ::fstat(descriptor, &open) == 0 && S_ISREG(open.st_mode) &&
+         ::stat(NativeFromFileName(fileName).c_str(), &named) == 0 && open.st_dev == named.st_dev &&
+         open.st_ino == named.st_ino;
 }
 
 void EndBySignal(int number) {
@@ -82,6 +91,11 @@ int Columns() {
   return 80;
 }
 
+bool IsStandardStream(std::u16string_view fileName) {
+  return IsSameFile(STDIN_FILENO, fileName) || IsSameFile(STDOUT_FILENO, fileName) ||
+         IsSameFile(STDERR_FILENO, fileName);
+}
+
 std::size_t WriteStandardOutput(const char* bytes, std::size_t count) {
   for (;;) {
     // A write that an interrupt has ended half-way has succeeded as well.
@@ -106,6 +120,8 @@ Input::Input(std::u16string_view fileName)
 Input::~Input() {
   if (owned_) ::close(descriptor_);
 }
+
+bool Input::IsFile(std::u16string_view fileName) const { return IsSameFile(descriptor_, fileName); }
 
 std::size_t Input::Read(char* bytes, std::size_t count) {
   for (;;) {

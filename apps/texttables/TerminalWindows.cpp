@@ -60,6 +60,27 @@ bool IsConsole(DWORD which) {
   return ::GetConsoleMode(::GetStdHandle(which), &mode) != 0;
 }
 
+// The volume and the file on it.
+bool Identify(HANDLE file, BY_HANDLE_FILE_INFORMATION& identity) {
+  return ::GetFileType(file) == FILE_TYPE_DISK && ::GetFileInformationByHandle(file, &identity);
+}
+
+bool IsSameFile(HANDLE file, std::u16string_view fileName) {
+  BY_HANDLE_FILE_INFORMATION open = {};
+  if (!Identify(file, open)) return false;
+  const std::u16string name(fileName);
+  const HANDLE other =
+      ::CreateFileW(AsOle(name.c_str()), 0, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
+                    nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
+  if (other == INVALID_HANDLE_VALUE) return false;
+  BY_HANDLE_FILE_INFORMATION named = {};
+  const bool same =
+      Identify(other, named) && open.dwVolumeSerialNumber == named.dwVolumeSerialNumber &&
+      open.nFileIndexHigh == named.nFileIndexHigh && open.nFileIndexLow == named.nFileIndexLow;
+  ::CloseHandle(other);
+  return same;
+}
+
 }  // namespace
 
 void Prepare() {
@@ -99,6 +120,12 @@ int Columns() {
   return info.srWindow.Right - info.srWindow.Left + 1;
 }
 
+bool IsStandardStream(std::u16string_view fileName) {
+  return IsSameFile(::GetStdHandle(STD_INPUT_HANDLE), fileName) ||
+         IsSameFile(::GetStdHandle(STD_OUTPUT_HANDLE), fileName) ||
+         IsSameFile(::GetStdHandle(STD_ERROR_HANDLE), fileName);
+}
+
 std::size_t WriteStandardOutput(const char* bytes, std::size_t count) {
   DeferInterrupts::Poll();
   DWORD done = 0;
@@ -125,6 +152,8 @@ Input::Input(std::u16string_view fileName)
 Input::~Input() {
   if (owned_) ::CloseHandle(handle_);
 }
+
+bool Input::IsFile(std::u16string_view fileName) const { return IsSameFile(handle_, fileName); }
 
 std::size_t Input::Read(char* bytes, std::size_t count) {
   DeferInterrupts::Poll();

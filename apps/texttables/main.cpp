@@ -3,6 +3,7 @@
 #include <new>
 #include <optional>
 
+#include "CommandFiles.h"
 #include "CommandLine.h"
 #include "Commands.h"
 #include "Diagnostics.h"
@@ -28,6 +29,13 @@ void ApplyHostSettings(const GlobalOptions& options) {
     throw UsageError("there is no code page " + std::to_string(*options.ansiCodePage));
   for (const auto& [name, text] : options.hostOptions)
     quenra::DataCoreUtil::SetOption(name, quenra::Variant(text).Address());
+}
+
+// The log replaces its file, which must be none that the command needs.
+void RequireFreeEventLog(const CommandLine& line) {
+  if (IsOneOf(FilesOf(line), *line.global.eventLogFile))
+    throw UsageError("the event log cannot be " + FileNameBytes(*line.global.eventLogFile) +
+                     ", a file that the command works on");
 }
 
 void RunCommand(const CommandLine& line, Output& output) {
@@ -71,7 +79,10 @@ void Run(std::vector<std::string> arguments) {
   } else {
     ApplyHostSettings(line.global);
     std::optional<EventLogFile> eventLog;
-    if (line.global.eventLogFile) eventLog.emplace(*line.global.eventLogFile);
+    if (line.global.eventLogFile) {
+      RequireFreeEventLog(line);
+      eventLog.emplace(*line.global.eventLogFile);
+    }
     try {
       RunCommand(line, output);
     } catch (const Refusal&) {

@@ -1,4 +1,4 @@
-// Keeps a file from growing while it is replaced, removed or measured.
+// Keeps a file from growing while it is replaced or removed.
 //
 //   FileHold hold;
 //   if (hold.Take(path) == FileHold::Result::kBusy) ...
@@ -21,13 +21,11 @@ class PLATFORM_API FileHold {
     kUnable,   // it is no file, or cannot be opened
   };
 
-  // Waits until nobody writes to the file. Nobody does until LetGrow.
+  // Waits until nobody writes to the file. Nobody does while this object lives.
   Result Take(const NativeFileName& path);
 
-  // Whether the path still leads to the file that was taken, also after LetGrow.
+  // Whether the path still leads to the file that was taken.
   bool IsAt(const NativeFileName& path) const;
-
-  void LetGrow();
 
  private:
   RegularFile file_;

@@ -146,20 +146,22 @@ TextEnd FindTextEnd(const TextDatasetDescription& table, TextEncoding encoding, 
   TextEnd end;
   const bool quoting = !table.options.fixedLength && table.options.textDelimiter != 0;
   std::optional<QuoteStates> quotes;
-  if (!file.Size(end.size)) {
+  std::uint64_t fileSize = 0;
+  if (!file.Size(fileSize)) {
     end.state = TextEnd::State::kNotRead;
   } else if (encoding == TextEncoding::kUtf16LE) {
-    end = FindUtf16End(table, file, end.size);
+    end = FindUtf16End(table, file, fileSize);
   } else {
     // The mark is no text.
     const std::uint64_t front = encoding == TextEncoding::kUtf8 ? kMarkBytes : 0;
     const std::uint64_t begin = std::max(from, front);
     const auto dialect = DialectOf(table, table.options.recordTerminator, encoding);
     if (quoting && dialect.has_value() && dialect->terminator == '\n') quotes.emplace(*dialect);
-    end = FindInBytes(file, quotes, begin, end.size);
+    end = FindInBytes(file, quotes, begin, fileSize);
     if (end.state == TextEnd::State::kTakesRows && end.size > front)
       LookAtLastLine(table, file, end);
   }
+  end.fileSize = fileSize;
   const bool told = quotes.has_value() && quotes->AtEnd() != QuoteStates::End::kUnclear;
   if (end.state == TextEnd::State::kTakesRows && quoting && !told && EndsInQuotes(table))
     end.state = TextEnd::State::kInQuotes;

@@ -22,7 +22,8 @@ struct TextEnd {
   };
 
   State state = State::kTakesRows;
-  std::uint64_t size = 0;  // of the file without the bytes 1A at its end
+  std::uint64_t fileSize = 0;
+  std::uint64_t size = 0;  // without the bytes 1A at the end
   bool endsLine = true;    // or there is no line
 };
 

@@ -239,8 +239,7 @@ class RowWriter::LockedFile {
       return;
     }
     locked_ = true;
-    isTable_ = writer_.file_.IsAt(NativeFromFileName(writer_.table_.path));
-    if (!isTable_) writer_.Fail(u"the file has been removed or replaced meanwhile");
+    isTable_ = writer_.RequireItsName();
   }
   ~LockedFile() {
     if (locked_) writer_.file_.Unlock();
@@ -282,6 +281,11 @@ bool RowWriter::RequireTable() {
   return true;
 }
 
+bool RowWriter::RequireItsName() {
+  return file_.IsAt(NativeFromFileName(table_.path)) ||
+         Fail(u"the file has been removed or replaced meanwhile");
+}
+
 bool RowWriter::Open() {
   if (!FindEncoding()) return false;
   if (!file_.Open(NativeFromFileName(table_.path), RegularFile::Access::kAppend))
@@ -303,7 +307,8 @@ bool RowWriter::LookAtEnd(std::uint64_t from) {
   textEnd_ = FindTextEnd(table_, encoding_, file_, from);
   switch (textEnd_.state) {
     case TextEnd::State::kTakesRows:
-      return file_.Size(end_) || Fail(u"the file cannot be read");
+      end_ = textEnd_.fileSize;
+      return true;
     case TextEnd::State::kInQuotes:
       return Fail(
           u"the last row has a quote that is not closed: what is added would be a part of it");
@@ -482,7 +487,7 @@ RegularFile::Appended RowWriter::WriteRows(std::string_view rows) {
 bool RowWriter::Close() {
   bool written = Flush();
   // Rows of earlier blocks may be in a file that nobody has any more.
-  if (written && hasWritten_) written = LockedFile(*this).IsTable();
+  if (written && hasWritten_) written = RequireItsName();
   file_.Close();
   return written;
 }

@@ -91,6 +91,7 @@ class RowWriter {
   RegularFile::Appended WriteRows(std::string_view rows);
   bool FindEncoding();
   bool RequireTable();
+  bool RequireItsName();
   bool LookAtEnd(std::uint64_t from);
   bool PrepareEnd();
   Way WayOf(const Column& column) const;

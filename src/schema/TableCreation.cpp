@@ -13,6 +13,7 @@
 #include "schema/SchemaIniReader.h"
 #include "schema/SchemaIniWriter.h"
 #include "schema/TableFiles.h"
+#include "schema/TableMetadata.h"
 #include "schema/TableNames.h"
 #include "schema/TableOperation.h"
 #include "schema/TableSchema.h"
@@ -152,6 +153,7 @@ void CreateTableFiles(const TableLocation& table, std::vector<FieldDefinition> f
                       ExistingFile existing) {
   if (const std::u16string_view reason = WhyNotATableName(table.name); !reason.empty())
     FailTable(table.name, reason);
+  RequireNoMetadataName(table);
   const std::u16string path = table.Path();
   RequireFileOrNothing(path);
   // What comes later, while this one waits for others, is somebody's.

@@ -3,8 +3,6 @@
 #include <algorithm>
 #include <boost/filesystem.hpp>
 #include <cstdint>
-#include <fstream>
-#include <iterator>
 #include <optional>
 #include <string>
 #include <utility>
@@ -15,8 +13,10 @@
 #include "platform/ExclusiveFile.h"
 #include "platform/FileHold.h"
 #include "platform/FileNames.h"
+#include "platform/RegularFile.h"
 #include "schema/SchemaIniFile.h"
 #include "schema/SchemaIniPaths.h"
+#include "schema/TableMetadata.h"
 #include "schema/TableNames.h"
 #include "schema/TableOperation.h"
 
@@ -50,13 +50,6 @@ bool IsOnlyAnotherCase(const std::u16string& path, const std::u16string& other) 
          fs::hard_link_count(NativePath(path), ignored) == 1;
 }
 
-bool HaveSameBytes(const std::u16string& path, const std::u16string& other) {
-  std::ifstream first(NativePath(path).c_str(), std::ios::binary);
-  std::ifstream second(NativePath(other).c_str(), std::ios::binary);
-  using Bytes = std::istreambuf_iterator<char>;
-  return first && second && std::equal(Bytes(first), Bytes(), Bytes(second), Bytes());
-}
-
 // Renames a file; something that has the new name stays.
 void Move(const std::u16string& from, const std::u16string& to) {
   const std::error_code error =
@@ -81,7 +74,8 @@ class FinishedCopy {
 
   // Fails when the file that was copied has been renamed, removed or replaced since.
   void RequireSource() const {
-    if (!hold_.IsAt(NativeFromFileName(from_))) FailTable(from_, u"another program has changed it");
+    if (!source_.IsAt(NativeFromFileName(from_)))
+      FailTable(from_, u"another program has changed it");
   }
 
   // Fails when something has the name.
@@ -94,46 +88,39 @@ class FinishedCopy {
  private:
   // Measures the file while nobody adds rows: it can only grow then, and it may.
   void OpenSource() {
-    const FileHold::Result result = hold_.Take(NativeFromFileName(from_));
-    if (result == FileHold::Result::kBusy) FailTable(from_, u"rows are being added to the table");
-    boost::system::error_code error;
-    size_ = fs::file_size(NativePath(from_), error);
-    if (error ||
-        source_.open(NativePath(from_).c_str(), std::ios::in | std::ios::binary) == nullptr)
+    if (!source_.Open(NativeFromFileName(from_), RegularFile::Access::kRead))
       FailTable(from_, u"the file cannot be read");
-    RequireSource();
-    hold_.LetGrow();
+    if (!source_.Lock()) FailTable(from_, u"rows are being added to the table");
+    const bool isKnown = source_.Size(size_);
+    source_.Unlock();
+    if (!isKnown) FailTable(from_, u"the file cannot be read");
   }
 
   void CopyBytes() {
     std::vector<char> block(kBlockBytes);
-    for (std::uintmax_t left = size_; left > 0;) {
-      std::streamsize count = 0;
-      try {
-        count = source_.sgetn(block.data(), static_cast<std::streamsize>(
-                                                std::min<std::uintmax_t>(left, block.size())));
-      } catch (const std::ios_base::failure&) {
-        FailTable(from_, u"the file cannot be read");
-      }
-      if (count <= 0) return;  // somebody has cut it
+    for (std::uint64_t done = 0; done < size_;) {
+      const auto wanted =
+          static_cast<std::size_t>(std::min<std::uint64_t>(size_ - done, block.size()));
+      const std::ptrdiff_t count = source_.ReadAt(done, block.data(), wanted);
+      if (count < 0) FailTable(from_, u"the file cannot be read");
+      if (count == 0) return;  // somebody has cut it
       if (!file_.Write({block.data(), static_cast<std::size_t>(count)}))
         FailTable(to_, file_.error());
-      left -= static_cast<std::uintmax_t>(count);
+      done += static_cast<std::uint64_t>(count);
     }
   }
 
   std::u16string from_;
   std::u16string to_;
-  std::filebuf source_;
-  std::uintmax_t size_ = 0;
-  FileHold hold_;
+  RegularFile source_;
+  std::uint64_t size_ = 0;
   ExclusiveFile file_;
 };
 
 // Whether the metadata file has to be made. One that is the same already is what an operation that
 // was ended half-way has left; any other is somebody's.
 bool MetadataIsWanted(const TableLocation& from, const TableLocation& to) {
-  if (!HasName(from.MetadataPath())) return false;
+  if (!HasMetadata(from)) return false;
   if (!HasName(to.MetadataPath())) return true;
   if (!HaveSameBytes(from.MetadataPath(), to.MetadataPath())) FailBecauseTaken(to.MetadataPath());
   return false;
@@ -244,23 +231,11 @@ std::u16string RenameWhenHeld(const TableLocation& table, const TableLocation& r
   if (metadataIsWanted) LinkMetadata(table, renamed, rollback);
   Move(table.Path(), renamed.Path());
   rollback.AddReturn(renamed.Path(), table.Path());
-  if (isCase && HasName(table.MetadataPath())) Move(table.MetadataPath(), renamed.MetadataPath());
+  if (isCase && HasMetadata(table)) Move(table.MetadataPath(), renamed.MetadataPath());
   rollback.Commit();
-  if (!isCase && HasName(table.MetadataPath())) RemoveLeftover(table.MetadataPath());
+  if (!isCase && HasMetadata(table)) RemoveLeftover(table.MetadataPath());
   if (settles) SaveLast(sections, renamed);
   return Remark(change, renamed);
-}
-
-// Sets a file aside, which can be taken back when something else cannot be removed.
-std::u16string SetAside(const TableLocation& table, const std::u16string& name,
-                        Rollback& rollback) {
-  const std::u16string path = JoinPath(table.folder, name);
-  std::u16string aside = JoinPath(table.folder, TemporaryNameOf(name, u".old"));
-  boost::system::error_code error;
-  fs::rename(NativePath(path), NativePath(aside), error);
-  if (error) FailTable(path, std::error_code(error.value(), std::system_category()));
-  rollback.AddReturn(aside, path);
-  return aside;
 }
 
 }  // namespace
@@ -270,6 +245,7 @@ std::u16string TableLocation::MetadataPath() const { return Path() + u".xml"; }
 
 std::u16string CopyTableFiles(const TableLocation& from, const TableLocation& to) {
   RequireName(to.name);
+  RequireNoMetadataName(to);
   RequireTable(from);
   RequireFree(to.Path());
   // Before others have to wait: a table may be large.
@@ -283,6 +259,7 @@ std::u16string CopyTableFiles(const TableLocation& from, const TableLocation& to
 std::u16string RenameTableFiles(const TableLocation& table, std::u16string_view newName) {
   const TableLocation renamed{table.folder, std::u16string(newName)};
   RequireName(newName);
+  RequireNoMetadataName(renamed);
   RequireTable(table);
   return RunOperation(table.folder, [&] {
     SchemaIniFile sections(SchemaIniPaths(table.folder), SchemaIniFile::Access::kWrite);
@@ -300,9 +277,13 @@ void DeleteTableFiles(const TableLocation& table) {
     RequireTable(table);
     Rollback rollback;
     std::vector<std::u16string> leftovers;
-    leftovers.push_back(SetAside(table, table.name, rollback));
-    if (HasName(table.MetadataPath()))
-      leftovers.push_back(SetAside(table, table.name + u".xml", rollback));
+    // Set aside first, which can be taken back when something else cannot be removed.
+    leftovers.push_back(SetAside(table.folder, table.name));
+    rollback.AddReturn(leftovers.back(), table.Path());
+    if (HasMetadata(table)) {
+      leftovers.push_back(SetAside(table.folder, table.name + u".xml"));
+      rollback.AddReturn(leftovers.back(), table.MetadataPath());
+    }
     rollback.AddRestoration(*sections);
     if (sections->Remove(table.name)) sections->SaveAndHold();
     rollback.Commit();

@@ -189,6 +189,71 @@ TEST_F(EventLogTest, TellsRefusalsAndReplacesTheFile) {
   EXPECT_EQ(Read("log"), "{\"event\":\"error\",\"code\":\"0x80040258\",\"text\":\"nowhere\"}\n");
 }
 
+struct LogCase {
+  std::vector<std::string> words;
+  std::string log;
+};
+
+// The log takes the place of its file, and nothing else may be in it.
+TEST_F(EventLogTest, NoFileOfTheCommandIsReplaced) {
+  const std::string table = "Id\n1\n";
+  const std::string ini = "[a.csv]\nColNameHeader=True\n";
+  Write("a.csv", table);
+  Write("a.csv.xml", "<a/>");
+  Write("rows", "[2]\n");
+  Write("schema.ini", ini);
+  std::filesystem::create_hard_link(Folder() / "a.csv", Folder() / "linked");
+  const LogCase cases[] = {
+      {{"rows", "a.csv"}, "a.csv"},
+      {{"rows", "./a.csv"}, "a.csv"},
+      {{"count", "a.csv"}, "./a.csv"},
+      {{"rows", "linked"}, "a.csv"},
+      {{"rows", "a.csv"}, "linked"},
+      {{"rows", "a.csv"}, "schema.ini"},
+      {{"rows", "a.csv"}, "~scheam.ini"},
+      {{"list", "."}, "schema.ini"},
+      {{"delete", "a.csv"}, "a.csv.xml"},
+      {{"load", "a.csv", "rows"}, "rows"},
+      {{"load", "a.csv", "rows"}, "a.csv"},
+      {{"create", "new.csv"}, "new.csv"},
+      {{"copy", "a.csv", "new.csv"}, "new.csv"},
+      {{"copy", "a.csv", "new.csv"}, "./new.csv.xml"},
+      {{"rename", "a.csv", "new.csv"}, "new.csv"},
+      {{"rename", "a.csv", "new.csv"}, "a.csv"},
+  };
+  for (const LogCase& c : cases) {
+    SCOPED_TRACE(c.words[0] + " " + c.log);
+    std::vector<std::string> words = c.words;
+    words.insert(words.end(), {"--event-log", c.log});
+    ExpectUsageError(Run(words), "the event log cannot be " + c.log);
+    EXPECT_EQ(Read("a.csv"), table);
+    EXPECT_EQ(Read("a.csv.xml"), "<a/>");
+    EXPECT_EQ(Read("rows"), "[2]\n");
+    EXPECT_EQ(Read("schema.ini"), ini);
+    for (const char* name : {"new.csv", "new.csv.xml", "~scheam.ini"})
+      EXPECT_FALSE(std::filesystem::exists(Folder() / name)) << name;
+  }
+}
+
+TEST_F(EventLogTest, NoFileOfTheStandardStreamsIsReplaced) {
+  Write("a.csv", "Id\n1\n");
+  Write("rows", "[2]\n");
+  ProcessRequest load = Request({"load", "a.csv", "--event-log", "rows"});
+  load.inputFile = (Folder() / "rows").string();
+  ExpectUsageError(RunProcess(load), "the event log cannot be rows");
+  EXPECT_EQ(Read("rows"), "[2]\n");
+  ProcessRequest rows = Request({"rows", "a.csv", "--event-log", "out"});
+  rows.outputFile = (Folder() / "out").string();
+  ExpectUsageError(RunProcess(rows), "the event log cannot be out");
+}
+
+TEST_F(EventLogTest, AnyOtherFileIs) {
+  Write("a.csv", "Id\n1\n");
+  Write("b.csv", "Id\n1\n");
+  Output({"count", "a.csv", "--event-log", "b.csv"});
+  EXPECT_NE(Read("b.csv").find("\"begin\""), std::string::npos);
+}
+
 TEST_F(EventLogTest, FileThatCannotBeWrittenIsAWrongCommandLine) {
   ExpectUsageError(Run({"--event-log", "nowhere/log", "locale"}), "nowhere/log");
 }

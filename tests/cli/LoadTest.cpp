@@ -21,6 +21,11 @@ class LoadTest : public TexttablesTest {
           "10\n");
   }
 
+  // How the data source names a file of the current folder.
+  static std::string PathOf(const std::string& name) {
+    return (std::filesystem::path(".") / name).string();
+  }
+
   // Loads these bytes from standard input.
   ProcessResult Load(std::string_view bytes, const std::string& table = "a.csv") const {
     Write("input", bytes);
@@ -419,7 +424,7 @@ TEST_F(LoadTest, RowsThatNobodyWouldReadAreRefused) {
     SCOPED_TRACE(c.reason);
     Write("b.csv", c.bytes);
     ExpectRefused(Load("{}\n", "b.csv"),
-                  "texttables: error: 0x80004005: ./b.csv: " + c.reason + "\n");
+                  "texttables: error: 0x80004005: " + PathOf("b.csv") + ": " + c.reason + "\n");
     EXPECT_EQ(Read("b.csv"), c.bytes);
   }
   Write("b.csv", "");
@@ -428,13 +433,28 @@ TEST_F(LoadTest, RowsThatNobodyWouldReadAreRefused) {
   EXPECT_EQ(Output({"rows", "b.csv", "--format", "jsonl"}), "{\"Name\":\"Ann\"}\n");
 }
 
+TEST_F(LoadTest, ATableIsNotLoadedFromItsOwnFile) {
+  Write("e.txt", "[1]\n[2]\n");
+  std::filesystem::create_hard_link(Folder() / "e.txt", Folder() / "linked");
+  for (const std::string source : {"e.txt", "./e.txt", "linked"})
+    ExpectUsageError(Run({"load", "e.txt", source}),
+                     "a table cannot be loaded from its own file, " + source);
+  for (const std::string input : {"e.txt", "linked"}) {
+    ProcessRequest request = Request({"load", "e.txt"});
+    request.inputFile = (Folder() / input).string();
+    ExpectUsageError(RunProcess(request),
+                     "a table cannot be loaded from its own file, standard input");
+  }
+  EXPECT_EQ(Read("e.txt"), "[1]\n[2]\n");
+}
+
 TEST_F(LoadTest, TheFileOfTheSectionsGetsNoRows) {
   WriteTable();
   const std::string ini = Read("schema.ini");
   std::filesystem::create_hard_link(Folder() / "schema.ini", Folder() / "link.csv");
   for (const std::string name : {"schema.ini", "link.csv"}) {
     ExpectRefused(Load("[\"x\"]\n", name),
-                  "texttables: error: 0x80004005: ./" + name + ": the file is no table\n");
+                  "texttables: error: 0x80004005: " + PathOf(name) + ": the file is no table\n");
     EXPECT_EQ(Read("schema.ini"), ini);
   }
 }

@@ -97,6 +97,7 @@ TEST_F(TextEndTest, TellsWhatRowsWouldBecome) {
     EXPECT_EQ(end.state, c.state);
     if (c.state == State::kTakesRows) {
       EXPECT_EQ(end.endsLine, c.endsLine);
+      EXPECT_EQ(end.fileSize, c.bytes.size());
       EXPECT_EQ(end.size, c.bytes.find_last_not_of('\x1A') + 1);
     }
     if (c.state == State::kBehindTextEnd) continue;

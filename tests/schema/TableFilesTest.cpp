@@ -119,10 +119,13 @@ TEST_F(TableFilesTest, AFailureLeavesEveryByteOfSchemaIni) {
   folder_.MakeFolder(u"~b.csv.tmp");
   EXPECT_NE(Refusal([&] { CopyTableFiles(In(u"a.csv"), In(u"b.csv")); }), "");
   EXPECT_NE(Refusal([&] { CreateTableFiles(In(u"b.csv"), {}); }), "");
-  folder_.MakeFolder(u"~a.csv.xml.old");
+  // Where the finished schema.ini should be.
+  folder_.MakeFolder(u"~schema.ini.tmp");
+  EXPECT_NE(Refusal([&] { CreateTableFiles(In(u"a.csv"), {}); }), "");
+  EXPECT_NE(Refusal([&] { RenameTableFiles(In(u"a.csv"), u"b.csv"); }), "");
   EXPECT_NE(Refusal([&] { DeleteTableFiles(In(u"a.csv")); }), "");
   EXPECT_EQ(Ini(), ini);
-  ExpectUntouched({u"~a.csv.xml.old", u"~b.csv.tmp", u"~b.csv.xml.tmp"});
+  ExpectUntouched({u"~b.csv.tmp", u"~b.csv.xml.tmp", u"~schema.ini.tmp"});
 }
 
 TEST_F(TableFilesTest, TheSectionOfANamesakeIsLeftAlone) {
@@ -243,7 +246,9 @@ TEST_F(TableFilesTest, TemporaryFilesThatACrashHasLeftAreInNobodysWay) {
   CopyTableFiles(In(u"a.csv"), In(u"b.csv"));
   DeleteTableFiles(In(u"a.csv"));
   EXPECT_EQ(folder_.Read(u"b.csv"), "Id\n1\n");
-  EXPECT_EQ(folder_.Names(), (std::vector<std::u16string>{u"b.csv", u"b.csv.xml", u"schema.ini"}));
+  // What was set aside may be all that is left of a table.
+  EXPECT_EQ(folder_.Names(), (std::vector<std::u16string>{u"b.csv", u"b.csv.xml", u"schema.ini",
+                                                          u"~a.csv.old", u"~a.csv.xml.old"}));
 }
 
 TEST_F(TableFilesTest, ATableThatIsNotThereIsNamed) {

@@ -15,7 +15,3 @@ FileHold::Result FileHold::Take(const NativeFileName& path) {
 }
 
 bool FileHold::IsAt(const NativeFileName& path) const { return file_.IsAt(path); }
-
-void FileHold::LetGrow() {
-  if (file_.IsOpen()) file_.Unlock();
-}

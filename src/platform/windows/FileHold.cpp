@@ -19,5 +19,3 @@ FileHold::Result FileHold::Take(const NativeFileName& path) {
 }
 
 bool FileHold::IsAt(const NativeFileName& path) const { return IsFile(path); }
-
-void FileHold::LetGrow() {}
