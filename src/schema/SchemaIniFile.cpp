@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <boost/filesystem.hpp>
+#include <chrono>
 #include <fstream>
 #include <map>
 #include <utility>
@@ -15,6 +16,9 @@ namespace TextFile {
 namespace {
 
 namespace fs = boost::filesystem;
+
+// A reader shall not be kept waiting for what it can do without.
+constexpr std::chrono::milliseconds kPatienceOfReading{1000};
 
 constexpr std::u16string_view kCouldNotCreate = u"Could not create schema.ini.";
 constexpr std::u16string_view kCouldNotWrite = u"Could not write to schema.ini.";
@@ -66,15 +70,32 @@ bool ReadWhole(const NativeFileName& path, std::string& bytes) {
 
 }  // namespace
 
-SchemaIniFile::SchemaIniFile(SchemaIniPaths paths, Access access) : paths_(std::move(paths)) {
+SchemaIniFile::SchemaIniFile(SchemaIniPaths paths, Access access)
+    : paths_(std::move(paths)), access_(access) {
   boost::system::error_code ignored;
   const fs::path native(NativeFromFileName(paths_.schemaIni));
   exists_ = fs::exists(fs::symlink_status(native, ignored));
   // The lock comes first: what is read behind it is what the writer before has left.
-  if (access == Access::kWrite && !temporary_.Open(NativeFromFileName(paths_.temporary)))
-    Fail(exists_ ? kCouldNotWriteTemporary : kCouldNotCreate);
+  if (access != Access::kRead &&
+      !temporary_.OpenToReplace(
+          NativeFromFileName(paths_.temporary), native.native(),
+          access == Access::kUpdate ? kPatienceOfReading : ExclusiveFile::kPatience,
+          MayWriteInPlace()))
+    FailOver(exists_ ? kCouldNotWriteTemporary : kCouldNotCreate);
   exists_ = fs::exists(fs::symlink_status(native, ignored));
   if (exists_) Read();
+}
+
+ExclusiveFile::InPlace SchemaIniFile::MayWriteInPlace() const noexcept {
+  return access_ == Access::kWrite ? ExclusiveFile::InPlace::kAllowed
+                                   : ExclusiveFile::InPlace::kRefused;
+}
+
+// Fails for a reason that lies with the temporary file, and says what stands in its way.
+void SchemaIniFile::FailOver(std::u16string_view reason) const {
+  std::u16string text(reason);
+  if (!temporary_.Obstacle().empty()) (text += u' ') += temporary_.Obstacle() + u'.';
+  Fail(text);
 }
 
 void SchemaIniFile::Read() {
@@ -187,8 +208,8 @@ void SchemaIniFile::Save() {
   std::string bytes;
   if (!text_.Compose(bytes)) Fail(kNotInItsEncoding);
   if (!temporary_.Write(bytes)) Fail(exists_ ? kCouldNotWriteTemporary : kCouldNotWrite);
-  if (!temporary_.Replace(NativeFromFileName(paths_.schemaIni)))
-    Fail(exists_ ? kCouldNotWrite : kCouldNotCreate);
+  if (!temporary_.Replace(NativeFromFileName(paths_.schemaIni), MayWriteInPlace()))
+    FailOver(exists_ ? kCouldNotWrite : kCouldNotCreate);
 }
 
 }  // namespace TextFile

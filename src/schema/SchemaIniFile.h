@@ -28,11 +28,19 @@ struct SchemaIniFailure {
 
 class SchemaIniFile {
  public:
-  enum class Access { kRead, kWrite };
+  enum class Access {
+    kRead,
+    // Waits ten seconds for other writers.
+    kWrite,
+    // For what reading does by itself: waits one second, and never writes into the old file where
+    // that cannot be replaced without changing whose it is (see ExclusiveFile).
+    kUpdate,
+  };
 
   // Reads schema.ini; one that does not exist has no sections. Throws SchemaIniFailure when it
-  // cannot be read, is in an encoding that is not read, or (kWrite) when the temporary file cannot
-  // be made.
+  // cannot be read, is in an encoding that is not read, or (kWrite, kUpdate) when the temporary
+  // file cannot be made; the reason then names it and, where that is known, who has it. Writing
+  // into schema.ini that a process left half-way is completed first (kWrite).
   SchemaIniFile(SchemaIniPaths paths, Access access);
 
   // The first section of that name, compared without regard to case; null when there is none. The
@@ -71,9 +79,12 @@ class SchemaIniFile {
   Sections::iterator Locate(std::u16string_view name) noexcept;
   bool IsHiddenBefore(Sections::const_iterator section, std::u16string_view name) const noexcept;
   SchemaIniSection Rewritten(const SchemaIniSection& old, const SectionLines& lines) const;
+  ExclusiveFile::InPlace MayWriteInPlace() const noexcept;
+  [[noreturn]] void FailOver(std::u16string_view reason) const;
   void Read();
 
   const SchemaIniPaths paths_;
+  const Access access_;
   ExclusiveFile temporary_;
   SchemaIniText text_;
   bool exists_ = false;

@@ -233,7 +233,7 @@ void AddSchemaColumns(const SchemaIniPaths& paths, std::u16string_view sectionNa
   read();
   if (std::all_of(columns.begin(), columns.end(), isDeclared)) return;
   Guarded(nullptr, [&] {
-    SchemaIniFile file(paths, SchemaIniFile::Access::kWrite);
+    SchemaIniFile file(paths, SchemaIniFile::Access::kUpdate);
     SchemaOptions options = read();
     RequireReadableColumns(options);
     std::vector<ColumnToAdd*> added;

@@ -120,15 +120,16 @@ void CreateTableFiles(const TableLocation& table, std::vector<FieldDefinition> f
 
   ExclusiveFile file;
   const std::u16string temporary = JoinPath(table.folder, TemporaryNameOf(table.name, u".tmp"));
-  if (!file.Open(NativeFromFileName(temporary)) || !file.Write(HeaderLine(options, fields)))
-    FailTable(path, file.error());
+  if (!file.OpenToReplace(NativeFromFileName(temporary), NativeFromFileName(path)) ||
+      !file.Write(HeaderLine(options, fields)))
+    FailTable(path, file);
   const SavedSchemaSection before(paths, table.name);
   std::u16string failure;
   if (!WriteSchemaSection(paths, table.name, options, &failure))
     FailTable(paths.schemaIni, failure);
   if (file.Replace(NativeFromFileName(path))) return;
   before.Restore();
-  FailTable(path, file.error());
+  FailTable(path, file);
 }
 
 }  // namespace TextFile

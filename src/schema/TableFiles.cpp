@@ -81,7 +81,7 @@ class FinishedCopy {
  public:
   FinishedCopy(const std::u16string& from, const TableLocation& temporary, std::u16string to)
       : to_(std::move(to)) {
-    if (!file_.Open(NativeFromFileName(temporary.Path()))) FailTable(to_, file_.error());
+    if (!file_.Open(NativeFromFileName(temporary.Path()))) FailTable(to_, file_);
     std::filebuf source;
     if (source.open(Native(from).c_str(), std::ios::in | std::ios::binary) == nullptr)
       FailTable(from, u"the file cannot be read");
@@ -95,7 +95,7 @@ class FinishedCopy {
   void TakeName() {
     if (file_.TakeName(NativeFromFileName(to_))) return;
     if (ExclusiveFile::MeansTaken(file_.error())) FailBecauseTaken(to_);
-    FailTable(to_, file_.error());
+    FailTable(to_, file_);
   }
 
  private:
@@ -110,7 +110,7 @@ class FinishedCopy {
       }
       if (count <= 0) return;
       if (!file_.Write({block.data(), static_cast<std::size_t>(count)}))
-        FailTable(to_, file_.error());
+        FailTable(to_, file_);
     }
   }
 

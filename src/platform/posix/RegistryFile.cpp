@@ -273,7 +273,7 @@ LSTATUS UpdateRegistry(const std::function<LSTATUS(RegistryKey& root)>& change) 
   if (path.empty()) return static_cast<LSTATUS>(ERROR_PATH_NOT_FOUND);
   MakeFolders(path);
   ExclusiveFile file;
-  if (!file.Open(path + ".new")) return ErrorOf(file.error().value());
+  if (!file.OpenToReplace(path + ".new", path)) return ErrorOf(file.error().value());
   RegistryKey root;
   LSTATUS result = ReadFile(path, root);
   if (result == static_cast<LSTATUS>(ERROR_SUCCESS)) result = change(root);
