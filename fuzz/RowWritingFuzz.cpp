@@ -61,6 +61,8 @@ TextDatasetDescription TableOf(std::string_view line, const std::u16string& fold
   TextDatasetDescription table;
   table.name = u"t.csv";
   table.path = folder + u"/t.csv";
+  // Else the first row of an empty file could be its header.
+  table.options.specified = TextFile::SchemaOptions::kColNameHeader;
   std::u16string codes = TextOf(line);
   codes.resize(std::max<std::size_t>(codes.size(), 4), u'"');
   table.options.delimiter = codes[0];

@@ -202,6 +202,7 @@ DelimitedReader::Step DelimitedReader::TakeFieldExactly() {
     }
     // NOLINTEND(bugprone-branch-clone)
   }
+  if (quoting) endedInQuotes_ = true;
   EndRecord();
   return Step::kRecord;
 }

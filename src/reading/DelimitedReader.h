@@ -23,6 +23,10 @@ class DelimitedReader final : public Reader {
   bool ReadRecord() override;
   bool ReadPlainRow(PlainRow& row) override;
 
+  // Whether a record has ended with the file inside quotes: what is added behind it would be a part
+  // of its last field.
+  bool EndedInQuotes() const noexcept { return endedInQuotes_; }
+
   // Splits character by character only, for comparison with the way that looks for delimiters.
   void SplitExactly() noexcept {
     exact_ = true;
@@ -56,6 +60,7 @@ class DelimitedReader final : public Reader {
                     std::vector<FieldDefinition>& fields, const OpenOptions& openOptions);
 
   bool exact_ = false;
+  bool endedInQuotes_ = false;
   char16_t delimiter_;
   char16_t textDelimiter_;                  // 0: no quoting
   std::optional<PlainRowIndex> plainRows_;  // none where bytes do not tell the fields

@@ -2,14 +2,11 @@
 
 #include <algorithm>
 #include <atomic>
-#include <boost/filesystem.hpp>
 #include <cstring>
-#include <fstream>
-#include <locale>
 #include <utility>
 
-#include "platform/FileNames.h"
 #include "reading/ByteSearch.h"
+#include "reading/FileBytes.h"
 #include "reading/RecordScan.h"
 #include "reading/TextDecoding.h"
 
@@ -73,13 +70,8 @@ TextLineStream::~TextLineStream() { blocks.GiveBack(std::move(block_), capacity_
 
 bool TextLineStream::Open(const std::u16string& path, LineEnding ending) {
   bytes_.reset();
-  const boost::filesystem::path native(NativeFromFileName(path));
-  boost::system::error_code ignored;
-  // A folder opens as a stream and then fails to read; a pipe could make the caller wait for ever.
-  if (!boost::filesystem::is_regular_file(native, ignored)) return false;
-  auto file = std::make_unique<std::filebuf>();
-  file->pubimbue(std::locale::classic());
-  if (file->open(native.c_str(), std::ios::in | std::ios::binary) == nullptr) return false;
+  auto file = std::make_unique<FileBytes>();
+  if (!file->Open(path)) return false;
   Open(std::move(file), ending);
   return true;
 }

@@ -48,8 +48,9 @@ class TextLineStream {
   TextLineStream& operator=(const TextLineStream&) = delete;
 
   // Opens a file for reading, shared with everybody, and looks at its byte-order mark. Only
-  // regular files can be opened. With kTerminateLines every line ends in exactly one zero unit.
-  // False, and IsOpen() is false, when the file cannot be opened.
+  // regular files can be opened, and only what they hold now is read (see FileBytes). With
+  // kTerminateLines every line ends in exactly one zero unit. False, and IsOpen() is false, when
+  // the file cannot be opened.
   bool Open(const std::u16string& path, LineEnding ending);
 
   // The same over any bytes, for tests. `blockSize` is at least 1.

@@ -1,9 +1,7 @@
 #include "schema/RowWriter.h"
 
 #include <algorithm>
-#include <boost/filesystem.hpp>
 #include <cstring>
-#include <locale>
 
 #include "host/AppEventLog/EventLog.h"
 #include "host/CoreSupport/CharacterClasses.h"
@@ -17,14 +15,13 @@
 #include "platform/LocaleInfo.h"
 #include "platform/OleText.h"
 #include "reading/TextDecoding.h"
-#include "reading/TextLineStream.h"
+#include "schema/SchemaIniPaths.h"
+#include "schema/TableNames.h"
 #include "schema/Utf8.h"
 
 namespace TextFile {
 
 namespace {
-
-namespace fs = boost::filesystem;
 
 #ifdef _WIN32
 constexpr std::string_view kLineEnd = "\r\n";
@@ -125,18 +122,28 @@ std::u16string TablePatternFor(const FieldDefinition& field, const SchemaOptions
   }
 }
 
+TextDatasetDescription WithoutFields(const TextDatasetDescription& table) {
+  TextDatasetDescription bare;
+  bare.name = table.name;
+  bare.path = table.path;
+  bare.options = table.options;
+  bare.loaded = table.loaded;
+  return bare;
+}
+
 }  // namespace
 
 // NOLINTNEXTLINE(cppcoreguidelines-pro-type-member-init): written before it is read
 RowWriter::RowWriter(const TextDatasetDescription& table)
-    : path_(table.path),
-      tableName_(table.name),
+    : table_(WithoutFields(table)),
       options_(table.options),
       delimiter_(Utf8Of(table.options.delimiter)),
       textDelimiter_(Utf8Of(table.options.textDelimiter)),
       texts_(static_cast<char>(table.options.delimiter),
              static_cast<char>(table.options.textDelimiter)),
       lineEnd_(EndsLinesWithCr() ? std::string_view("\r") : kLineEnd) {
+  // Their widths cut the records.
+  if (options_.fixedLength) table_.fields = table.fields;
   for (std::size_t i = 0; i < table.fields.size(); ++i) {
     const FieldDefinition& field = table.fields[i];
     if (field.isCoordinate) continue;
@@ -213,73 +220,116 @@ RowWriter::Way RowWriter::WayOf(const Column& column) const {
 }
 
 RowWriter::~RowWriter() {
-  if (file_.is_open()) Close();
+  if (file_.IsOpen()) Close();
 }
 
 bool RowWriter::Fail(std::u16string_view reason) {
-  failure_ = path_ + u": " + std::u16string(reason);
+  failure_ = table_.path + u": " + std::u16string(reason);
   return false;
 }
+
+// The lock of the file, and the certainty that it still is the table's.
+class RowWriter::LockedFile {
+ public:
+  explicit LockedFile(RowWriter& writer) : writer_(writer) {
+    if (!writer_.file_.Lock()) {
+      writer_.Fail(RegularFile::MeansBusy(writer_.file_.error())
+                       ? u"another program has kept the file locked for ten seconds"
+                       : u"the file cannot be locked");
+      return;
+    }
+    locked_ = true;
+    isTable_ = writer_.file_.IsAt(NativeFromFileName(writer_.table_.path));
+    if (!isTable_) writer_.Fail(u"the file has been removed or replaced meanwhile");
+  }
+  ~LockedFile() {
+    if (locked_) writer_.file_.Unlock();
+  }
+  LockedFile(const LockedFile&) = delete;
+  LockedFile& operator=(const LockedFile&) = delete;
+
+  // False: the writer has the reason.
+  bool IsTable() const noexcept { return isTable_; }
+
+ private:
+  RowWriter& writer_;
+  bool locked_ = false;
+  bool isTable_ = false;
+};
 
 // What the file is encoded in decides how rows are added to it.
 bool RowWriter::FindEncoding() {
   TextLineStream stream;
-  if (!stream.Open(path_, TextLineStream::kPlainLines)) return Fail(u"the file cannot be read");
-  switch (stream.encoding()) {
+  if (!stream.Open(table_.path, TextLineStream::kPlainLines))
+    return Fail(u"the file cannot be read");
+  encoding_ = stream.encoding();
+  switch (encoding_) {
     case TextEncoding::kUtf16BE:
     case TextEncoding::kUtf32LE:
     case TextEncoding::kUtf32BE:
       return Fail(u"rows cannot be added to a file in this encoding");
-    case TextEncoding::kUtf16LE:
-      encoding_ = Encoding::kUtf16LE;
-      break;
     default:
-      encoding_ = Encoding::kUtf8;
-      break;
+      return true;
   }
+}
+
+// The file of the sections is none, by whatever name it was opened.
+bool RowWriter::RequireTable() {
+  const SchemaIniPaths paths(FolderOf(table_.path));
+  if (IsReservedFile(table_.name) || file_.IsAt(NativeFromFileName(paths.schemaIni)) ||
+      file_.IsAt(NativeFromFileName(paths.temporary)))
+    return Fail(u"the file is no table");
   return true;
 }
 
 bool RowWriter::Open() {
   if (!FindEncoding()) return false;
-  file_.pubimbue(std::locale::classic());
-  file_.pubsetbuf(nullptr, 0);
-  EndLastLine();
-  return Append() || Fail(u"the file cannot be written");
+  if (!file_.Open(NativeFromFileName(table_.path), RegularFile::Access::kAppend))
+    return Fail(u"the file cannot be written");
+  if (!RequireTable()) return false;
+  const LockedFile locked(*this);
+  return locked.IsTable() && LookAtEnd(0);
 }
 
-bool RowWriter::Append() {
-  const fs::path native(NativeFromFileName(path_));
-  return file_.open(native.c_str(), std::ios::out | std::ios::app | std::ios::binary) != nullptr;
+// Looks at what stands behind `from`, where a row begins.
+bool RowWriter::LookAtEnd(std::uint64_t from) {
+  // Without a word of schema.ini what stands first may be a header.
+  const bool mayHaveHeader =
+      options_.columnNameHeader || !options_.IsSpecified(SchemaOptions::kColNameHeader);
+  if (from == 0 && mayHaveHeader && HasNoRecord(table_))
+    return Fail(
+        u"the file is empty, and its first row would be read as the names of the fields unless "
+        u"schema.ini has ColNameHeader=False for it");
+  textEnd_ = FindTextEnd(table_, encoding_, file_, from);
+  switch (textEnd_.state) {
+    case TextEnd::State::kTakesRows:
+      return file_.Size(end_) || Fail(u"the file cannot be read");
+    case TextEnd::State::kInQuotes:
+      return Fail(
+          u"the last row has a quote that is not closed: what is added would be a part of it");
+    case TextEnd::State::kBehindTextEnd:
+      return Fail(u"a byte 1A ends the text within the file: what is added would not be read");
+    case TextEnd::State::kHalfCharacter:
+      return Fail(u"the file ends in half a character: what is added would not be read");
+    default:
+      return Fail(u"the file cannot be read");
+  }
 }
 
 // Rows must not run into a last line that has no end, nor follow a byte 1A, behind which nothing is
-// read. Nobody has the file open then: some systems cut no file that is.
-void RowWriter::EndLastLine() {
-  const fs::path native(NativeFromFileName(path_));
-  std::filebuf reader;
-  reader.open(native.c_str(), std::ios::in | std::ios::binary);
-  const auto byteAt = [&](std::streamoff offset) {
-    reader.pubseekoff(offset, std::ios::beg, std::ios::in);
-    return reader.sbumpc();
-  };
-  std::streamoff size = reader.pubseekoff(0, std::ios::end, std::ios::in);
-  // The mark tells this encoding, and ends no line.
-  if (encoding_ == Encoding::kUtf16LE) {
-    const bool ended =
-        byteAt(size - 2) == static_cast<unsigned char>(lineEnd_.back()) && byteAt(size - 1) == 0;
-    if (size > 2 && !ended) buffer_.Append(lineEnd_);
-    return;
-  }
-  constexpr int kTextEnd = 0x1A;
-  const std::streamoff before = size;
-  while (size > 0 && byteAt(size - 1) == kTextEnd) --size;
-  const bool onlyMark = size == 3 && byteAt(0) == 0xEF && byteAt(1) == 0xBB && byteAt(2) == 0xBF;
-  if (size > 0 && !onlyMark && byteAt(size - 1) != static_cast<unsigned char>(lineEnd_.back()))
-    buffer_.Append(lineEnd_);
-  reader.close();
-  boost::system::error_code ignored;
-  if (size < before) fs::resize_file(native, static_cast<std::uintmax_t>(size), ignored);
+// read. The file is locked.
+bool RowWriter::PrepareEnd() {
+  std::uint64_t size = 0;
+  if (!file_.Size(size)) return Fail(u"the file cannot be read");
+  // Another writer has been here.
+  const bool rowBegins = textEnd_.endsLine && size > end_;
+  if (size != end_ && !LookAtEnd(rowBegins ? textEnd_.size : 0)) return false;
+  if (textEnd_.size < end_ && !file_.CutTo(textEnd_.size))
+    return Fail(u"the file cannot be written");
+  end_ = textEnd_.size;
+  if (!textEnd_.endsLine && WriteRows(lineEnd_) != RegularFile::Appended::kWhole)
+    return Fail(u"the rows could not be written");
+  return true;
 }
 
 // Answers where the value begins.
@@ -384,51 +434,57 @@ bool RowWriter::Write(std::span<const VARIANT> values) {
 bool RowWriter::Flush() {
   const std::string_view rows = buffer_.View();
   if (rows.empty()) return true;
-  Written written = WriteRows(rows);
-  const std::size_t marks = markCount_;
-  // The bytes stay where they are until more are added.
+  const bool written = WriteInPieces(rows);
   buffer_.CutTo(0);
   markCount_ = 0;
+  return written;
+}
+
+bool RowWriter::WriteInPieces(std::string_view rows) {
+  const LockedFile locked(*this);
+  if (!locked.IsTable() || !PrepareEnd()) return false;
+  RegularFile::Appended written = WriteRows(rows);
   // What there is still room for is written all the same.
-  if (written == Written::kTakenBack && marks != 0) {
-    written = Written::kWhole;
+  if (written == RegularFile::Appended::kTakenBack && markCount_ != 0) {
+    written = RegularFile::Appended::kWhole;
     std::size_t begin = 0;
-    for (std::size_t i = 0; i <= marks && written == Written::kWhole; ++i) {
-      const std::size_t end = i < marks ? marks_[i] : rows.size();
+    for (std::size_t i = 0; i <= markCount_ && written == RegularFile::Appended::kWhole; ++i) {
+      const std::size_t end = i < markCount_ ? marks_[i] : rows.size();
       written = WriteRows(rows.substr(begin, end - begin));
       begin = end;
     }
   }
-  return written == Written::kWhole || Fail(u"the rows could not be written");
+  return written == RegularFile::Appended::kWhole || Fail(u"the rows could not be written");
 }
 
-RowWriter::Written RowWriter::WriteRows(std::string_view rows) {
-  const fs::path native(NativeFromFileName(path_));
-  boost::system::error_code error;
-  const std::uintmax_t before = fs::file_size(native, error);
+// Whole rows, in front of which a row may begin.
+RegularFile::Appended RowWriter::WriteRows(std::string_view rows) {
   std::string encoded;
-  if (encoding_ == Encoding::kUtf16LE) {
+  if (encoding_ == TextEncoding::kUtf16LE) {
     UnitBuffer text;
     DecodeUtf8(rows, text);
     for (const char16_t unit : text.View()) {
       encoded += static_cast<char>(unit & 0xFF);
       encoded += static_cast<char>(unit >> 8);
     }
+    rows = encoded;
   }
-  const std::string_view bytes = encoding_ == Encoding::kUtf16LE ? encoded : rows;
-  const auto size = static_cast<std::streamsize>(bytes.size());
-  if (file_.sputn(bytes.data(), size) == size && file_.pubsync() == 0) return Written::kWhole;
-  // Part of a row may have reached the file.
-  file_.close();
-  if (!error) fs::resize_file(native, before, error);
-  return Append() && !error ? Written::kTakenBack : Written::kPartly;
+  const RegularFile::Appended written = file_.Append(rows);
+  if (written != RegularFile::Appended::kWhole) return written;
+  hasWritten_ = true;
+  textEnd_.endsLine = true;
+  // A program that does not ask for the lock may have written too: that is looked at next time.
+  std::uint64_t size = 0;
+  if (file_.Size(size) && size == end_ + rows.size()) textEnd_.size = end_ = size;
+  return written;
 }
 
 bool RowWriter::Close() {
-  const bool flushed = Flush();
-  const bool closed = file_.close() != nullptr;
-  if (flushed && !closed) return Fail(u"the rows could not be written");
-  return flushed;
+  bool written = Flush();
+  // Rows of earlier blocks may be in a file that nobody has any more.
+  if (written && hasWritten_) written = LockedFile(*this).IsTable();
+  file_.Close();
+  return written;
 }
 
 // ---------------------------------------------------------------------------------------------
@@ -442,7 +498,7 @@ void RowWriter::AppendGenerally(const Column& column, const VARIANT& value) {
   buffer_.Append({separator_.data(), column.separatorSize});
   if (!IsNull(value) && (!FormatValue(column, value) || !CanStand(column))) {
     value_.clear();
-    quenra::EventLog::Write(u"In file " + tableName_ + u", a value of field " + column.name +
+    quenra::EventLog::Write(u"In file " + table_.name + u", a value of field " + column.name +
                             u" cannot be written as the field's type. It is left blank.");
   }
   if (options_.fixedLength)

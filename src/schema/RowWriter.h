@@ -4,13 +4,14 @@
 //   if (!writer.Open() || !writer.Write(values) || !writer.Close()) ... // writer.failure()
 //
 // Each row is put together in a buffer that goes to the file in whole rows, so that the file always
-// ends with one, also when the disk is full or the process is ended.
+// ends with one, also when the disk is full or the process is ended. While it is written to, the
+// file is locked: writers of one table mix their rows in whole blocks, and what one takes back when
+// the disk is full are its own.
 #pragma once
 
 #include <array>
 #include <cstddef>
 #include <cstdint>
-#include <fstream>
 #include <span>
 #include <string>
 #include <string_view>
@@ -18,7 +19,9 @@
 
 #include "inference/DateFormatting.h"
 #include "platform/OleAutomation.h"
+#include "platform/RegularFile.h"
 #include "reading/TextDatasetDescription.h"
+#include "reading/TextEnd.h"
 #include "schema/ByteBuffer.h"
 #include "schema/QuotedText.h"
 #include "schema/TextColumns.h"
@@ -35,8 +38,9 @@ class RowWriter {
   RowWriter(const RowWriter&) = delete;
   RowWriter& operator=(const RowWriter&) = delete;
 
-  // Opens the file for appending and ends its last line when it is not ended. False when the file
-  // does not exist or cannot be written.
+  // Opens the file for appending. False when the file does not exist or cannot be written, and when
+  // rows at its end would not be read as such: behind an open quote or a byte 1A, or as the names
+  // of the fields. Nothing is changed.
   bool Open();
 
   // Appends one row: a value for each field, in their order; values that are missing are null. A
@@ -73,11 +77,8 @@ class RowWriter {
     std::size_t texts;          // how many of kText begin here, with neighbouring places in a row
   };
 
-  enum class Encoding : std::uint8_t { kUtf8, kUtf16LE };
-
-  // What has become of rows that were handed to the system; the last one leaves some of them in the
-  // file, or a file that takes no more.
-  enum class Written : std::uint8_t { kWhole, kTakenBack, kPartly };
+  // Has the file for itself.
+  class LockedFile;
 
   // Rows are handed to the system when there are about this many bytes of them, in one piece. When
   // it does not take all of them, smaller pieces of whole rows are tried.
@@ -86,10 +87,12 @@ class RowWriter {
 
   bool Fail(std::u16string_view reason);
   bool Flush();
-  Written WriteRows(std::string_view rows);
+  bool WriteInPieces(std::string_view rows);
+  RegularFile::Appended WriteRows(std::string_view rows);
   bool FindEncoding();
-  bool Append();  // opens the file for writing behind its end
-  void EndLastLine();
+  bool RequireTable();
+  bool LookAtEnd(std::uint64_t from);
+  bool PrepareEnd();
   Way WayOf(const Column& column) const;
   bool WriteStraight(const Column& column, const VARIANT& value, char*& to);
   std::size_t WriteTexts(const Column& first, const VARIANT* row, char*& to);
@@ -109,8 +112,7 @@ class RowWriter {
   bool CanStand(const Column& column) const noexcept;
   bool NeedsQuotes() const noexcept;
 
-  const std::u16string path_;
-  const std::u16string tableName_;
+  TextDatasetDescription table_;  // fields only where reading needs them
   const SchemaOptions options_;
   std::vector<Column> columns_;
   std::size_t fieldCount_ = 0;  // up to the last one that is a column
@@ -123,8 +125,11 @@ class RowWriter {
   std::array<char, 4> separator_{};  // the delimiter once more, of a size that is copied at once
   std::string lineEnd_;
 
-  std::filebuf file_;
-  Encoding encoding_ = Encoding::kUtf8;
+  RegularFile file_;
+  TextEncoding encoding_ = TextEncoding::kUndetermined;
+  std::uint64_t end_ = 0;  // of the file: up to there it is as it has been looked at or written
+  bool hasWritten_ = false;
+  TextEnd textEnd_;
   ByteBuffer buffer_;  // whole rows that are not in the file yet, as UTF-8
   std::array<std::size_t, kBufferBytes / kPieceBytes> marks_;  // ends of rows in it, for pieces
   std::size_t markCount_ = 0;

@@ -10,7 +10,7 @@ void FailTable(std::u16string_view path, std::u16string_view reason) {
   std::u16string text(path);
   text += u": ";
   text += reason;
-  throw TableFailure{std::move(text)};
+  throw TableFailure{std::move(text), false};
 }
 
 void FailTable(std::u16string_view path, const std::error_code& error) {

@@ -12,6 +12,7 @@ namespace TextFile {
 // Thrown inside the core; `text` names the file and the reason.
 struct TableFailure {
   std::u16string text;
+  bool taken = false;  // something has the name that a table was to get
 };
 
 [[noreturn]] void FailTable(std::u16string_view path, std::u16string_view reason);

@@ -401,6 +401,44 @@ TEST_F(LoadTest, MissingTablesAndFilesAreNamed) {
   EXPECT_EQ(ReadTable("a.csv"), "Id,Name\n1,Ann\n");
 }
 
+TEST_F(LoadTest, RowsThatNobodyWouldReadAreRefused) {
+  const struct {
+    std::string bytes;
+    std::string reason;
+  } cases[] = {
+      {"Id,Name\n1,\"Ann\n2,Bob\n",
+       "the last row has a quote that is not closed: what is added would be a part of it"},
+      {"Id,Name\n1,Ann\n\x1A"
+       "2,Bob\n",
+       "a byte 1A ends the text within the file: what is added would not be read"},
+      {"",
+       "the file is empty, and its first row would be read as the names of the fields unless "
+       "schema.ini has ColNameHeader=False for it"},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.reason);
+    Write("b.csv", c.bytes);
+    ExpectRefused(Load("{}\n", "b.csv"),
+                  "texttables: error: 0x80004005: ./b.csv: " + c.reason + "\n");
+    EXPECT_EQ(Read("b.csv"), c.bytes);
+  }
+  Write("b.csv", "");
+  Write("schema.ini", "[b.csv]\nFormat=CSVDelimited\nColNameHeader=False\nCol1=Name Text\n");
+  EXPECT_EQ(Load("[\"Ann\"]\n", "b.csv").errors, "1 row loaded\n");
+  EXPECT_EQ(Output({"rows", "b.csv", "--format", "jsonl"}), "{\"Name\":\"Ann\"}\n");
+}
+
+TEST_F(LoadTest, TheFileOfTheSectionsGetsNoRows) {
+  WriteTable();
+  const std::string ini = Read("schema.ini");
+  std::filesystem::create_hard_link(Folder() / "schema.ini", Folder() / "link.csv");
+  for (const std::string name : {"schema.ini", "link.csv"}) {
+    ExpectRefused(Load("[\"x\"]\n", name),
+                  "texttables: error: 0x80004005: ./" + name + ": the file is no table\n");
+    EXPECT_EQ(Read("schema.ini"), ini);
+  }
+}
+
 #ifndef _WIN32
 
 TEST_F(LoadTest, FullDiskKeepsWholeRowsAndCountsThem) {
@@ -420,6 +458,19 @@ TEST_F(LoadTest, FullDiskKeepsWholeRowsAndCountsThem) {
             "the table has " +
                 std::to_string(count) + " rows\n");
   EXPECT_EQ(table.substr(table.size() - 9), "7,abcdef\n");
+}
+
+// A table that is read while it grows has the rows that it had, however long that takes.
+TEST_F(LoadTest, ATableCanBeLoadedFromItsOwnRows) {
+  std::string rows;
+  for (int i = 0; i < 20000; ++i) rows += std::to_string(i) + ",a name to be read back\n";
+  Write("a.csv", "Id,Name\n" + rows);
+  ProcessRequest request = Request(
+      {"-c", "trap '' XFSZ; ulimit -f 8000; \"$0\" rows a.csv --format jsonl | \"$0\" load a.csv",
+       PROGRAM_FILE});
+  request.program = "/bin/sh";
+  EXPECT_EQ(RunProcess(request).errors, "20000 rows loaded\n");
+  EXPECT_TRUE(ReadTable("a.csv") == "Id,Name\n" + rows + rows);
 }
 
 TEST_F(LoadTest, InterruptKeepsTheRowsSoFar) {

@@ -1,7 +1,7 @@
 // A small program that does one thing to the tables of a folder, for tests that end it half-way.
 //
 //   writing_faults create FOLDER NAME
-//   writing_faults load FOLDER NAME ROWS
+//   writing_faults load FOLDER NAME ROWS [FIRSTID]
 //   writing_faults copy FOLDER NAME FOLDER NEWNAME
 //   writing_faults rename FOLDER NAME NEWNAME
 //   writing_faults delete FOLDER NAME
@@ -24,6 +24,7 @@
 #include "reading/OpenTextDataset.h"
 #include "schema/ParseError.h"
 #include "schema/RowWriter.h"
+#include "schema/SchemaIniFile.h"
 #include "schema/SchemaIniWriter.h"
 #include "schema/TableFiles.h"
 #include "support/TestText.h"
@@ -50,11 +51,11 @@ void Create(const TableLocation& table) {
   CreateTableFiles(table, fields);
 }
 
-void Load(const TableLocation& table, LONG rows) {
+void Load(const TableLocation& table, LONG rows, LONG firstId) {
   RowWriter writer(Opened(table));
   bool written = writer.Open();
   for (LONG row = 0; written && row < rows; ++row) {
-    const quenra::Variant id(row);
+    const quenra::Variant id(firstId + row);
     const quenra::Variant name(u"a name that makes the row longer");
     const VARIANT values[] = {id.Get(), name.Get()};
     written = writer.Write(values);
@@ -82,10 +83,12 @@ void WriteSections(const TableLocation& table, int rounds) {
   for (int round = 0; round < rounds; ++round) {
     const std::u16string name = table.name + static_cast<char16_t>(u'0' + round % kSections);
     std::u16string failure;
-    const bool drops = round / kSections % 2 == 1;
-    if (!(drops ? DropSchemaSection(paths, name, &failure)
-                : WriteSchemaSection(paths, name, options, &failure)))
+    if (round / kSections % 2 == 1) {
+      SchemaIniFile file(paths, SchemaIniFile::Access::kWrite);
+      if (file.Remove(name)) file.Save();
+    } else if (!WriteSchemaSection(paths, name, options, &failure)) {
       FailTable(paths.schemaIni, failure);
+    }
   }
 }
 
@@ -93,9 +96,10 @@ void Run(const std::vector<std::string>& words) {
   const auto word = [&](std::size_t i) { return ToUtf16(words.at(i)); };
   const TableLocation table{word(1), word(2)};
   if (words[0] == "create") return Create(table);
-  if (words[0] == "load") return Load(table, std::stoi(words.at(3)));
-  if (words[0] == "copy") return CopyTableFiles(table, {word(3), word(4)});
-  if (words[0] == "rename") return RenameTableFiles(table, word(3));
+  if (words[0] == "load")
+    return Load(table, std::stoi(words.at(3)), words.size() > 4 ? std::stoi(words[4]) : 0);
+  if (words[0] == "copy") return static_cast<void>(CopyTableFiles(table, {word(3), word(4)}));
+  if (words[0] == "rename") return static_cast<void>(RenameTableFiles(table, word(3)));
   if (words[0] == "delete") return DeleteTableFiles(table);
   if (words[0] == "mismatch")
     return AddMismatch(table, static_cast<std::size_t>(std::stoi(words.at(3))));
@@ -123,6 +127,8 @@ int main(int count, char** arguments) {
     return 0;
   } catch (const TableFailure& failure) {
     std::printf("%s\n", ToUtf8(failure.text).c_str());
+  } catch (const SchemaIniFailure& failure) {
+    std::printf("schema.ini: %s\n", ToUtf8(failure.reason).c_str());
   } catch (const ParseError& error) {
     std::printf("schema.ini: %s\n", ToUtf8(error.text()).c_str());
   } catch (const std::exception& other) {

@@ -8,6 +8,7 @@
 #include <string_view>
 #include <vector>
 
+#include "reading/FileBytes.h"
 #include "reading/TextLineStream.h"
 #include "support/PlainTextLines.h"
 #include "support/TemporaryFolder.h"
@@ -484,6 +485,74 @@ TEST_F(TextLineStreamTest, FailingReadCountsAsTheEnd) {
   stream.Open(std::make_unique<FailingSource>(), TextLineStream::kPlainLines);
   EXPECT_EQ(ReadAll(stream), (Texts{u"a", u"b"}));
   EXPECT_TRUE(stream.AtEnd());
+}
+
+// Rows that are read and added to the same file at once would never end.
+TEST_F(TextLineStreamTest, WhatIsAddedAfterOpeningIsNotRead) {
+  const TemporaryFolder folder;
+  const std::u16string path = folder.Write(u"a.csv", "1\n2\n");
+  TextLineStream stream;
+  ASSERT_TRUE(stream.Open(path, TextLineStream::kPlainLines));
+  std::u16string line;
+  for (const std::u16string_view expected : {u"1", u"2"}) {
+    folder.Append(u"a.csv", "3\n");
+    ASSERT_TRUE(stream.ReadLine(line));
+    EXPECT_EQ(line, expected);
+  }
+  EXPECT_FALSE(stream.ReadLine(line));
+  stream.Rewind();
+  ASSERT_TRUE(stream.ReadLine(line));
+  EXPECT_EQ(line, u"1");
+
+  // Beyond the first block as well, and after a rewind that reads anew.
+  const std::string many(TextLineStream::kDefaultBlockSize, '\n');
+  const std::u16string large = folder.Write(u"b.csv", "x" + many);
+  ASSERT_TRUE(stream.Open(large, TextLineStream::kPlainLines));
+  folder.Append(u"b.csv", many);
+  for (const int pass : {1, 2}) {
+    std::size_t lines = 0;
+    while (stream.ReadLine(line)) ++lines;
+    EXPECT_EQ(lines, many.size()) << pass;
+    stream.Rewind();
+  }
+}
+
+// Somebody is just adding it.
+TEST_F(TextLineStreamTest, ALineThatWasNotWholeIsReadToItsEnd) {
+  struct {
+    std::string there;
+    std::string added;
+    Texts lines;
+  } const cases[] = {
+      {"1\n2,t", "wo\n3\n", {u"1", u"2,two"}},
+      {"1\n2,t", "wo\r\n3\r\n", {u"1", u"2,two"}},
+      {"1\r\n2,two\r", "\n3\r\n", {u"1", u"2,two"}},
+      {"1\n2,t", std::string(9000, 'x') + "\n3\n", {u"1", u"2,t" + std::u16string(9000, u'x')}},
+      {"1\n2,t", "wo", {u"1", u"2,two"}},
+      {"\xFF\xFE"
+       "1\0\n\0002\0"s,
+       "x\0\n\0003\0\n\0"s,
+       {u"1", u"2x"}},
+      {"\xFF\xFE"
+       "1\0\n\0"s,
+       "3\0\n\0"s,
+       {u"1"}},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.there);
+    const TemporaryFolder folder;
+    const std::u16string path = folder.Write(u"a.csv", c.there);
+    TextLineStream stream;
+    // The source is read when the stream needs more than it has read on opening.
+    auto bytes = std::make_unique<FileBytes>();
+    ASSERT_TRUE(bytes->Open(path));
+    folder.Append(u"a.csv", c.added);
+    stream.Open(std::move(bytes), TextLineStream::kPlainLines);
+    Texts lines;
+    std::u16string line;
+    while (stream.ReadLine(line)) lines.push_back(line);
+    EXPECT_EQ(lines, c.lines);
+  }
 }
 
 }  // namespace

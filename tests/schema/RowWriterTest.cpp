@@ -439,6 +439,100 @@ TEST_F(RowWriterTest, EncodingsThatAreNotReadGetNoRows) {
   EXPECT_EQ(folder_.Read(u"t.csv"), std::string("\xFE\xFF\0a", 4));
 }
 
+struct Refused {
+  std::string_view section;
+  std::string_view bytes;
+  std::string_view reason;
+};
+
+constexpr Refused kRefused[] = {
+    {"", "Id,Name\n1,\"a\n", "the last row has a quote that is not closed"},
+    {"",
+     "Id,Name\n1,a\n\x1A"
+     "2,b\n",
+     "a byte 1A ends the text within the file"},
+    {"", "", "the file is empty, and its first row would be read as the names"},
+    {"", "\xEF\xBB\xBF", "the file is empty, and its first row would be read as the names"},
+    {"", "\r\n\n", "the file is empty, and its first row would be read as the names"},
+    {"ColNameHeader=True\nCol1=A Text", "", "the file is empty, and its first row would be read"},
+    {"Col1=A Text", "", "the file is empty, and its first row would be read"},
+};
+
+TEST_F(RowWriterTest, RowsThatNobodyWouldReadAreRefused) {
+  for (const Refused& c : kRefused) {
+    SCOPED_TRACE(c.reason);
+    folder_.Write(u"schema.ini", "");
+    RowWriter writer(Table(c.section, c.bytes));
+    EXPECT_FALSE(writer.Open());
+    EXPECT_TRUE(ToUtf8(writer.failure())
+                    .starts_with(ToUtf8(folder_.Path(u"t.csv")) + ": " + std::string(c.reason)))
+        << ToUtf8(writer.failure());
+    EXPECT_EQ(folder_.Read(u"t.csv"), c.bytes);
+  }
+}
+
+TEST_F(RowWriterTest, Utf16FilesEndInWholeCharacters) {
+  const auto table = Table("", Utf16(u"\uFEFFId,Name\n1,a\n"));
+  folder_.Append(u"t.csv", "x");
+  const std::string before = folder_.Read(u"t.csv");
+  RowWriter writer(table);
+  EXPECT_FALSE(writer.Open());
+  EXPECT_NE(ToUtf8(writer.failure()).find("half a character"), std::string::npos);
+  EXPECT_EQ(folder_.Read(u"t.csv"), before);
+}
+
+TEST_F(RowWriterTest, TheEndIsLeftAloneUntilThereIsARow) {
+  const auto table = Table("", "Id,Name\n1,a\x1A");
+  {
+    RowWriter writer(table);
+    ASSERT_TRUE(writer.Open() && writer.Close());
+  }
+  EXPECT_EQ(folder_.Read(u"t.csv"), "Id,Name\n1,a\x1A");
+}
+
+// What has been added by then is looked at again.
+TEST_F(RowWriterTest, WhatAnotherProgramAddsMeanwhileCounts) {
+  const Row row(Whole(2), Text(u"b"));
+  const auto table = Table("", "Id,Name\n1,a\n");
+  {
+    RowWriter writer(table);
+    ASSERT_TRUE(writer.Open() && writer.Write(row.View()));
+    folder_.Append(u"t.csv", "3,c");
+    EXPECT_TRUE(writer.Close());
+  }
+  const std::string end(kEnd);
+  EXPECT_EQ(folder_.Read(u"t.csv"), "Id,Name\n1,a\n3,c" + end + "2,b" + end);
+  for (const std::string_view added : {"4,\"d",
+                                       "4,d\x1A"
+                                       "5,e"}) {
+    folder_.Write(u"t.csv", "Id,Name\n1,a\n");
+    RowWriter writer(table);
+    ASSERT_TRUE(writer.Open() && writer.Write(row.View()));
+    folder_.Append(u"t.csv", added);
+    EXPECT_FALSE(writer.Close());
+    EXPECT_NE(writer.failure(), u"");
+    EXPECT_EQ(folder_.Read(u"t.csv"), "Id,Name\n1,a\n" + std::string(added));
+  }
+}
+
+TEST_F(RowWriterTest, TheFileOfTheSectionsIsNoTable) {
+  const std::string ini = "[t.csv]\nColNameHeader=False\n";
+  const auto table = Table("ColNameHeader=False", "1,a\n");
+  for (const char16_t* const name : {u"schema.ini", u"SCHEMA.INI", u"link.csv"}) {
+    SCOPED_TRACE(ToUtf8(name));
+    if (name == std::u16string_view(u"link.csv"))
+      boost::filesystem::create_hard_link(folder_.Native(u"schema.ini"), folder_.Native(name));
+    if (!folder_.Exists(name)) continue;
+    TextDatasetDescription other = table;
+    other.name = name;
+    other.path = folder_.Path(name);
+    RowWriter writer(other);
+    EXPECT_FALSE(writer.Open());
+    EXPECT_EQ(ToUtf8(writer.failure()), ToUtf8(other.path) + ": the file is no table");
+    EXPECT_EQ(folder_.Read(u"schema.ini"), ini);
+  }
+}
+
 TEST_F(RowWriterTest, AFileThatIsGoneIsNotMadeAnew) {
   const auto table = Table("", "Id,Name\n1,a\n");
   folder_.Remove(u"t.csv");

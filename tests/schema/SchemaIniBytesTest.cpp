@@ -13,6 +13,7 @@
 #include "schema/SchemaIniFile.h"
 #include "schema/SchemaIniReader.h"
 #include "schema/SchemaIniWriter.h"
+#include "support/SchemaSections.h"
 #include "support/TemporaryFolder.h"
 #include "support/TestText.h"
 #include "support/Utf16Bytes.h"
@@ -79,6 +80,7 @@ TEST_F(SchemaIniBytesTest, LinesThatTheCodePageDoesNotReadKeepTheirBytes) {
 TEST_F(SchemaIniBytesTest, ReadingAddsASectionWithoutLosingTheUnreadableOne) {
   ASSERT_TRUE(QUENRALocale::SetAnsiCodePage(65001));
   SetText(kAnsi);
+  folder_.Write(u"Stra\u00DFe.csv", "");
   ColumnToAdd columns[1];
   columns[0].column.name = u"Gr\u00FC\u00DFe";
   AddSchemaColumns(Paths(), u"Stra\u00DFe.csv", columns);
@@ -147,6 +149,7 @@ TEST_F(SchemaIniBytesTest, AChangedSectionKeepsTheLinesThatStay) {
   SetText(
       "[a.csv]\nCol1=Gr\xFC\xDF"
       "e Text\nCol2=B Text\0hidden\nCol3=C Text\n"s);
+  folder_.Write(u"a.csv", "");
   ColumnToAdd columns[1];
   columns[0].index = 3;
   columns[0].column.name = u"D";

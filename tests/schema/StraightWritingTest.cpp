@@ -146,6 +146,7 @@ class StraightWritingTest : public testing::Test {
     TextDatasetDescription table;
     table.name = u"t.csv";
     table.path = folder_.Path() + u"/t.csv";
+    table.options.specified = SchemaOptions::kColNameHeader;
     table.options.fixedLength = Sometimes(10);
     table.options.delimiter = OneOf(kDelimiters);
     table.options.textDelimiter = OneOf(kQuotes);
@@ -224,6 +225,7 @@ TEST_F(StraightWritingTest, TextsOfAnySizeLookTheSameBothWays) {
   TextDatasetDescription table;
   table.name = u"t.csv";
   table.path = folder_.Path() + u"/t.csv";
+  table.options.specified = SchemaOptions::kColNameHeader;
   for (int i = 0; i < 4; ++i) {
     FieldDefinition field;
     field.name = u"F";

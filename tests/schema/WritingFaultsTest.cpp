@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <functional>
 #include <map>
+#include <sstream>
 #include <string>
 #include <thread>
 #include <vector>
@@ -394,6 +395,34 @@ TEST_F(WritingFaultsTest, ProcessesThatUpdateOneSchemaIniLoseNothing) {
       EXPECT_EQ(*ini.Find(name), SectionLines{u"Format=CSVDelimited"});
     }
   EXPECT_EQ(Everything(folder).size(), 3u);
+}
+
+// One of them is out of room, which is no business of the other one's rows.
+TEST_F(WritingFaultsTest, AFullDiskTakesNoRowsOfAnotherLoader) {
+  constexpr int kRows = 20000;
+  constexpr int kFirstId = 200000;
+  for (int round = 0; round < 10; ++round) {
+    TemporaryFolder folder;
+    Fill(folder);
+    int limited = -1;
+    int free = -1;
+    std::thread other([&] {
+      limited =
+          Run(folder, {"load", "FOLDER", "a.csv", "20000", "100000"}, {{"FILE_LIMIT", "700000"}})
+              .exitCode;
+    });
+    free = Run(folder, {"load", "FOLDER", "a.csv", "20000", "200000"}).exitCode;
+    other.join();
+    EXPECT_EQ(limited, 1);
+    EXPECT_EQ(free, 0);
+    std::istringstream lines(folder.Read(u"a.csv").substr(kTable.size()));
+    int next = kFirstId;
+    for (std::string line; std::getline(lines, line);) {
+      ASSERT_EQ(line.find(",a name that makes the row longer"), 6U) << line;
+      if (line.starts_with(std::to_string(next))) ++next;
+    }
+    ASSERT_EQ(next, kFirstId + kRows);
+  }
 }
 
 TEST_F(WritingFaultsTest, ColumnsThatTwoProcessesDeclareAreBothKept) {
