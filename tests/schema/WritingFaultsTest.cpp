@@ -325,6 +325,32 @@ TEST_F(WritingInPlaceTest, EndedAnywhereNothingIsLost) {
   EXPECT_GT(halfWay, 0);
 }
 
+// An operation holds schema.ini for longer than it writes it, by way of a second temporary file.
+TEST_F(WritingInPlaceTest, AnEndedRenamingLosesNoSection) {
+  int halfWay = 0;
+  for (int call = 1; call < kMostCalls; ++call) {
+    SCOPED_TRACE("ended before call " + std::to_string(call));
+    TemporaryFolder folder;
+    FillLinked(folder);
+    const ProcessResult result =
+        Run(folder, {"rename", "FOLDER", "a.csv", "b.csv"}, {{"FAULT_AT", std::to_string(call)}});
+    if (result.exitCode == kNoFaultLeft) break;
+    ASSERT_EQ(result.exitCode, kEnded);
+    if (!folder.Read(u"schema.ini").ends_with("[last.csv]\nCol1=L Text\n")) {
+      ++halfWay;
+      EXPECT_EQ(Run(folder, {"mismatch", "FOLDER", "a.csv", "2"}).exitCode, 1);
+    }
+    EXPECT_EQ(Run(folder, {"sections", "FOLDER", "y", "1"}).exitCode, 0);
+    ExpectOtherSections(folder);
+    EXPECT_EQ(TableIn(folder, folder.Exists(u"a.csv") ? u"a.csv" : u"b.csv").section,
+              "Format=CSVDelimited\nColNameHeader=True\nCol1=Id Long\nCol2=Name Text\n");
+    EXPECT_EQ(folder.Read(u"second"), folder.Read(u"schema.ini"));
+    EXPECT_FALSE(folder.Exists(u"~scheam.ini"));
+    EXPECT_FALSE(folder.Exists(u"~schema.ini.tmp"));
+  }
+  EXPECT_GT(halfWay, 0);
+}
+
 TEST_F(WritingInPlaceTest, AFailureAnywhereIsTakenBack) {
   int failures = 0;
   for (int call = 1; call < kMostCalls; ++call) {
