@@ -281,13 +281,15 @@ bool ExclusiveFile::Take(const NativeFileName& path, milliseconds patience) {
   path_ = path;
   holder_.clear();
   firstMode_ = 0;
+  // Others have been quicker so often in a row only if something is wrong.
+  constexpr int kMostRounds = 1000;
   const Clock::time_point end = Clock::now() + patience;
   std::chrono::microseconds pause{100};
-  for (;;) {
+  for (int rounds = 0;;) {
     const Attempt attempt = TryToTake(path);
     if (attempt == Attempt::kDone) return Succeed();
     if (attempt == Attempt::kFailed) return false;
-    if (attempt == Attempt::kAgain && Clock::now() < end) continue;
+    if (attempt == Attempt::kAgain && ++rounds < kMostRounds) continue;
     if (Clock::now() >= end) break;
     // The system wakes nobody who waits for a limited time.
     std::this_thread::sleep_for(pause);
