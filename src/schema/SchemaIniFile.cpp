@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <boost/filesystem.hpp>
+#include <chrono>
 #include <fstream>
 #include <iterator>
 #include <map>
@@ -17,6 +18,9 @@ namespace TextFile {
 namespace {
 
 namespace fs = boost::filesystem;
+
+// A reader shall not be kept waiting for what it can do without.
+constexpr std::chrono::milliseconds kPatienceOfReading{1000};
 
 constexpr std::u16string_view kCouldNotCreate = u"Could not create schema.ini.";
 constexpr std::u16string_view kCouldNotWrite = u"Could not write to schema.ini.";
@@ -74,6 +78,19 @@ bool FitsHeader(std::u16string_view name) noexcept {
   throw SchemaIniFailure{std::u16string(reason)};
 }
 
+// Fails for a reason that lies with a temporary file, and says what was in its way.
+[[noreturn]] void FailOver(std::u16string_view reason, const ExclusiveFile& file) {
+  std::u16string text(reason);
+  if (!file.Obstacle().empty()) (text += u' ') += file.Obstacle() + u'.';
+  Fail(text);
+}
+
+// Also for a link that leads nowhere.
+bool HasName(const std::u16string& path) {
+  boost::system::error_code ignored;
+  return fs::exists(fs::symlink_status(fs::path(NativeFromFileName(path)), ignored));
+}
+
 // Regular files only, as the line reader has it. A file that breaks off is not to be rewritten.
 bool ReadWhole(const NativeFileName& path, std::string& bytes) {
   boost::system::error_code ignored;
@@ -112,14 +129,14 @@ bool IsSame(const SchemaIniSection& section, const SchemaIniSection& other) {
 
 }  // namespace
 
-SchemaIniFile::SchemaIniFile(SchemaIniPaths paths, Access access) : paths_(std::move(paths)) {
-  boost::system::error_code ignored;
-  const fs::path native(NativeFromFileName(paths_.schemaIni));
-  exists_ = fs::exists(fs::symlink_status(native, ignored));
+SchemaIniFile::SchemaIniFile(SchemaIniPaths paths, Access access)
+    : paths_(std::move(paths)),
+      finished_(JoinPath(FolderOf(paths_.schemaIni), TemporaryNameOf(u"schema.ini", u".tmp"))),
+      access_(access) {
+  exists_ = HasName(paths_.schemaIni);
   // The lock comes first: what is read behind it is what the writer before has left.
-  if (access == Access::kWrite && !temporary_.Open(NativeFromFileName(paths_.temporary)))
-    Fail(exists_ ? kCouldNotWriteTemporary : kCouldNotCreate);
-  exists_ = fs::exists(fs::symlink_status(native, ignored));
+  if (access != Access::kRead) TakeHold();
+  exists_ = HasName(paths_.schemaIni);
   if (!exists_) return;
   try {
     Read();
@@ -128,6 +145,26 @@ SchemaIniFile::SchemaIniFile(SchemaIniPaths paths, Access access) : paths_(std::
     text_ = SchemaIniText();
     isRead_ = false;
   }
+}
+
+void SchemaIniFile::TakeHold() {
+  const NativeFileName target = NativeFromFileName(paths_.schemaIni);
+  const auto patience = access_ == Access::kUpdate ? kPatienceOfReading : ExclusiveFile::kPatience;
+  const std::u16string_view reason = exists_ ? kCouldNotWriteTemporary : kCouldNotCreate;
+  if (!temporary_.OpenToReplace(NativeFromFileName(paths_.temporary), target, patience,
+                                MayWriteInPlace()))
+    FailOver(reason, temporary_);
+  // What a writer that had the lock has left may be all there is of a text that it was writing into
+  // schema.ini.
+  ExclusiveFile leftOver;
+  if (HasName(finished_) &&
+      !leftOver.OpenToReplace(NativeFromFileName(finished_), target, patience, MayWriteInPlace()))
+    FailOver(reason, leftOver);
+}
+
+ExclusiveFile::InPlace SchemaIniFile::MayWriteInPlace() const noexcept {
+  return access_ == Access::kWrite ? ExclusiveFile::InPlace::kAllowed
+                                   : ExclusiveFile::InPlace::kRefused;
 }
 
 void SchemaIniFile::Read() {
@@ -299,18 +336,17 @@ std::string SchemaIniFile::Bytes() const {
 }
 
 void SchemaIniFile::Save() {
-  if (!temporary_.Write(Bytes())) Fail(exists_ ? kCouldNotWriteTemporary : kCouldNotWrite);
-  if (!temporary_.Replace(NativeFromFileName(paths_.schemaIni)))
-    Fail(exists_ ? kCouldNotWrite : kCouldNotCreate);
+  if (!temporary_.Write(Bytes()))
+    FailOver(exists_ ? kCouldNotWriteTemporary : kCouldNotWrite, temporary_);
+  if (!temporary_.Replace(NativeFromFileName(paths_.schemaIni), MayWriteInPlace()))
+    FailOver(exists_ ? kCouldNotWrite : kCouldNotCreate, temporary_);
 }
 
 // By way of another temporary file: the usual one stays where it is, for others to wait for.
-bool SchemaIniFile::PutInPlace(std::string_view bytes) {
-  const std::u16string finished =
-      JoinPath(FolderOf(paths_.schemaIni), TemporaryNameOf(u"schema.ini", u".tmp"));
-  ExclusiveFile file;
-  return file.Open(NativeFromFileName(finished)) && file.Write(bytes) &&
-         file.Replace(NativeFromFileName(paths_.schemaIni));
+bool SchemaIniFile::ReplaceAndHold(std::string_view bytes, ExclusiveFile& finished) const {
+  const NativeFileName target = NativeFromFileName(paths_.schemaIni);
+  return finished.OpenToReplace(NativeFromFileName(finished_), target) && finished.Write(bytes) &&
+         finished.Replace(target, MayWriteInPlace());
 }
 
 void SchemaIniFile::SaveAndHold() {
@@ -318,7 +354,9 @@ void SchemaIniFile::SaveAndHold() {
   if (!written_.has_value() && exists_ &&
       !ReadWhole(NativeFromFileName(paths_.schemaIni), before_.emplace()))
     Fail(kCouldNotRead);
-  if (!PutInPlace(bytes)) Fail(exists_ ? kCouldNotWriteTemporary : kCouldNotCreate);
+  ExclusiveFile finished;
+  if (!ReplaceAndHold(bytes, finished))
+    FailOver(exists_ ? kCouldNotWriteTemporary : kCouldNotCreate, finished);
   written_ = std::move(bytes);
   exists_ = true;
 }
@@ -329,7 +367,8 @@ void SchemaIniFile::Restore() noexcept try {
       found != *written_)
     return;
   if (before_.has_value()) {
-    PutInPlace(*before_);
+    ExclusiveFile finished;
+    ReplaceAndHold(*before_, finished);
   } else {
     boost::system::error_code ignored;
     fs::remove(fs::path(NativeFromFileName(paths_.schemaIni)), ignored);

@@ -38,7 +38,14 @@ struct SchemaIniFailure {
 
 class SchemaIniFile {
  public:
-  enum class Access { kRead, kWrite };
+  enum class Access {
+    kRead,
+    // Waits ten seconds for other writers.
+    kWrite,
+    // For what reading does by itself: waits one second, and never writes into the old file where
+    // that cannot be replaced without changing whose it is (see ExclusiveFile).
+    kUpdate,
+  };
 
   // What became of a change.
   struct Change {
@@ -47,8 +54,10 @@ class SchemaIniFile {
   };
 
   // Reads schema.ini; one that does not exist has no sections. Throws SchemaIniFailure (kRead) when
-  // it cannot be read or is in an encoding that is not read, or (kWrite) when the temporary file
-  // cannot be made. For writing, a file that cannot be read has no sections and is never saved.
+  // it cannot be read or is in an encoding that is not read, or (otherwise) when the temporary file
+  // cannot be made; the reason then names it and, where that is known, who has it. For writing, a
+  // file that cannot be read has no sections and is never saved. Writing into schema.ini that a
+  // process has left half-way is completed first, or (kUpdate) a reason to fail.
   SchemaIniFile(SchemaIniPaths paths, Access access);
 
   // The section that reading takes for that name; null when there is none. The pointer lives until
@@ -114,12 +123,16 @@ class SchemaIniFile {
   void Erase(std::span<const std::size_t> places);
   bool IsHiddenBefore(std::size_t place, std::u16string_view name) const noexcept;
   SchemaIniSection Rewritten(const SchemaIniSection& old, const SectionLines& lines) const;
+  ExclusiveFile::InPlace MayWriteInPlace() const noexcept;
   Change InsertSection(std::u16string_view newName, SchemaIniSection section);
   void Read();
   std::string Bytes() const;
-  bool PutInPlace(std::string_view bytes);
+  void TakeHold();
+  bool ReplaceAndHold(std::string_view bytes, ExclusiveFile& finished) const;
 
   const SchemaIniPaths paths_;
+  const std::u16string finished_;  // the temporary file of SaveAndHold
+  const Access access_;
   ExclusiveFile temporary_;
   SchemaIniText text_;
   bool exists_ = false;

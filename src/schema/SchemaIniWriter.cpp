@@ -227,7 +227,7 @@ void AddSchemaColumns(const SchemaIniPaths& paths, std::u16string_view sectionNa
   read();
   if (std::all_of(columns.begin(), columns.end(), isDeclared)) return;
   Guarded(nullptr, [&] {
-    SchemaIniFile file(paths, SchemaIniFile::Access::kWrite);
+    SchemaIniFile file(paths, SchemaIniFile::Access::kUpdate);
     // Now that others wait: a section of a file that has gone would describe the next of its name.
     if (!IsFile(JoinPath(FolderOf(paths.schemaIni), sectionName)) ||
         file.ReadsAnothers(sectionName))

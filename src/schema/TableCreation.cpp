@@ -133,7 +133,7 @@ void CreateWhenHeld(const TableLocation& table, std::vector<FieldDefinition>& fi
   SchemaOptions options = OptionsOf(SchemaIniPaths(table.folder), table.name, fields);
   SetColumns(fields, options);
   RequireReadableColumns(options);
-  if (!file.Write(HeaderLine(options, fields))) FailTable(path, file.error());
+  if (!file.Write(HeaderLine(options, fields))) FailTable(path, file);
   Rollback rollback;
   sections.Replace(table.name, SchemaSectionLines(options));
   rollback.AddRestoration(sections);
@@ -142,7 +142,7 @@ void CreateWhenHeld(const TableLocation& table, std::vector<FieldDefinition>& fi
   const NativeFileName native = NativeFromFileName(path);
   if (!(replaces ? file.Replace(native) : file.TakeName(native))) {
     if (ExclusiveFile::MeansTaken(file.error())) FailBecauseTaken(path);
-    FailTable(path, file.error());
+    FailTable(path, file);
   }
   rollback.Commit();
 }
@@ -160,8 +160,9 @@ void CreateTableFiles(const TableLocation& table, std::vector<FieldDefinition> f
   const bool mayReplace = existing == ExistingFile::kReplaced && HasName(path);
   if (!mayReplace) RequireFree(path);
   ExclusiveFile file;
-  if (!file.Open(NativeFromFileName(TemporaryPath(table.folder, table.name))))
-    FailTable(path, file.error());
+  if (!file.OpenToReplace(NativeFromFileName(TemporaryPath(table.folder, table.name)),
+                          NativeFromFileName(path)))
+    FailTable(path, file);
   RunOperation(table.folder, [&] {
     FileHold hold;
     const auto sections = HoldTable(table, hold);

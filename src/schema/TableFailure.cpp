@@ -18,4 +18,9 @@ void FailTable(std::u16string_view path, const std::error_code& error) {
   FailTable(path, FileNameFromNative(boost::filesystem::path(error.message()).native()));
 }
 
+void FailTable(std::u16string_view path, const ExclusiveFile& file) {
+  if (file.Obstacle().empty()) FailTable(path, file.error());
+  FailTable(path, file.Obstacle());
+}
+
 }  // namespace TextFile

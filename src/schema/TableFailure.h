@@ -5,6 +5,8 @@
 #include <string_view>
 #include <system_error>
 
+#include "platform/ExclusiveFile.h"
+
 namespace TextFile {
 
 // Thrown inside the core; `text` names the file and the reason.
@@ -16,5 +18,7 @@ struct TableFailure {
 [[noreturn]] void FailTable(std::u16string_view path, std::u16string_view reason);
 // With the system's own words.
 [[noreturn]] void FailTable(std::u16string_view path, const std::error_code& error);
+// The same for what a temporary file could not do, or what was in its way.
+[[noreturn]] void FailTable(std::u16string_view path, const ExclusiveFile& file);
 
 }  // namespace TextFile

@@ -64,7 +64,7 @@ class FinishedCopy {
  public:
   FinishedCopy(std::u16string from, const std::u16string& temporary, std::u16string to)
       : from_(std::move(from)), to_(std::move(to)) {
-    if (!file_.Open(NativeFromFileName(temporary))) FailTable(to_, file_.error());
+    if (!file_.Open(NativeFromFileName(temporary))) FailTable(to_, file_);
     OpenSource();
     CopyBytes();
     boost::system::error_code ignored;
@@ -82,7 +82,7 @@ class FinishedCopy {
   void TakeName() {
     if (file_.TakeName(NativeFromFileName(to_))) return;
     if (ExclusiveFile::MeansTaken(file_.error())) FailBecauseTaken(to_);
-    FailTable(to_, file_.error());
+    FailTable(to_, file_);
   }
 
  private:
@@ -104,8 +104,7 @@ class FinishedCopy {
       const std::ptrdiff_t count = source_.ReadAt(done, block.data(), wanted);
       if (count < 0) FailTable(from_, u"the file cannot be read");
       if (count == 0) return;  // somebody has cut it
-      if (!file_.Write({block.data(), static_cast<std::size_t>(count)}))
-        FailTable(to_, file_.error());
+      if (!file_.Write({block.data(), static_cast<std::size_t>(count)})) FailTable(to_, file_);
       done += static_cast<std::uint64_t>(count);
     }
   }
