@@ -20,8 +20,6 @@ namespace {
 using quenra::BString;
 using quenra::ComPtr;
 
-// ERROR_FILE_EXISTS.
-constexpr HRESULT kFileExists = static_cast<HRESULT>(0x80070050u);
 // The data source's code for what does not fit a field.
 constexpr HRESULT kFieldTypeDiffers = static_cast<HRESULT>(0x80040955u);
 
@@ -36,7 +34,7 @@ void RequireFree(const TablePath& path) {
   std::error_code ignored;
   if (!std::filesystem::exists(std::filesystem::symlink_status(file, ignored))) return;
   const bool folder = std::filesystem::is_directory(file, ignored);
-  throw Refusal(kFileExists, Shown(path.name) +
+  throw Refusal(quenra::kFileExists, Shown(path.name) +
                                  (folder ? " exists already and is a folder" : " exists already"));
 }
 
@@ -138,12 +136,33 @@ LONG TypeReadBack(LONG type) noexcept {
 // A section that was in schema.ini before decides the types of the columns, which may surprise.
 void WarnOfOtherTypes(quenra::IPlugInDatasetHelper& dataset, const TablePath& path,
                       const std::vector<NewField>& wanted) {
-  const std::vector<Field> fields = FieldsOf(dataset, path.name);
+  std::vector<Field> fields;
+  try {
+    fields = FieldsOf(dataset, path.name);
+  } catch (const Refusal&) {
+    return;  // created, and renamed or removed by somebody else since
+  }
   for (std::size_t i = 0; i < fields.size() && i < wanted.size(); ++i)
     if (fields[i].type != TypeReadBack(wanted[i].type))
       ReportWarning(kFieldTypeDiffers,
                     "field \"" + Shown(wanted[i].name) + "\" is " + FieldTypeName(fields[i].type) +
                         ": schema.ini had described " + Shown(path.name) + " already");
+}
+
+using Workspace = ComPtr<quenra::IPlugInWorkspaceHelper>;
+using NewTable = ComPtr<quenra::IPlugInDatasetHelper>;
+
+HRESULT CreateOver(const Workspace& workspace, const BString& name,
+                   quenra::HostFieldCollection& fields, NewTable& table) {
+  const auto creator = workspace.As<quenra::IPlugInCreateDataset>();
+  return creator ? creator->CreateTable(name.Get(), &fields, table.Receive()) : E_NOINTERFACE;
+}
+
+// The module sees to it that a file which comes while the table is made is kept as well.
+HRESULT CreateNew(const Workspace& workspace, const BString& name,
+                  quenra::HostFieldCollection& fields, NewTable& table) {
+  const auto creator = workspace.As<quenra::ITextFileWorkspace>();
+  return creator ? creator->CreateNewTable(name.Get(), &fields, table.Receive()) : E_NOINTERFACE;
 }
 
 }  // namespace
@@ -154,13 +173,11 @@ void RunCreate(const CommandLine& line, Output&) {
   const auto workspace = host.OpenFolder(path.folder);
   if (!line.overwrite) RequireFree(path);
   const auto fields = MakeFields(line.fields);
-  const auto creator = workspace.As<quenra::IPlugInCreateDataset>();
   const BString name(path.name);
   ComPtr<quenra::IPlugInDatasetHelper> dataset;
   RunWhole([&] {
-    Check(
-        creator ? creator->CreateTable(name.Get(), fields.Get(), dataset.Receive()) : E_NOINTERFACE,
-        path.name);
+    Check((line.overwrite ? CreateOver : CreateNew)(workspace, name, *fields.Get(), dataset),
+          path.name);
   });
   // Hosts may ask for older types, and then get them.
   const bool usualTypes = !line.global.fieldTypeVersion && line.global.hostOptions.empty();
@@ -183,6 +200,7 @@ void RunCopy(const CommandLine& line, Output&) {
   const auto workspace = edit.As<quenra::HostWorkspace>();
   const BString name(target.name);
   RunWhole([&] { Check(operations->CopyDataset(name.Get(), workspace.Get()), target.name); });
+  ReportWarnings(line.global.quiet);
 }
 
 void RunRename(const CommandLine& line, Output&) {
@@ -197,6 +215,7 @@ void RunRename(const CommandLine& line, Output&) {
   const BString name(line.target);
   BString result;
   RunWhole([&] { Check(operations->RenameDataset(name.Get(), result.Receive()), line.target); });
+  ReportWarnings(line.global.quiet);
 }
 
 void RunDelete(const CommandLine& line, Output&) {

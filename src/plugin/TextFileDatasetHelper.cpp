@@ -29,6 +29,11 @@ HRESULT Answer(Value* result, Value value, HRESULT code = S_OK) noexcept {
   return code;
 }
 
+// What the user should know although all went well.
+void ChainRemark(std::u16string_view remark) noexcept {
+  if (!remark.empty()) ChainTextFileError(kSectionStood, remark);
+}
+
 HRESULT NotSupported(const void* result) noexcept { return result == nullptr ? E_POINTER : E_FAIL; }
 
 }  // namespace
@@ -166,8 +171,9 @@ HRESULT STDMETHODCALLTYPE TextFileDatasetHelper::CopyDataset(BSTR newName,
   if (ViewOf(newName).empty() || target == nullptr) return E_INVALIDARG;
   BString folder;
   if (const HRESULT result = target->WorkspacePath(folder.Receive()); FAILED(result)) return result;
-  TextFile::CopyTableFiles(Location(),
-                           {std::u16string(ViewOf(folder.Get())), std::u16string(ViewOf(newName))});
+  const TextFile::TableLocation copy{std::u16string(ViewOf(folder.Get())),
+                                     std::u16string(ViewOf(newName))};
+  ChainRemark(TextFile::CopyTableFiles(Location(), copy));
   return S_OK;
 } catch (...) {
   return HResultFromTableException();
@@ -194,7 +200,7 @@ HRESULT STDMETHODCALLTYPE TextFileDatasetHelper::RenameDataset(BSTR newName, BST
   const std::u16string_view name = ViewOf(newName);
   auto renamed = std::make_shared<TextFile::TextDatasetDescription>(*description_);
   const TextFile::TableLocation location = Location();
-  TextFile::RenameTableFiles(location, name);
+  ChainRemark(TextFile::RenameTableFiles(location, name));
   renamed->name = name;
   renamed->path = TextFile::JoinPath(location.folder, name);
   description_ = std::move(renamed);

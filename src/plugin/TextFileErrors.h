@@ -17,6 +17,9 @@ inline constexpr HRESULT kFileNotOpened = static_cast<HRESULT>(0x80040211u);
 inline constexpr HRESULT kSchemaIniError = static_cast<HRESULT>(0x80040311u);
 inline constexpr HRESULT kFieldTypeNotSupported = static_cast<HRESULT>(0x80040203u);
 inline constexpr HRESULT kFieldValueError = static_cast<HRESULT>(0x80040955u);
+// Chained by a call that succeeds: sections of schema.ini stood under a table's new name. The
+// system's ERROR_ALREADY_EXISTS.
+inline constexpr HRESULT kSectionStood = static_cast<HRESULT>(0x800700B7u);
 
 // Where error information comes from. The quote characters are part of the texts: hosts compare
 // them with what they have always received.

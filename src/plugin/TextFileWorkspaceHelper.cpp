@@ -15,7 +15,6 @@
 #include "reading/OpenTextDataset.h"
 #include "schema/ParseError.h"
 #include "schema/SchemaIniPaths.h"
-#include "schema/TableFiles.h"
 
 namespace quenra {
 namespace {
@@ -123,20 +122,37 @@ HRESULT STDMETHODCALLTYPE TextFileWorkspaceHelper::MetadataFilePath(BSTR name, B
 
 HRESULT STDMETHODCALLTYPE TextFileWorkspaceHelper::CreateTable(BSTR name,
                                                                HostFieldCollection* fields,
-                                                               IPlugInDatasetHelper** dataset) try {
+                                                               IPlugInDatasetHelper** dataset) {
+  return Create(name, fields, TextFile::ExistingFile::kReplaced, dataset);
+}
+
+HRESULT STDMETHODCALLTYPE TextFileWorkspaceHelper::CreateNewTable(BSTR name,
+                                                                  HostFieldCollection* fields,
+                                                                  IPlugInDatasetHelper** dataset) {
+  return Create(name, fields, TextFile::ExistingFile::kKept, dataset);
+}
+
+HRESULT TextFileWorkspaceHelper::Create(BSTR name, HostFieldCollection* fields,
+                                        TextFile::ExistingFile existing,
+                                        IPlugInDatasetHelper** dataset) const try {
   if (dataset != nullptr) *dataset = nullptr;
   if (ViewOf(name).empty() || fields == nullptr || dataset == nullptr) return E_POINTER;
   std::vector<TextFile::FieldDefinition> definitions;
   if (const HRESULT result = DefinitionsFrom(*fields, definitions); FAILED(result)) return result;
-  TextFile::CreateTableFiles({workspace_.folder, std::u16string(ViewOf(name))}, definitions);
+  TextFile::CreateTableFiles({workspace_.folder, std::u16string(ViewOf(name))}, definitions,
+                             existing);
   auto created = MakeObject<TextFileDatasetHelper>(
       TextFile::DescribeFile(workspace_.folder, ViewOf(name)), options_);
-  if (const HRESULT result = created->EnsureOpen(); FAILED(result)) return result;
-  created->KeepDatePrecision(definitions);
+  // The table is there. When somebody has renamed or removed it already, its first use tells.
+  if (SUCCEEDED(created->EnsureOpen())) created->KeepDatePrecision(definitions);
   *dataset = created.Detach();
   return S_OK;
 } catch (const TextFile::ParseError&) {
   return HResultFromOpenException(ViewOf(name));
+} catch (const TextFile::TableFailure& failure) {
+  if (!failure.taken || existing != TextFile::ExistingFile::kKept)
+    return HResultFromTableException();
+  return ChainTextFileError(kFileExists, failure.text);
 } catch (...) {
   return HResultFromTableException();
 }

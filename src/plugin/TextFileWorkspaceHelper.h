@@ -7,12 +7,13 @@
 #include "host/interfaces/PlugInWorkspace.h"
 #include "inference/OpenOptions.h"
 #include "plugin/TextFileDatasetHelper.h"
+#include "schema/TableFiles.h"
 
 namespace quenra {
 
 class TextFileWorkspaceHelper final
     : public Implements<IPlugInWorkspaceHelper, IPlugInWorkspaceHelper2, IPlugInMetadataPath,
-                        IPlugInCreateDataset, IPlugInWorkspaceProperties> {
+                        IPlugInCreateDataset, IPlugInWorkspaceProperties, ITextFileWorkspace> {
  public:
   // The options are copied, and passed on to every table. The folder lists no tables until it is
   // marked as verified.
@@ -48,6 +49,10 @@ class TextFileWorkspaceHelper final
   HRESULT STDMETHODCALLTYPE CreateTable(BSTR name, HostFieldCollection* fields,
                                         IPlugInDatasetHelper** dataset) override;
 
+  // ITextFileWorkspace. Keeps a file of that name, also one that comes while the table is made.
+  HRESULT STDMETHODCALLTYPE CreateNewTable(BSTR name, HostFieldCollection* fields,
+                                           IPlugInDatasetHelper** dataset) override;
+
   // IPlugInWorkspaceProperties
   HRESULT STDMETHODCALLTYPE ReservedQuery(VARIANT_BOOL* result) override;
   HRESULT STDMETHODCALLTYPE SupportsFieldType(LONG type, VARIANT_BOOL* supported) override;
@@ -57,6 +62,9 @@ class TextFileWorkspaceHelper final
     std::u16string folder;
     bool folderVerified = false;
   };
+
+  HRESULT Create(BSTR name, HostFieldCollection* fields, TextFile::ExistingFile existing,
+                 IPlugInDatasetHelper** dataset) const;
 
   // Null when there is no such table.
   ComPtr<TextFileDatasetHelper> FindDataset(std::u16string_view name) const;

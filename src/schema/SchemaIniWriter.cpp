@@ -1,9 +1,11 @@
 #include "schema/SchemaIniWriter.h"
 
 #include <algorithm>
+#include <boost/filesystem.hpp>
 #include <string>
 
 #include "host/CoreSupport/CharacterClasses.h"
+#include "platform/FileNames.h"
 #include "schema/ParseError.h"
 #include "schema/SchemaColumnLine.h"
 #include "schema/SchemaIniFile.h"
@@ -151,6 +153,12 @@ SectionLines SchemaSectionLines(const SchemaOptions& options) {
 
 namespace {
 
+bool IsFile(const std::u16string& path) {
+  boost::system::error_code ignored;
+  return boost::filesystem::is_regular_file(boost::filesystem::path(NativeFromFileName(path)),
+                                            ignored);
+}
+
 // Runs a change of a schema.ini; whatever goes wrong becomes false and the reason.
 template <class Change>
 bool Guarded(std::u16string* failure, const Change& change) noexcept {
@@ -168,28 +176,14 @@ bool Guarded(std::u16string* failure, const Change& change) noexcept {
   return false;
 }
 
+}  // namespace
+
 void RequireReadableColumns(const SchemaOptions& options) {
   for (const auto& [index, field] : options.columns)
     if (!ReadsBack(field, ColumnLine(field, options.dateTimeFormat)))
       throw SchemaIniFailure{u"The field \"" + field.name +
                              u"\" cannot be described in schema.ini."};
 }
-
-// A schema.ini that cannot be read has no sections, here as for those who open tables.
-std::optional<SectionLines> LinesOf(const SchemaIniPaths& paths, std::u16string_view name) {
-  try {
-    const SchemaIniFile file(paths, SchemaIniFile::Access::kRead);
-    if (const SectionLines* lines = file.Find(name)) return *lines;
-  } catch (const SchemaIniFailure&) {
-  }
-  return std::nullopt;
-}
-
-bool HasSection(const SchemaIniPaths& paths, std::u16string_view name) {
-  return LinesOf(paths, name).has_value();
-}
-
-}  // namespace
 
 bool WriteSchemaSection(const SchemaIniPaths& paths, std::u16string_view sectionName,
                         const SchemaOptions& options, std::u16string* failure) noexcept {
@@ -217,7 +211,11 @@ void AddSchemaColumns(const SchemaIniPaths& paths, std::u16string_view sectionNa
   read();
   if (std::all_of(columns.begin(), columns.end(), isDeclared)) return;
   Guarded(nullptr, [&] {
-    SchemaIniFile file(paths, SchemaIniFile::Access::kWrite);
+    SchemaIniFile file(paths, SchemaIniFile::Access::kUpdate);
+    // Now that others wait: a section of a file that has gone would describe the next of its name.
+    if (!IsFile(JoinPath(FolderOf(paths.schemaIni), sectionName)) ||
+        file.ReadsAnothers(sectionName))
+      return;
     SchemaOptions options = read();
     RequireReadableColumns(options);
     std::vector<ColumnToAdd*> added;
@@ -233,71 +231,6 @@ void AddSchemaColumns(const SchemaIniPaths& paths, std::u16string_view sectionNa
     file.Replace(sectionName, SchemaSectionLines(options));
     file.Save();
     for (ColumnToAdd* column : added) column->added = true;
-  });
-}
-
-SavedSchemaSection::SavedSchemaSection(const SchemaIniPaths& paths, std::u16string_view sectionName)
-    : paths_(paths), name_(sectionName), lines_(LinesOf(paths, sectionName)) {}
-
-void SavedSchemaSection::Restore() const noexcept {
-  if (!lines_.has_value()) {
-    DropSchemaSection(paths_, name_);
-    return;
-  }
-  Guarded(nullptr, [&] {
-    SchemaIniFile file(paths_, SchemaIniFile::Access::kWrite);
-    file.Replace(name_, *lines_);
-    file.Save();
-  });
-}
-
-bool DropSchemaSection(const SchemaIniPaths& paths, std::u16string_view sectionName,
-                       std::u16string* failure) noexcept {
-  return Guarded(failure, [&] {
-    if (!HasSection(paths, sectionName)) return;
-    SchemaIniFile file(paths, SchemaIniFile::Access::kWrite);
-    file.Remove(sectionName);
-    file.Save();
-  });
-}
-
-bool RenameSchemaSection(const SchemaIniPaths& paths, std::u16string_view sectionName,
-                         std::u16string_view newName, std::u16string* failure) noexcept {
-  return Guarded(failure, [&] {
-    if (!HasSection(paths, sectionName)) return;
-    SchemaIniFile file(paths, SchemaIniFile::Access::kWrite);
-    file.Rename(sectionName, newName);
-    file.Save();
-  });
-}
-
-bool DuplicateSchemaSection(const SchemaIniPaths& paths, std::u16string_view sectionName,
-                            std::u16string_view newName, std::u16string* failure) noexcept {
-  return Guarded(failure, [&] {
-    if (!HasSection(paths, sectionName) && !HasSection(paths, newName)) return;
-    SchemaIniFile file(paths, SchemaIniFile::Access::kWrite);
-    file.Remove(newName);
-    file.Duplicate(sectionName, newName);
-    file.Save();
-  });
-}
-
-bool CopySchemaSection(const SchemaIniPaths& from, std::u16string_view sectionName,
-                       const SchemaIniPaths& to, std::u16string_view newName,
-                       std::u16string* failure) noexcept {
-  return Guarded(failure, [&] {
-    const std::optional<SectionLines> lines = LinesOf(from, sectionName);
-    if (!lines.has_value()) {
-      // What an earlier file of the new name has left must not describe the copy.
-      if (!HasSection(to, newName)) return;
-      SchemaIniFile target(to, SchemaIniFile::Access::kWrite);
-      target.Remove(newName);
-      target.Save();
-      return;
-    }
-    SchemaIniFile target(to, SchemaIniFile::Access::kWrite);
-    target.Replace(newName, *lines);
-    target.Save();
   });
 }
 

@@ -1,10 +1,10 @@
-// Writes, drops, renames and copies the section of one file in a folder's schema.ini.
+// Writes the section of one file in a folder's schema.ini.
 //
-// Every function answers whether the change was made. When it was not, schema.ini is as it was and
-// `failure` (may be null) says why; nothing is thrown. Section names are compared without regard to
-// case. A schema.ini in an encoding that is not read (UTF-16 with the high byte first, UTF-32) is
-// never rewritten. Files are written as UTF-8, with a byte-order mark only when the old file had a
-// mark.
+// WriteSchemaSection answers whether the change was made. When it was not, schema.ini is as it was
+// and `failure` (may be null) says why; nothing is thrown. Whose a section is, SchemaIniFile tells.
+// A schema.ini in an encoding that is not read (UTF-16 with the high byte first, UTF-32) is never
+// rewritten. Lines that are not changed keep their bytes; new lines are written in the encoding of
+// the file, a new file in UTF-8 without a mark.
 #pragma once
 
 #include <cstdint>
@@ -35,42 +35,13 @@ struct ColumnToAdd {
 
 // Adds the columns that the section does not declare, in one write; the section is made when there
 // is none, and what other writers do meanwhile is kept. The columns have different positions.
+// Nothing is added for a file that has gone, or when another file's section is taken for its own.
 // Throws ParseError when the section cannot be understood.
 void AddSchemaColumns(const SchemaIniPaths& paths, std::u16string_view sectionName,
                       std::span<ColumnToAdd> columns);
 
-// What a section was, to bring it back after a failure.
-class SavedSchemaSection {
- public:
-  SavedSchemaSection(const SchemaIniPaths& paths, std::u16string_view sectionName);
-  // Writes the old lines, or takes the section away when there was none.
-  void Restore() const noexcept;
-
- private:
-  SchemaIniPaths paths_;
-  std::u16string name_;
-  std::optional<std::vector<std::u16string>> lines_;
-};
-
-// Takes the section away. True also when there is none: no schema.ini, or one that is not read.
-bool DropSchemaSection(const SchemaIniPaths& paths, std::u16string_view sectionName,
-                       std::u16string* failure = nullptr) noexcept;
-
-// Gives the section another header line; its lines stay. True also when there is none.
-bool RenameSchemaSection(const SchemaIniPaths& paths, std::u16string_view sectionName,
-                         std::u16string_view newName, std::u16string* failure = nullptr) noexcept;
-
-// Puts a section `newName` with the same lines behind the section, in place of one of that name.
-// True also when there is no section. The names must differ in more than letter case.
-bool DuplicateSchemaSection(const SchemaIniPaths& paths, std::u16string_view sectionName,
-                            std::u16string_view newName,
-                            std::u16string* failure = nullptr) noexcept;
-
-// Carries the lines of a section, unchanged, to the section `newName` of the same or another
-// schema.ini. Without the section, one that stands under the new name is taken away.
-bool CopySchemaSection(const SchemaIniPaths& from, std::u16string_view sectionName,
-                       const SchemaIniPaths& to, std::u16string_view newName,
-                       std::u16string* failure = nullptr) noexcept;
+// Throws SchemaIniFailure when a column's line would not read back.
+void RequireReadableColumns(const SchemaOptions& options);
 
 // The lines of a section, without the header line.
 std::vector<std::u16string> SchemaSectionLines(const SchemaOptions& options);

@@ -4,13 +4,19 @@
 
 #include "inference/DateFormatting.h"
 #include "inference/DateRoundTrip.h"
+#include "inference/OpenOptions.h"
 #include "platform/ExclusiveFile.h"
+#include "platform/FileHold.h"
+#include "reading/OpenTextDataset.h"
+#include "reading/ReaderFactory.h"
 #include "schema/LocaleDefaults.h"
+#include "schema/SchemaIniFile.h"
 #include "schema/SchemaIniReader.h"
 #include "schema/SchemaIniWriter.h"
 #include "schema/TableFiles.h"
 #include "schema/TableMetadata.h"
 #include "schema/TableNames.h"
+#include "schema/TableOperation.h"
 #include "schema/TableSchema.h"
 #include "schema/Utf8.h"
 
@@ -117,29 +123,63 @@ void RequireFileOrNothing(const std::u16string& path) {
     FailTable(path, u"the name belongs to something that is no file");
 }
 
+// Looks at the unfinished table as opening it will, so that nothing is replaced by a table that
+// cannot be opened. Where the system lets nobody read the unfinished file, only the section is
+// looked at.
+void RequireThatItOpens(const TableLocation& table, const std::u16string& unfinished) {
+  TextDatasetDescription description = DescribeFile(table.folder, table.name);
+  if (!ReadSchemaSection(SchemaIniPaths(table.folder), table.name, description.options))
+    CompleteFromLocale(description.options);
+  description.path = unfinished;
+  const ReaderPtr reader = MakeReader(description);
+  if (reader->IsOpen() && !reader->Scan(description.options, description.fields, OpenOptions()))
+    FailTable(table.Path(), u"the new table could not be opened with its section of schema.ini");
+}
+
+void CreateWhenHeld(const TableLocation& table, std::vector<FieldDefinition>& fields,
+                    ExclusiveFile& file, bool replaces, SchemaIniFile& sections) {
+  const std::u16string path = table.Path();
+  SchemaOptions options = OptionsOf(SchemaIniPaths(table.folder), table.name, fields);
+  SetColumns(fields, options);
+  RequireReadableColumns(options);
+  if (!file.Write(HeaderLine(options, fields))) FailTable(path, file);
+  Rollback rollback;
+  sections.Replace(table.name, SchemaSectionLines(options));
+  rollback.AddRestoration(sections);
+  sections.SaveAndHold();
+  RequireThatItOpens(table, TemporaryPath(table.folder, table.name));
+  const NativeFileName native = NativeFromFileName(path);
+  if (!(replaces ? file.Replace(native) : file.TakeName(native))) {
+    if (ExclusiveFile::MeansTaken(file.error())) FailBecauseTaken(path);
+    FailTable(path, file);
+  }
+  rollback.Commit();
+}
+
 }  // namespace
 
-void CreateTableFiles(const TableLocation& table, std::vector<FieldDefinition> fields) {
+void CreateTableFiles(const TableLocation& table, std::vector<FieldDefinition> fields,
+                      ExistingFile existing) {
   if (const std::u16string_view reason = WhyNotATableName(table.name); !reason.empty())
     FailTable(table.name, reason);
   RequireNoMetadataName(table);
   const std::u16string path = table.Path();
   RequireFileOrNothing(path);
-  const SchemaIniPaths paths(table.folder);
-  SchemaOptions options = OptionsOf(paths, table.name, fields);
-  SetColumns(fields, options);
-
+  // What comes later, while this one waits for others, is somebody's.
+  const bool mayReplace = existing == ExistingFile::kReplaced && HasName(path);
+  if (!mayReplace) RequireFree(path);
   ExclusiveFile file;
-  const std::u16string temporary = JoinPath(table.folder, TemporaryNameOf(table.name, u".tmp"));
-  if (!file.Open(NativeFromFileName(temporary))) FailTemporary(temporary, path, file.error());
-  if (!file.Write(HeaderLine(options, fields))) FailTable(path, file.error());
-  const SavedSchemaSection before(paths, table.name);
-  std::u16string failure;
-  if (!WriteSchemaSection(paths, table.name, options, &failure))
-    FailTable(paths.schemaIni, failure);
-  if (file.Replace(NativeFromFileName(path))) return;
-  before.Restore();
-  FailTable(path, file.error());
+  if (!file.OpenToReplace(NativeFromFileName(TemporaryPath(table.folder, table.name)),
+                          NativeFromFileName(path)))
+    FailTable(path, file);
+  RunOperation(table.folder, [&] {
+    FileHold hold;
+    const auto sections = HoldTable(table, hold);
+    RequireFileOrNothing(path);
+    const bool replaces = mayReplace && HasName(path);
+    if (!replaces) RequireFree(path);
+    CreateWhenHeld(table, fields, file, replaces, *sections);
+  });
 }
 
 }  // namespace TextFile

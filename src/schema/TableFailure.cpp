@@ -10,7 +10,7 @@ void FailTable(std::u16string_view path, std::u16string_view reason) {
   std::u16string text(path);
   text += u": ";
   text += reason;
-  throw TableFailure{std::move(text)};
+  throw TableFailure{std::move(text), false};
 }
 
 void FailTable(std::u16string_view path, const std::error_code& error) {
@@ -18,12 +18,9 @@ void FailTable(std::u16string_view path, const std::error_code& error) {
   FailTable(path, FileNameFromNative(boost::filesystem::path(error.message()).native()));
 }
 
-void FailTemporary(std::u16string_view temporary, std::u16string_view path,
-                   const std::error_code& error) {
-  namespace fs = boost::filesystem;
-  boost::system::error_code ignored;
-  const auto status = fs::symlink_status(fs::path(NativeFromFileName(temporary)), ignored);
-  FailTable(fs::exists(status) ? temporary : path, error);
+void FailTable(std::u16string_view path, const ExclusiveFile& file) {
+  if (file.Obstacle().empty()) FailTable(path, file.error());
+  FailTable(path, file.Obstacle());
 }
 
 }  // namespace TextFile

@@ -2,9 +2,13 @@
 // beside it (the file's name with ".xml" behind it).
 //
 // Every function throws TableFailure with a text for the user, and has then undone what it had
-// begun. Ended half-way, by a crash, it leaves the table as it was or as it was asked for; at worst
-// a section of schema.ini, a metadata file or a temporary file stays that no table belongs to, and
-// does not get into the way of the next try.
+// begun: schema.ini is byte for byte what it was. Ended half-way, by a crash, it leaves the table
+// as it was or as it was asked for; at worst a section of schema.ini, a metadata file or a
+// temporary file stays that no table belongs to, and does not get into the way of the next try.
+//
+// Operations on the tables of one folder come one after another, also those of several processes:
+// each holds the folder's schema.ini from before it looks at the files until all is done. A table's
+// sections are those that SchemaIniFile counts as its own.
 #pragma once
 
 #include <string>
@@ -25,16 +29,25 @@ struct TableLocation {
   std::u16string MetadataPath() const;
 };
 
-// Creates a table with a header line and a section, in place of a file of that name. A section
-// that already describes the file decides the columns' types, widths and date formats; the
-// extension decides the delimiter. A failure leaves an existing file as it was.
-void CreateTableFiles(const TableLocation& table, std::vector<FieldDefinition> fields);
+// What becomes of a file that has the name of a new table.
+enum class ExistingFile { kReplaced, kKept };
 
-// Refuses a target that exists, the table itself included.
-void CopyTableFiles(const TableLocation& from, const TableLocation& to);
+// Creates a table with a header line and a section. It takes the place of a file that has the name
+// when the call begins and is not to be kept; any other file of the name is refused, with `taken`
+// set, until the last step. A section that already describes the file decides the columns' types,
+// widths and date formats; the extension decides the delimiter. A table that could not be opened
+// again is not created. Throws also ParseError when the section cannot be understood.
+void CreateTableFiles(const TableLocation& table, std::vector<FieldDefinition> fields,
+                      ExistingFile existing = ExistingFile::kReplaced);
 
-// Within the folder. Refuses a name that exists.
-void RenameTableFiles(const TableLocation& table, std::u16string_view newName);
+// Refuses a target that exists, the table itself included. The section goes in front of one that
+// stands under the new name. Answers what the user should know, which the event log has been told
+// as well; mostly empty.
+std::u16string CopyTableFiles(const TableLocation& from, const TableLocation& to);
+
+// Within the folder. Refuses a name that exists. Every section of the old name gets the new one;
+// one that stood under the new name goes behind. Answers as CopyTableFiles does.
+std::u16string RenameTableFiles(const TableLocation& table, std::u16string_view newName);
 
 void DeleteTableFiles(const TableLocation& table);
 

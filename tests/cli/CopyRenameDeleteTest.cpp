@@ -68,6 +68,28 @@ TEST_F(CopyRenameDeleteTest, RenameMovesEverythingToTheNewName) {
   EXPECT_EQ(Read("schema.ini").find("a.csv"), std::string::npos);
 }
 
+TEST_F(CopyRenameDeleteTest, SectionsThatStoodUnderTheNewNameAreAWarning) {
+  const auto warning = [](const std::string& name) {
+    return "texttables: warning: 0x800700B7: ./schema.ini: a section [" + name +
+           "] was there before; it stands behind the table's own now\n";
+  };
+  Write("a.csv", "Id\n1\n");
+  Write("schema.ini", "[b.csv]\nCol1=B Text\n[c.csv]\n[a.csv]\nCol1=Id Long\n");
+  ProcessResult result = Run({"copy", "a.csv", "b.csv"});
+  EXPECT_EQ(result.exitCode, 0);
+  EXPECT_EQ(result.errors, warning("b.csv"));
+  result = Run({"--event-log", "log", "rename", "a.csv", "c.csv"});
+  EXPECT_EQ(result.exitCode, 0);
+  EXPECT_EQ(result.errors, warning("c.csv"));
+  EXPECT_NE(Read("log").find("a section [c.csv] was there before"), std::string::npos);
+  EXPECT_EQ(Read("schema.ini"),
+            "[b.csv]\nCol1=Id Long\n[b.csv]\nCol1=B Text\n[c.csv]\nCol1=Id Long\n[c.csv]\n");
+  EXPECT_EQ(Output({"describe", "c.csv", "--json"}).find("\"Integer\"") == std::string::npos,
+            false);
+  std::filesystem::remove(Folder() / "b.csv");
+  EXPECT_EQ(Output({"--quiet", "copy", "c.csv", "b.csv"}), "");
+}
+
 TEST_F(CopyRenameDeleteTest, DeleteTakesEverythingAndNothingElse) {
   WriteTable();
   EXPECT_EQ(Output({"delete", "a.csv"}), "");

@@ -1,6 +1,7 @@
 // A small program that does one thing to the tables of a folder, for tests that end it half-way.
 //
-//   writing_faults create FOLDER NAME
+//   writing_faults create FOLDER NAME              in place of a table of that name
+//   writing_faults new FOLDER NAME                 unless something has the name
 //   writing_faults load FOLDER NAME ROWS [FIRSTID]
 //   writing_faults copy FOLDER NAME FOLDER NEWNAME
 //   writing_faults rename FOLDER NAME NEWNAME
@@ -24,6 +25,7 @@
 #include "reading/OpenTextDataset.h"
 #include "schema/ParseError.h"
 #include "schema/RowWriter.h"
+#include "schema/SchemaIniFile.h"
 #include "schema/SchemaIniWriter.h"
 #include "schema/TableFiles.h"
 #include "support/TestText.h"
@@ -42,12 +44,12 @@ TextDatasetDescription Opened(const TableLocation& table) {
   return description;
 }
 
-void Create(const TableLocation& table) {
+void Create(const TableLocation& table, ExistingFile existing) {
   std::vector<FieldDefinition> fields(2);
   fields[0].name = u"Id";
   fields[0].type = FieldType::kInteger;
   fields[1].name = u"Name";
-  CreateTableFiles(table, fields);
+  CreateTableFiles(table, fields, existing);
 }
 
 void Load(const TableLocation& table, LONG rows, LONG firstId) {
@@ -82,21 +84,24 @@ void WriteSections(const TableLocation& table, int rounds) {
   for (int round = 0; round < rounds; ++round) {
     const std::u16string name = table.name + static_cast<char16_t>(u'0' + round % kSections);
     std::u16string failure;
-    const bool drops = round / kSections % 2 == 1;
-    if (!(drops ? DropSchemaSection(paths, name, &failure)
-                : WriteSchemaSection(paths, name, options, &failure)))
+    if (round / kSections % 2 == 1) {
+      SchemaIniFile file(paths, SchemaIniFile::Access::kWrite);
+      if (file.Remove(name)) file.Save();
+    } else if (!WriteSchemaSection(paths, name, options, &failure)) {
       FailTable(paths.schemaIni, failure);
+    }
   }
 }
 
 void Run(const std::vector<std::string>& words) {
   const auto word = [&](std::size_t i) { return ToUtf16(words.at(i)); };
   const TableLocation table{word(1), word(2)};
-  if (words[0] == "create") return Create(table);
+  if (words[0] == "create") return Create(table, ExistingFile::kReplaced);
+  if (words[0] == "new") return Create(table, ExistingFile::kKept);
   if (words[0] == "load")
     return Load(table, std::stoi(words.at(3)), words.size() > 4 ? std::stoi(words[4]) : 0);
-  if (words[0] == "copy") return CopyTableFiles(table, {word(3), word(4)});
-  if (words[0] == "rename") return RenameTableFiles(table, word(3));
+  if (words[0] == "copy") return static_cast<void>(CopyTableFiles(table, {word(3), word(4)}));
+  if (words[0] == "rename") return static_cast<void>(RenameTableFiles(table, word(3)));
   if (words[0] == "delete") return DeleteTableFiles(table);
   if (words[0] == "mismatch")
     return AddMismatch(table, static_cast<std::size_t>(std::stoi(words.at(3))));
@@ -124,6 +129,8 @@ int main(int count, char** arguments) {
     return 0;
   } catch (const TableFailure& failure) {
     std::printf("%s\n", ToUtf8(failure.text).c_str());
+  } catch (const SchemaIniFailure& failure) {
+    std::printf("schema.ini: %s\n", ToUtf8(failure.reason).c_str());
   } catch (const ParseError& error) {
     std::printf("schema.ini: %s\n", ToUtf8(error.text()).c_str());
   } catch (const std::exception& other) {

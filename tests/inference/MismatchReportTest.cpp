@@ -55,6 +55,7 @@ class MismatchReportTest : public ::testing::Test {
     quenra::EventLog::SetSink([this](const quenra::EventLogRecord& record) {
       if (record.kind == quenra::EventLogRecord::Kind::kMessage) events_.emplace_back(record.text);
     });
+    folder_.Write("t.csv", "");
   }
   ~MismatchReportTest() override { quenra::EventLog::SetSink({}); }
 

@@ -433,6 +433,7 @@ TEST_F(CoordinateConversionTest, AShortRecordHasNoCoordinatesOfTwoTexts) {
 }
 
 TEST_F(CoordinateConversionTest, MismatchesBehindVirtualFieldsNameTheColumnOfTheFile) {
+  folder_.Write("t.csv", "");
   ConverterWithSlots converter(OneText(), &LoadTestMessage);
   converter.Convert(MakeRecord({kBoth, u"2.5"}));
   ASSERT_NE(converter.MessageOf(3), nullptr) << "messages count fields";

@@ -1,6 +1,7 @@
 #include "host/CoreSupport/QUENRALocale.h"
 #include "module/ModuleTest.h"
 #include "support/HostTables.h"
+#include "support/OrdinaryUser.h"
 
 namespace quenra::test {
 namespace {
@@ -124,6 +125,50 @@ TEST_F(CreateTableTest, ASchemaIniErrorIsToldAsSuch) {
   ASSERT_FALSE(errors.empty());
   EXPECT_THAT(errors.front().text, StartsWith("t.csv\n\tUnknown field type in schema.ini."));
   EXPECT_FALSE(folder_.Exists(u"t.csv"));
+}
+
+TEST_F(CreateTableTest, ANewTableKeepsAFileOfItsName) {
+  folder_.Write(u"t.csv", "mine\n");
+  const auto workspace = OpenWorkspace().As<ITextFileWorkspace>();
+  const auto fields = MakeFields({{u"Id", 1}});
+  ComPtr<IPlugInDatasetHelper> table;
+  EXPECT_EQ(workspace->CreateNewTable(BString(u"t.csv").Get(), fields.Get(), table.Receive()),
+            kFileExists);
+  EXPECT_FALSE(table);
+  const auto errors = TakeErrors();
+  ASSERT_FALSE(errors.empty());
+  EXPECT_EQ(errors.front().code, kFileExists);
+  EXPECT_EQ(errors.front().text, ToUtf8(folder_.Path(u"t.csv")) + ": the file exists already");
+  EXPECT_EQ(folder_.Read(u"t.csv"), "mine\n");
+  EXPECT_FALSE(folder_.Exists(u"schema.ini"));
+
+  EXPECT_EQ(workspace->CreateNewTable(BString(u"n.csv").Get(), fields.Get(), table.Receive()),
+            S_OK);
+  EXPECT_TRUE(table);
+  EXPECT_TRUE(folder_.Read(u"n.csv").starts_with(kMark));
+  EXPECT_EQ(workspace->CreateNewTable(nullptr, fields.Get(), table.Receive()), E_POINTER);
+  EXPECT_EQ(workspace->CreateNewTable(BString(u"m.csv").Get(), nullptr, table.Receive()),
+            E_POINTER);
+  EXPECT_EQ(workspace->CreateNewTable(BString(u"m.csv").Get(), fields.Get(), nullptr), E_POINTER);
+}
+
+// A file that may be written and not read keeps its rights, and then cannot be opened.
+TEST_F(CreateTableTest, NothingFailsOnceTheTableIsReplaced) {
+  namespace fs = boost::filesystem;
+  folder_.Write(u"t.csv", "old\n");
+  fs::permissions(folder_.Native(), fs::perms::all_all);
+  fs::permissions(folder_.Native(u"t.csv"),
+                  fs::perms::owner_write | fs::perms::group_write | fs::perms::others_write);
+  ComPtr<IPlugInDatasetHelper> table;
+  {
+    const OrdinaryUser ordinary;
+    EXPECT_EQ(Create(u"t.csv", MakeFields({{u"Id", 1}}), table), S_OK);
+    EXPECT_TRUE(table);
+  }
+  TakeErrors();
+  fs::permissions(folder_.Native(u"t.csv"), fs::perms::owner_all);
+  EXPECT_TRUE(folder_.Read(u"t.csv").starts_with(kMark));
+  EXPECT_THAT(Fields(table), ElementsAre(FieldSeen{"Id", 1, 4, 0, ""})) << "opened when it is used";
 }
 
 TEST_F(CreateTableTest, WithoutFieldsThereIsATable) {

@@ -47,6 +47,31 @@ TEST_F(FileOperationsTest, ACopyInAnotherFolderIsAWholeTable) {
   EXPECT_THAT(Rows(table), ElementsAre("BSTR:1|BSTR:one"));
 }
 
+TEST_F(FileOperationsTest, SectionsThatStoodUnderTheNewNameAreToldOfASuccess) {
+  constexpr auto kSectionStood = static_cast<HRESULT>(0x800700B7u);
+  const auto operations = TableWithEverything().As<IPlugInFileOperations>();
+  const std::string remark =
+      "schema.ini: a section [other.csv] was there before; it stands behind the table's own now";
+  EXPECT_EQ(
+      operations->CopyDataset(BString(u"other.csv").Get(), MakeWorkspace(folder_.Path()).Get()),
+      S_OK);
+  auto errors = TakeErrors();
+  ASSERT_EQ(errors.size(), 1u);
+  EXPECT_EQ(errors.front().code, kSectionStood);
+  EXPECT_TRUE(errors.front().text.ends_with(remark)) << errors.front().text;
+  EXPECT_EQ(folder_.Read(u"schema.ini"),
+            "[a.csv]\nCol1=Id Text\n[other.csv]\nCol1=Id Text\n[other.csv]\nCol1=X Text\n");
+  folder_.Remove(u"other.csv");
+  folder_.Remove(u"other.csv.xml");
+  const auto again = TableWithEverything().As<IPlugInFileOperations>();
+  BString result;
+  EXPECT_EQ(again->RenameDataset(BString(u"other.csv").Get(), result.Receive()), S_OK);
+  errors = TakeErrors();
+  ASSERT_EQ(errors.size(), 1u);
+  EXPECT_EQ(errors.front().code, kSectionStood);
+  EXPECT_EQ(folder_.Read(u"schema.ini"), "[other.csv]\nCol1=Id Text\n[other.csv]\nCol1=X Text\n");
+}
+
 TEST_F(FileOperationsTest, ACopyOfBadArgumentsIsRefused) {
   const auto operations = TableWithEverything().As<IPlugInFileOperations>();
   const auto workspace = MakeWorkspace(folder_.Path());

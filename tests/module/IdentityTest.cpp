@@ -31,6 +31,7 @@ const NamedInterface kAll[] = {
     INTERFACE(IPlugInMetadataPath),
     INTERFACE(IPlugInCreateDataset),
     INTERFACE(IPlugInWorkspaceProperties),
+    INTERFACE(ITextFileWorkspace),
     INTERFACE(IPlugInDatasetInfo),
     INTERFACE(IPlugInDatasetHelper),
     INTERFACE(IPlugInFileOperations),
@@ -143,7 +144,7 @@ TEST_F(IdentityTest, WorkspaceHelper) {
       AnsweredBy(workspace.Get()),
       ElementsAre("IUnknown", "IQUENRAInternalUnknown", "IHostClassId", "ISupportErrorInfo",
                   "IPlugInWorkspaceHelper", "IPlugInWorkspaceHelper2", "IPlugInMetadataPath",
-                  "IPlugInCreateDataset", "IPlugInWorkspaceProperties"));
+                  "IPlugInCreateDataset", "IPlugInWorkspaceProperties", "ITextFileWorkspace"));
   ExpectOneIdentity(workspace.Get());
   ExpectCountsBalance(workspace.Get());
   EXPECT_EQ(ClassIdErrorOf(workspace.Get()), "none");

@@ -36,6 +36,16 @@ class SchemaIniFileTest : public Test {
     }
   }
 
+  void ExpectNoSections() const {
+    SchemaIniFile file(Paths(), SchemaIniFile::Access::kWrite);
+    EXPECT_EQ(file.FindOwn(u"a"), nullptr);
+    EXPECT_FALSE(file.Remove(u"a"));
+    EXPECT_FALSE(file.Rename(u"a", u"b"));
+    EXPECT_FALSE(file.Duplicate(u"a", u"b").made);
+    EXPECT_NE(ReasonOf([&] { file.Save(); }), "");
+    EXPECT_NE(ReasonOf([&] { file.SaveAndHold(); }), "");
+  }
+
   bool WriteColumn(std::u16string_view name, FieldDefinition column,
                    std::u16string* failure = nullptr) const {
     SchemaOptions options;
@@ -72,11 +82,14 @@ TEST_F(SchemaIniFileTest, ASectionThatWouldBeHiddenIsNotAdded) {
   std::u16string failure;
   EXPECT_FALSE(WriteColumn(u"b.csv", column, &failure));
   EXPECT_EQ(failure, u"Another line of schema.ini is taken for the section's header.");
-  EXPECT_FALSE(RenameSchemaSection(Paths(), u"a.csv", u"b.csv"));
-  EXPECT_FALSE(DuplicateSchemaSection(Paths(), u"a.csv", u"b.csv"));
-  EXPECT_FALSE(CopySchemaSection(Paths(), u"a.csv", Paths(), u"b.csv"));
-  EXPECT_EQ(Text(), kHiding);
-  EXPECT_TRUE(RenameSchemaSection(Paths(), u"a.csv", u"c.csv"));
+  const std::string hidden = "Another line of schema.ini is taken for the section's header.";
+  SchemaIniFile file(Paths(), SchemaIniFile::Access::kWrite);
+  EXPECT_EQ(ReasonOf([&] { file.Rename(u"a.csv", u"b.csv"); }), hidden);
+  EXPECT_EQ(ReasonOf([&] { file.Duplicate(u"a.csv", u"b.csv"); }), hidden);
+  EXPECT_EQ(ReasonOf([&] { file.Insert(u"b.csv", {}); }), hidden);
+  EXPECT_TRUE(file.Rename(u"a.csv", u"c.csv"));
+  file.Save();
+  EXPECT_EQ(Text(), " [b.csv]\nCol2=p Double\n[c.csv]\nCol1=x Long\n");
 }
 
 TEST_F(SchemaIniFileTest, AReplacedSectionKeepsItsPlaceAndItsHeader) {
@@ -135,22 +148,11 @@ TEST_F(SchemaIniFileTest, SectionsAreRemovedRenamedAndDuplicated) {
 
 TEST_F(SchemaIniFileTest, AMarkIsKeptAndNoneIsAdded) {
   SetText("\xEF\xBB\xBF[a.csv]\nA=\xC3\xA9\n");
-  EXPECT_TRUE(DropSchemaSection(Paths(), u"b.csv"));
   SchemaIniFile(Paths(), SchemaIniFile::Access::kWrite).Save();
   EXPECT_EQ(Text(), "\xEF\xBB\xBF[a.csv]\nA=\xC3\xA9\n");
   SetText("[a.csv]\r\nA=\xC3\xA9\r\n");
   SchemaIniFile(Paths(), SchemaIniFile::Access::kWrite).Save();
   EXPECT_EQ(Text(), "[a.csv]\nA=\xC3\xA9\n");
-}
-
-TEST_F(SchemaIniFileTest, AnsiAndUtf16BecomeUtf8) {
-  SetText("[a.csv]\nA=\xE9\n");
-  SchemaIniFile(Paths(), SchemaIniFile::Access::kWrite).Save();
-  EXPECT_EQ(Text(), "[a.csv]\nA=\xC3\xA9\n");
-  using namespace std::string_view_literals;
-  SetText("\xFF\xFE[\0a\0]\0\n\0A\0=\0\xE9\0\r\0\n\0"sv);
-  SchemaIniFile(Paths(), SchemaIniFile::Access::kWrite).Save();
-  EXPECT_EQ(Text(), "\xEF\xBB\xBF[a]\nA=\xC3\xA9\n");
 }
 
 TEST_F(SchemaIniFileTest, EncodingsThatAreNotReadStayUntouched) {
@@ -159,9 +161,7 @@ TEST_F(SchemaIniFileTest, EncodingsThatAreNotReadStayUntouched) {
        {"\xFE\xFF\0[\0a\0]"sv, "\xFF\xFE\0\0[\0\0\0"sv, "\xFF\xFE"sv}) {
     SetText(text);
     EXPECT_FALSE(WriteSchemaSection(Paths(), u"a", SchemaOptions()));
-    // There is no section that anybody could see, so these have nothing to do.
-    EXPECT_TRUE(DropSchemaSection(Paths(), u"a"));
-    EXPECT_TRUE(RenameSchemaSection(Paths(), u"a", u"b"));
+    ExpectNoSections();
     EXPECT_EQ(Text(), text);
     EXPECT_FALSE(folder_.Exists(u"~scheam.ini"));
   }
@@ -181,9 +181,7 @@ TEST_F(SchemaIniFileTest, FailuresAreToldApart) {
 
 TEST_F(SchemaIniFileTest, AFolderInItsPlaceHasNoSections) {
   folder_.MakeFolder(u"schema.ini");
-  EXPECT_TRUE(DropSchemaSection(Paths(), u"a.csv"));
-  EXPECT_TRUE(RenameSchemaSection(Paths(), u"a.csv", u"b.csv"));
-  EXPECT_TRUE(DuplicateSchemaSection(Paths(), u"a.csv", u"b.csv"));
+  ExpectNoSections();
   std::u16string failure;
   EXPECT_FALSE(WriteSchemaSection(Paths(), u"a.csv", SchemaOptions(), &failure));
   EXPECT_NE(failure, u"");
@@ -270,6 +268,7 @@ TEST_F(SchemaIniFileTest, ColumnLinesFollowTheTable) {
 }
 
 TEST_F(SchemaIniFileTest, AColumnIsAddedToWhatOthersHaveWritten) {
+  folder_.Write(u"A.csv", "A\tB\n");
   SetText("[b.csv]\nFormat=TabDelimited\n[a.csv]\nCol2=B Text\n");
   const auto named = [](std::int32_t index, std::u16string name) {
     ColumnToAdd added;
@@ -291,16 +290,167 @@ TEST_F(SchemaIniFileTest, AColumnIsAddedToWhatOthersHaveWritten) {
             "[b.csv]\nFormat=TabDelimited\n[a.csv]\nCol1=A Double\nCol2=B Text\nCol4=D Double\n");
 }
 
-TEST_F(SchemaIniFileTest, ASavedSectionComesBack) {
-  SetText("[a.csv]\nCol1=A Text\n");
-  const SavedSchemaSection some(Paths(), u"a.csv");
-  const SavedSchemaSection none(Paths(), u"b.csv");
-  WriteSchemaSection(Paths(), u"a.csv", SchemaOptions());
-  WriteSchemaSection(Paths(), u"b.csv", SchemaOptions());
-  EXPECT_EQ(Text(), "[a.csv]\n[b.csv]\n");
-  none.Restore();
-  some.Restore();
-  EXPECT_EQ(Text(), "[a.csv]\nCol1=A Text\n");
+TEST_F(SchemaIniFileTest, NothingIsAddedForAFileThatHasGone) {
+  SetText("[b.csv]\nFormat=TabDelimited\n");
+  ColumnToAdd columns[1];
+  columns[0].column.name = u"A";
+  AddSchemaColumns(Paths(), u"a.csv", columns);
+  EXPECT_FALSE(columns[0].added);
+  EXPECT_EQ(Text(), "[b.csv]\nFormat=TabDelimited\n");
+}
+
+// ---------------------------------------------------------------------------------------------
+// Operations of several steps
+// ---------------------------------------------------------------------------------------------
+
+TEST_F(SchemaIniFileTest, WhatWasSavedOnTheWayIsTakenBackByteForByte) {
+  constexpr std::string_view kBefore = "; \xE9\r\n\r\n[a.csv]\r\nA=1\r\n[A.csv]\nA=2\n[a.csv]\n";
+  SetText(kBefore);
+  {
+    SchemaIniFile file(Paths(), SchemaIniFile::Access::kWrite);
+    file.Replace(u"a.csv", {u"A=3"});
+    file.SaveAndHold();
+    EXPECT_NE(Text(), kBefore);
+    EXPECT_TRUE(folder_.Exists(u"~scheam.ini")) << "others go on waiting";
+    file.Insert(u"b.csv", {u"B=1"});
+    file.SaveAndHold();
+    file.Restore();
+    EXPECT_EQ(Text(), kBefore);
+    file.Restore();
+  }
+  EXPECT_EQ(Text(), kBefore);
+  EXPECT_EQ(folder_.Names(), std::vector<std::u16string>{u"schema.ini"});
+}
+
+TEST_F(SchemaIniFileTest, AFileThatWasMadeOnTheWayGoesAgain) {
+  {
+    SchemaIniFile file(Paths(), SchemaIniFile::Access::kWrite);
+    file.Replace(u"a.csv", {u"A=3"});
+    file.SaveAndHold();
+    EXPECT_EQ(Text(), "[a.csv]\nA=3\n");
+    file.Restore();
+  }
+  EXPECT_TRUE(folder_.Names().empty());
+}
+
+TEST_F(SchemaIniFileTest, WhatSomebodyElseHasWrittenMeanwhileStays) {
+  SetText("[a.csv]\nA=1\n");
+  SchemaIniFile file(Paths(), SchemaIniFile::Access::kWrite);
+  file.Remove(u"a.csv");
+  file.SaveAndHold();
+  SetText("[mine.csv]\n");
+  file.Restore();
+  EXPECT_EQ(Text(), "[mine.csv]\n");
+}
+
+TEST_F(SchemaIniFileTest, ASectionIsInsertedInFrontOfThoseOfItsName) {
+  const struct {
+    std::string_view before, after;
+    bool made, stood;
+  } cases[] = {
+      {"[a.csv]\nA=1\n", "[a.csv]\nA=1\n[b.csv]\nB=1\n", true, false},
+      {"[a.csv]\n[B.CSV]\nB=2\n[b.csv]\n", "[a.csv]\n[b.csv]\nB=1\n[B.CSV]\nB=2\n[b.csv]\n", true,
+       true},
+      {"[b.csv]\nB=1\n[b.csv]\nB=2\n", "[b.csv]\nB=1\n[b.csv]\nB=2\n", false, false},
+  };
+  for (const auto& c : cases) {
+    SetText(c.before);
+    SchemaIniFile file(Paths(), SchemaIniFile::Access::kWrite);
+    const SchemaIniFile::Change change = file.Insert(u"b.csv", {u"B=1"});
+    EXPECT_EQ(change.made, c.made);
+    EXPECT_EQ(change.stood, c.stood);
+    file.Save();
+    EXPECT_EQ(Text(), c.after);
+  }
+}
+
+TEST_F(SchemaIniFileTest, ARenamedSectionComesBeforeThoseOfItsNewName) {
+  const struct {
+    std::string_view before, between, after;
+    bool stood;
+  } cases[] = {
+      {"[a]\nA=1\n[c]\n", "[a]\nA=1\n[b]\nA=1\n[c]\n", "[b]\nA=1\n[c]\n", false},
+      {"[B]\nB=1\n[c]\n[b]\n[A]\nA=1\n[a]\nA=2\n[b]\nB=3\n",
+       "[c]\n[A]\nA=1\n[b]\nA=1\n[B]\nB=1\n[b]\n[a]\nA=2\n[b]\nB=3\n",
+       "[c]\n[b]\nA=1\n[B]\nB=1\n[b]\n[b]\nA=2\n[b]\nB=3\n", true},
+      // As a renaming that was ended half-way leaves it.
+      {"[a]\nA=1\n[b]\nA=1\n[B]\nB=1\n", "[a]\nA=1\n[b]\nA=1\n[B]\nB=1\n", "[b]\nA=1\n[B]\nB=1\n",
+       true},
+      {"[b]\nB=1\n", "[b]\nB=1\n", "[b]\nB=1\n", false},
+  };
+  for (const auto& c : cases) {
+    SetText(c.before);
+    SchemaIniFile file(Paths(), SchemaIniFile::Access::kWrite);
+    EXPECT_EQ(file.Duplicate(u"a", u"b").stood, c.stood) << c.before;
+    file.SaveAndHold();
+    EXPECT_EQ(Text(), c.between);
+    file.Rename(u"a", u"b");
+    file.Save();
+    EXPECT_EQ(Text(), c.after);
+  }
+}
+
+// ---------------------------------------------------------------------------------------------
+// Files whose names differ in letter case alone
+// ---------------------------------------------------------------------------------------------
+
+class NamesakesTest : public SchemaIniFileTest {
+ protected:
+  void SetUp() override {
+    SchemaIniFileTest::SetUp();
+    folder_.Write(u"a.csv", "Id\n");
+    if (folder_.Exists(u"A.CSV")) GTEST_SKIP() << "one name for the file system";
+    folder_.Write(u"A.CSV", "Id\n");
+    SetText(kText);
+  }
+  static constexpr std::string_view kText = "[A.CSV]\nB=1\n[A.csv]\nA=1\n[a.csv]\nA=2\n";
+};
+
+TEST_F(NamesakesTest, ASectionSpelledAsAnotherFileIsThatFiles) {
+  SchemaIniFile file(Paths(), SchemaIniFile::Access::kWrite);
+  EXPECT_EQ(*file.Find(u"a.csv"), SectionLines{u"B=1"}) << "as it is read";
+  EXPECT_EQ(*file.FindOwn(u"a.csv"), SectionLines{u"A=1"});
+  EXPECT_EQ(*file.FindOwn(u"A.CSV"), SectionLines{u"B=1"});
+  EXPECT_TRUE(file.ReadsAnothers(u"a.csv"));
+  EXPECT_FALSE(file.ReadsAnothers(u"A.CSV"));
+  file.Replace(u"a.csv", {u"A=3"});
+  file.Save();
+  EXPECT_EQ(Text(), "[A.CSV]\nB=1\n[A.csv]\nA=3\n");
+}
+
+TEST_F(NamesakesTest, OnlyOnesOwnSectionsAreRemovedAndRenamed) {
+  {
+    SchemaIniFile file(Paths(), SchemaIniFile::Access::kWrite);
+    file.Rename(u"a.csv", u"b.csv");
+    file.Save();
+  }
+  EXPECT_EQ(Text(), "[A.CSV]\nB=1\n[b.csv]\nA=1\n[b.csv]\nA=2\n");
+  SetText(kText);
+  {
+    SchemaIniFile file(Paths(), SchemaIniFile::Access::kWrite);
+    file.Remove(u"A.CSV");
+    file.Save();
+  }
+  EXPECT_EQ(Text(), "[a.csv]\nA=2\n") << "[A.csv] is nobody's, and was found for both";
+}
+
+TEST_F(NamesakesTest, AnothersSectionIsNotMovedForANewName) {
+  SetText("[A.CSV]\nB=1\n[c.csv]\nC=1\n");
+  folder_.Remove(u"a.csv");
+  SchemaIniFile file(Paths(), SchemaIniFile::Access::kWrite);
+  EXPECT_FALSE(file.Duplicate(u"c.csv", u"a.csv").stood);
+  EXPECT_FALSE(file.Insert(u"a.csv", {u"C=1"}).stood);
+}
+
+TEST_F(NamesakesTest, ColumnsAreNotAddedToAnothersSection) {
+  SetText("[A.CSV]\nFormat=TabDelimited\n");
+  ColumnToAdd columns[1];
+  columns[0].column.name = u"A";
+  AddSchemaColumns(Paths(), u"a.csv", columns);
+  EXPECT_FALSE(columns[0].added);
+  EXPECT_EQ(Text(), "[A.CSV]\nFormat=TabDelimited\n");
+  AddSchemaColumns(Paths(), u"A.CSV", columns);
+  EXPECT_TRUE(columns[0].added);
 }
 
 // ---------------------------------------------------------------------------------------------

@@ -272,12 +272,14 @@ TEST_F(SchemaIniWriterTest, ReplacesOneSectionAndKeepsTheOthers) {
   }
 }
 
-TEST_F(SchemaIniWriterTest, RewritesInUtf8WithAMarkWhenThereWasOne) {
-  const std::string after = "[\xC3\xA9.csv]\nx=\xE2\x82\xAC\n[data.csv]\nCol1=a Long\n";
-  EXPECT_EQ(Rewritten("[\xC3\xA9.csv]\nx=\xE2\x82\xAC\n"), after);
-  EXPECT_EQ(Rewritten("[\xE9.csv]\nx=\x80\n"), after) << "the ANSI code page";
-  EXPECT_EQ(Rewritten("\xEF\xBB\xBF[\xC3\xA9.csv]\nx=\xE2\x82\xAC\n"), "\xEF\xBB\xBF" + after);
-  EXPECT_EQ(Rewritten(Utf16File(u"[\u00E9.csv]\r\nx=\u20AC\r\n")), "\xEF\xBB\xBF" + after);
+TEST_F(SchemaIniWriterTest, RewritesInTheEncodingOfTheFile) {
+  const std::string added = "[data.csv]\nCol1=a Long\n";
+  const std::string utf8 = "[\xC3\xA9.csv]\nx=\xE2\x82\xAC\n";
+  EXPECT_EQ(Rewritten(utf8), utf8 + added);
+  EXPECT_EQ(Rewritten("\xEF\xBB\xBF" + utf8), "\xEF\xBB\xBF" + utf8 + added);
+  EXPECT_EQ(Rewritten("[\xE9.csv]\nx=\x80\n"), "[\xE9.csv]\nx=\x80\n" + added);
+  EXPECT_EQ(Rewritten(Utf16File(u"[\u00E9.csv]\r\nx=\u20AC\r\n")),
+            Utf16File(u"[\u00E9.csv]\nx=\u20AC\n[data.csv]\nCol1=a Long\n"));
 }
 
 TEST_F(SchemaIniWriterTest, ReplacesTheFileInAnotherLetterCase) {

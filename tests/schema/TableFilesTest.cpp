@@ -4,7 +4,9 @@
 #include <algorithm>
 #include <functional>
 
+#include "schema/SchemaIniPaths.h"
 #include "schema/TableFiles.h"
+#include "support/EventRecorder.h"
 #include "support/TemporaryFolder.h"
 #include "support/TestText.h"
 
@@ -64,15 +66,87 @@ TEST_F(TableFilesTest, ACopyInAnotherFolderHasItsSectionThere) {
   EXPECT_EQ(folder_.Read(u"to/b.csv"), "Id\n1\n");
   EXPECT_EQ(folder_.Read(u"to/b.csv.xml"), "<about/>");
   EXPECT_EQ(folder_.Read(u"to/Schema.INI"),
-            "[x.csv]\nCol1=X Text\n[B.csv]\nCol1=Id Long\nodd = line\n");
+            "[x.csv]\nCol1=X Text\n[b.csv]\nCol1=Id Long\nodd = line\n[B.csv]\nCol1=Stale Text\n");
   EXPECT_EQ(Ini(), kIni);
 }
 
-TEST_F(TableFilesTest, ACopyWithoutASectionForgetsOneOfItsName) {
+TEST_F(TableFilesTest, WithoutASectionNothingChangesInSchemaIni) {
+  // Byte for byte: not even its line ends and its empty lines.
+  const std::string ini = "\r\n" + std::string(kIni) + "\r\n[LAST.csv]\r\n";
+  folder_.Write(u"schema.ini", ini);
   folder_.Write(u"c.csv", "1\n");
-  CopyTableFiles(In(u"c.csv"), In(u"LAST.csv"));
-  EXPECT_EQ(Ini(), "[first.csv]\nCol1=F Text\n[A.CSV]\nCol1=Id Long\nodd = line\n");
+  EXPECT_EQ(CopyTableFiles(In(u"c.csv"), In(u"LAST.csv")), u"");
+  EXPECT_EQ(RenameTableFiles(In(u"c.csv"), u"First.csv"), u"");
+  EXPECT_EQ(Ini(), ini);
   EXPECT_FALSE(folder_.Exists(u"LAST.csv.xml"));
+}
+
+TEST_F(TableFilesTest, SectionsOfTheNewNameAreKeptBehindTheTablesOwn) {
+  const EventRecorder events;
+  const std::string remark =
+      ToUtf8(SchemaIniPaths(folder_.Path()).schemaIni) +
+      ": a section [first.csv] was there before; it stands behind the table's own now";
+  EXPECT_EQ(ToUtf8(CopyTableFiles(In(u"a.csv"), In(u"first.csv"))), remark);
+  EXPECT_EQ(Ini(),
+            "[first.csv]\nCol1=Id Long\nodd = line\n[first.csv]\nCol1=F Text\n"
+            "[A.CSV]\nCol1=Id Long\nodd = line\n[last.csv]\nCol1=L Text\n");
+  folder_.Remove(u"first.csv");
+  folder_.Remove(u"first.csv.xml");
+  folder_.Write(u"schema.ini", kIni);
+  EXPECT_EQ(ToUtf8(RenameTableFiles(In(u"a.csv"), u"first.csv")), remark);
+  EXPECT_EQ(Ini(),
+            "[first.csv]\nCol1=Id Long\nodd = line\n[first.csv]\nCol1=F Text\n"
+            "[last.csv]\nCol1=L Text\n");
+  ASSERT_EQ(events.size(), 2u);
+  EXPECT_EQ(ToUtf8(events.at(0).text), remark);
+  EXPECT_EQ(ToUtf8(events.at(1).text), remark);
+}
+
+TEST_F(TableFilesTest, EverySectionOfARenamedTableGetsItsName) {
+  folder_.Write(u"schema.ini", "[a.csv]\nCol1=Id Long\n[x]\n[A.csv]\nCol1=Id Text\n");
+  RenameTableFiles(In(u"a.csv"), u"b.csv");
+  EXPECT_EQ(Ini(), "[b.csv]\nCol1=Id Long\n[x]\n[b.csv]\nCol1=Id Text\n");
+}
+
+// Sections in every order, duplicates, empty lines and line ends of both kinds.
+TEST_F(TableFilesTest, AFailureLeavesEveryByteOfSchemaIni) {
+  const std::string ini =
+      "[b.csv]\r\nCol1=B Text\r\n\r\n[a.csv]\nCol1=Id Long\n\n[B.CSV]\n[A.CSV]\nCol1=Id Text\n";
+  folder_.Write(u"schema.ini", ini);
+  // Something that nobody can replace has the name, or it is taken in the end.
+  folder_.MakeFolder(u"~b.csv.xml.tmp");
+  EXPECT_NE(Refusal([&] { CopyTableFiles(In(u"a.csv"), In(u"b.csv")); }), "");
+  folder_.MakeFolder(u"~b.csv.tmp");
+  EXPECT_NE(Refusal([&] { CopyTableFiles(In(u"a.csv"), In(u"b.csv")); }), "");
+  EXPECT_NE(Refusal([&] { CreateTableFiles(In(u"b.csv"), {}); }), "");
+  // Where the finished schema.ini should be.
+  folder_.MakeFolder(u"~schema.ini.tmp");
+  EXPECT_NE(Refusal([&] { CreateTableFiles(In(u"a.csv"), {}); }), "");
+  EXPECT_NE(Refusal([&] { RenameTableFiles(In(u"a.csv"), u"b.csv"); }), "");
+  EXPECT_NE(Refusal([&] { DeleteTableFiles(In(u"a.csv")); }), "");
+  EXPECT_EQ(Ini(), ini);
+  ExpectUntouched({u"~b.csv.tmp", u"~b.csv.xml.tmp", u"~schema.ini.tmp"});
+}
+
+TEST_F(TableFilesTest, TheSectionOfANamesakeIsLeftAlone) {
+  folder_.Write(u"A.CSV", "Other\n");
+  if (folder_.Read(u"a.csv") == "Other\n") GTEST_SKIP() << "one name for the file system";
+  const std::string other = "[A.CSV]\nCol1=Other Text\n";
+  const std::string own = "[a.csv]\nCol1=Id Long\n";
+  folder_.Write(u"schema.ini", own + other);
+  RenameTableFiles(In(u"a.csv"), u"b.csv");
+  EXPECT_EQ(Ini(), "[b.csv]\nCol1=Id Long\n" + other);
+  RenameTableFiles(In(u"b.csv"), u"a.csv");
+  EXPECT_EQ(Ini(), own + other);
+  CreateTableFiles(In(u"a.csv"), {});
+  EXPECT_TRUE(Ini().starts_with("[a.csv]\n")) << Ini();
+  EXPECT_TRUE(Ini().ends_with(other)) << Ini();
+  DeleteTableFiles(In(u"a.csv"));
+  EXPECT_EQ(Ini(), other);
+  CreateTableFiles(In(u"a.csv"), {});
+  EXPECT_TRUE(Ini().starts_with(other + "[a.csv]\n")) << Ini();
+  DeleteTableFiles(In(u"a.csv"));
+  EXPECT_EQ(Ini(), other);
 }
 
 TEST_F(TableFilesTest, ALargeFileIsCopiedWhole) {

@@ -228,6 +228,35 @@ TEST_F(WritingFaultsTest, OverwritingLeavesEachFileOldOrNew) {
   }
 }
 
+// Sections twice, in other letter case and in any order, empty lines, line ends of both kinds, and
+// a section of the new name.
+TEST_F(WritingFaultsTest, AFailureAnywhereLeavesEveryByteOfSchemaIni) {
+  const std::string ini = "; note\r\n\r\n[B.csv]\r\nCol1=B Text\r\n\n" + std::string(kIni) +
+                          "\n[A.CSV]\nCol1=Id Text\r\n[b.csv]\n[a.csv]\n\n";
+  for (const std::vector<std::string>& words :
+       std::vector<std::vector<std::string>>{{"create", "FOLDER", "a.csv"},
+                                             {"new", "FOLDER", "b.csv"},
+                                             {"copy", "FOLDER", "a.csv", "FOLDER", "b.csv"},
+                                             {"rename", "FOLDER", "a.csv", "b.csv"},
+                                             {"delete", "FOLDER", "a.csv"}}) {
+    int failures = 0;
+    for (int call = 1; call < kMostCalls; ++call) {
+      SCOPED_TRACE(words[0] + ", call " + std::to_string(call) + " fails");
+      TemporaryFolder folder;
+      Fill(folder);
+      folder.Write(u"schema.ini", ini);
+      const Files before = Everything(folder);
+      const ProcessResult result =
+          Run(folder, words, {{"FAULT_AT", std::to_string(call)}, {"FAULT_MODE", "fail"}});
+      if (result.exitCode == kNoFaultLeft) break;
+      if (result.exitCode == 0) continue;
+      ++failures;
+      EXPECT_EQ(Everything(folder), before);
+    }
+    EXPECT_GT(failures, 2) << words[0];
+  }
+}
+
 TEST_F(WritingFaultsTest, AFullDiskIsToldAndTakenBack) {
   const std::string rows(200000, 'x');
   for (const std::vector<std::string>& words :
@@ -274,6 +303,125 @@ TEST_F(WritingFaultsTest, AFolderThatCannotBeWrittenIsToldAndLeftAlone) {
     EXPECT_THAT(result.output, StartsWith("/proc/self/"));
     EXPECT_EQ(Everything(folder), before);
   }
+}
+
+// ---------------------------------------------------------------------------------------------
+// A schema.ini that cannot be replaced, since it has a second name
+// ---------------------------------------------------------------------------------------------
+
+class WritingInPlaceTest : public WritingFaultsTest {
+ protected:
+  static inline const std::vector<std::string> kWords{"sections", "FOLDER", "x", "1"};
+
+  static void FillLinked(const TemporaryFolder& folder) {
+    Fill(folder);
+    boost::filesystem::create_hard_link(folder.Native(u"schema.ini"), folder.Native(u"second"));
+  }
+  static std::string Asked() { return std::string(kIni) + "[x0]\nFormat=CSVDelimited\n"; }
+};
+
+TEST_F(WritingInPlaceTest, EndedAnywhereNothingIsLost) {
+  int halfWay = 0;
+  for (int call = 1; call < kMostCalls; ++call) {
+    SCOPED_TRACE("ended before call " + std::to_string(call));
+    TemporaryFolder folder;
+    FillLinked(folder);
+    // Longer than what the first sections leave, so that the file is cut as well.
+    folder.Append(u"schema.ini", "[x0]\nFormat=TabDelimited\nColNameHeader=True\n");
+    const std::string before = folder.Read(u"schema.ini");
+    const ProcessResult result = Run(folder, kWords, {{"FAULT_AT", std::to_string(call)}});
+    if (result.exitCode == kNoFaultLeft) break;
+    ASSERT_EQ(result.exitCode, kEnded);
+    const std::string found = folder.Read(u"schema.ini");
+    if (found != before && found != Asked()) {
+      ++halfWay;
+      EXPECT_TRUE(Asked().starts_with(found)) << found;
+      EXPECT_EQ(folder.Read(u"~scheam.ini"), Asked());
+      // What reading does by itself keeps its hands off, and off the finished text.
+      EXPECT_EQ(Run(folder, {"mismatch", "FOLDER", "a.csv", "2"}).exitCode, 1);
+      EXPECT_EQ(folder.Read(u"schema.ini"), found);
+      EXPECT_EQ(folder.Read(u"~scheam.ini"), Asked());
+    }
+    // The next writer has all sections.
+    EXPECT_EQ(Run(folder, {"sections", "FOLDER", "y", "1"}).exitCode, 0);
+    const std::string next = folder.Read(u"schema.ini");
+    EXPECT_TRUE(next == before + "[y0]\nFormat=CSVDelimited\n" ||
+                next == Asked() + "[y0]\nFormat=CSVDelimited\n")
+        << next;
+    EXPECT_EQ(folder.Read(u"second"), next);
+    EXPECT_FALSE(folder.Exists(u"~scheam.ini"));
+  }
+  EXPECT_GT(halfWay, 0);
+}
+
+// An operation holds schema.ini for longer than it writes it, by way of a second temporary file.
+TEST_F(WritingInPlaceTest, AnEndedRenamingLosesNoSection) {
+  int halfWay = 0;
+  for (int call = 1; call < kMostCalls; ++call) {
+    SCOPED_TRACE("ended before call " + std::to_string(call));
+    TemporaryFolder folder;
+    FillLinked(folder);
+    const ProcessResult result =
+        Run(folder, {"rename", "FOLDER", "a.csv", "b.csv"}, {{"FAULT_AT", std::to_string(call)}});
+    if (result.exitCode == kNoFaultLeft) break;
+    ASSERT_EQ(result.exitCode, kEnded);
+    if (!folder.Read(u"schema.ini").ends_with("[last.csv]\nCol1=L Text\n")) {
+      ++halfWay;
+      EXPECT_EQ(Run(folder, {"mismatch", "FOLDER", "a.csv", "2"}).exitCode, 1);
+    }
+    EXPECT_EQ(Run(folder, {"sections", "FOLDER", "y", "1"}).exitCode, 0);
+    ExpectOtherSections(folder);
+    EXPECT_EQ(TableIn(folder, folder.Exists(u"a.csv") ? u"a.csv" : u"b.csv").section,
+              "Format=CSVDelimited\nColNameHeader=True\nCol1=Id Long\nCol2=Name Text\n");
+    EXPECT_EQ(folder.Read(u"second"), folder.Read(u"schema.ini"));
+    EXPECT_FALSE(folder.Exists(u"~scheam.ini"));
+    EXPECT_FALSE(folder.Exists(u"~schema.ini.tmp"));
+  }
+  EXPECT_GT(halfWay, 0);
+}
+
+TEST_F(WritingInPlaceTest, AFailureAnywhereIsTakenBack) {
+  int failures = 0;
+  for (int call = 1; call < kMostCalls; ++call) {
+    SCOPED_TRACE("call " + std::to_string(call) + " fails");
+    TemporaryFolder folder;
+    FillLinked(folder);
+    const ProcessResult result =
+        Run(folder, kWords, {{"FAULT_AT", std::to_string(call)}, {"FAULT_MODE", "fail"}});
+    if (result.exitCode == kNoFaultLeft) break;
+    if (result.exitCode != 0) ++failures;
+    EXPECT_EQ(folder.Read(u"schema.ini"), result.exitCode == 0 ? Asked() : std::string(kIni));
+    EXPECT_EQ(folder.Read(u"second"), folder.Read(u"schema.ini"));
+    // A left-over that could not be removed is in nobody's way.
+    EXPECT_EQ(Run(folder, {"sections", "FOLDER", "y", "1"}).exitCode, 0);
+    EXPECT_FALSE(folder.Exists(u"~scheam.ini"));
+  }
+  EXPECT_GT(failures, 0);
+}
+
+// As on a disk that is full when the old text has been cut: neither the new nor the old one fits.
+TEST_F(WritingInPlaceTest, WhatCannotBeBroughtBackStaysUnderTheTemporaryName) {
+  int kept = 0;
+  for (int call = 1; call < kMostCalls; ++call) {
+    SCOPED_TRACE("calls from " + std::to_string(call) + " on fail");
+    TemporaryFolder folder;
+    FillLinked(folder);
+    folder.Append(u"schema.ini", "[x0]\nFormat=TabDelimited\nColNameHeader=True\n");
+    const std::string before = folder.Read(u"schema.ini");
+    const ProcessResult result =
+        Run(folder, kWords, {{"FAULT_AT", std::to_string(call)}, {"FAULT_MODE", "fail-on"}});
+    if (result.exitCode == kNoFaultLeft) break;
+    const std::string found = folder.Read(u"schema.ini");
+    if (found != before && found != Asked()) {
+      ++kept;
+      EXPECT_EQ(result.exitCode, 1);
+      EXPECT_NE(result.output.find("~scheam.ini holds the finished text"), std::string::npos);
+      EXPECT_EQ(folder.Read(u"~scheam.ini"), Asked());
+      EXPECT_EQ(Run(folder, {"sections", "FOLDER", "y", "1"}).exitCode, 0);
+      EXPECT_EQ(folder.Read(u"second"), Asked() + "[y0]\nFormat=CSVDelimited\n");
+    }
+  }
+  EXPECT_GT(kept, 0);
 }
 
 // ---------------------------------------------------------------------------------------------

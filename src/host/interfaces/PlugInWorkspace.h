@@ -61,6 +61,22 @@ inline constexpr IID IID_IPlugInCreateDataset = {
 template <>
 inline constexpr const IID& kInterfaceId<IPlugInCreateDataset> = IID_IPlugInCreateDataset;
 
+// Something has the name that a new table was to get (the system's ERROR_FILE_EXISTS).
+inline constexpr HRESULT kFileExists = static_cast<HRESULT>(0x80070050u);
+
+// New tables that never take the place of a file.
+struct ITextFileWorkspace : public IUnknown {
+  // As IPlugInCreateDataset::CreateTable, but a file that has the name is kept, whenever it comes:
+  // the answer is kFileExists then.
+  virtual HRESULT STDMETHODCALLTYPE CreateNewTable(BSTR name, HostFieldCollection* fields,
+                                                   IPlugInDatasetHelper** dataset) = 0;
+};
+
+inline constexpr IID IID_ITextFileWorkspace = {
+    0x5e0d1a5c, 0x2b8f, 0x4f0b, {0x9c, 0x3e, 0x71, 0x64, 0xd8, 0x2a, 0x95, 0xc7}};
+template <>
+inline constexpr const IID& kInterfaceId<ITextFileWorkspace> = IID_ITextFileWorkspace;
+
 // What the workspace can hold.
 struct IPlugInWorkspaceProperties : public IUnknown {
   virtual HRESULT STDMETHODCALLTYPE ReservedQuery(VARIANT_BOOL* result) = 0;

@@ -4,7 +4,9 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <atomic>
 #include <cerrno>
+#include <chrono>
 #include <cstdlib>
 #include <string>
 
@@ -101,6 +103,20 @@ LSTATUS ReadFile(const std::string& path, RegistryKey& root) {
   return understood ? kDone : static_cast<LSTATUS>(ERROR_REGISTRY_CORRUPT);
 }
 
+// Waits for others. Whoever makes many changes, one after another, waits once only: a change that
+// follows one that waited in vain does not wait again.
+bool TakeHold(ExclusiveFile& file, const std::string& path) {
+  using Clock = std::chrono::steady_clock;
+  static std::atomic<Clock::rep> lastBusy = Clock::time_point::min().time_since_epoch().count();
+  const Clock::time_point last{Clock::duration(lastBusy.load())};
+  const bool hasWaited =
+      last != Clock::time_point::min() && Clock::now() - last < ExclusiveFile::kPatience;
+  const auto patience = hasWaited ? std::chrono::milliseconds(0) : ExclusiveFile::kPatience;
+  if (file.OpenToReplace(path + ".new", path, patience)) return true;
+  if (ExclusiveFile::MeansBusy(file.error())) lastBusy = Clock::now().time_since_epoch().count();
+  return false;
+}
+
 }  // namespace
 
 LSTATUS ReadRegistry(RegistryKey& root) {
@@ -113,7 +129,7 @@ LSTATUS UpdateRegistry(const std::function<LSTATUS(RegistryKey& root)>& change) 
   if (path.empty()) return static_cast<LSTATUS>(ERROR_PATH_NOT_FOUND);
   MakeFolders(path);
   ExclusiveFile file;
-  if (!file.Open(path + ".new")) return ErrorOf(file.error().value());
+  if (!TakeHold(file, path)) return ErrorOf(file.error().value());
   RegistryKey root;
   LSTATUS result = ReadFile(path, root);
   if (result == kDone) result = change(root);
