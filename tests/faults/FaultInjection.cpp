@@ -5,7 +5,9 @@
 // FAULT_MODE=kill the process ends before it is made (exit code 99), with FAULT_MODE=fail it is
 // answered with "no space left on device", and with FAULT_MODE=fail-on so are all later ones. A
 // process that ends by itself before its fault has come exits with 42, so that a test knows when it
-// has been through all of them. Definitions in a program take the place of the libraries' own, also
+// has been through all of them. FAULT_DELAY=800 has each call wait for up to 800 microseconds
+// instead, now and then 16 times as long, differently in each process, so that processes come in
+// between each other's steps. Definitions in a program take the place of the libraries' own, also
 // for the other libraries.
 #include <dlfcn.h>
 #include <fcntl.h>
@@ -19,6 +21,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <random>
 
 #define SEEN_BY_LIBRARIES extern "C" __attribute__((visibility("default")))
 
@@ -32,6 +35,11 @@ long FaultAt() {
   return value == nullptr ? 0 : std::strtol(value, nullptr, 10);
 }
 
+unsigned long LongestDelay() {
+  static const char* const value = std::getenv("FAULT_DELAY");
+  return value == nullptr ? 0 : std::strtoul(value, nullptr, 10);
+}
+
 bool Kills() {
   static const char* const value = std::getenv("FAULT_MODE");
   return value == nullptr || std::strcmp(value, "kill") == 0;
@@ -42,8 +50,17 @@ bool FailsOn() {
   return value != nullptr && std::strcmp(value, "fail-on") == 0;
 }
 
+// Mostly short, now and then long enough for all that another process does.
+void Delay() {
+  if (LongestDelay() == 0) return;
+  static std::minstd_rand random(static_cast<unsigned>(::getpid()));
+  const unsigned long delay = random() % LongestDelay();
+  ::usleep(static_cast<useconds_t>(random() % 8 == 0 ? 16 * delay : delay));
+}
+
 // True when this call is to fail.
 bool Fault() {
+  Delay();
   if (++calls != FaultAt() && !(reached && FailsOn())) return false;
   reached = true;
   if (Kills()) ::_exit(99);
@@ -140,7 +157,11 @@ SEEN_BY_LIBRARIES int truncate(const char* path, off_t size) noexcept {
 SEEN_BY_LIBRARIES int truncate64(const char* path, off64_t size) noexcept {
   return Call(SYS_truncate, path, size);
 }
-SEEN_BY_LIBRARIES int fsync(int descriptor) { return Call(SYS_fsync, descriptor); }
+// A disk takes longer than the delays, and nobody looks at it then.
+SEEN_BY_LIBRARIES int fsync(int descriptor) {
+  if (LongestDelay() == 0) return Call(SYS_fsync, descriptor);
+  return Fault() ? -1 : 0;
+}
 SEEN_BY_LIBRARIES int fallocate(int descriptor, int mode, off_t start, off_t size) {
   return Call(SYS_fallocate, descriptor, mode, start, size);
 }

@@ -1,6 +1,7 @@
 // A small program that does one thing to the tables of a folder, for tests that end it half-way.
 //
-//   writing_faults create FOLDER NAME
+//   writing_faults create FOLDER NAME              in place of a table of that name
+//   writing_faults new FOLDER NAME                 unless something has the name
 //   writing_faults load FOLDER NAME ROWS [FIRSTID]
 //   writing_faults copy FOLDER NAME FOLDER NEWNAME
 //   writing_faults rename FOLDER NAME NEWNAME
@@ -43,12 +44,12 @@ TextDatasetDescription Opened(const TableLocation& table) {
   return description;
 }
 
-void Create(const TableLocation& table) {
+void Create(const TableLocation& table, ExistingFile existing) {
   std::vector<FieldDefinition> fields(2);
   fields[0].name = u"Id";
   fields[0].type = FieldType::kInteger;
   fields[1].name = u"Name";
-  CreateTableFiles(table, fields);
+  CreateTableFiles(table, fields, existing);
 }
 
 void Load(const TableLocation& table, LONG rows, LONG firstId) {
@@ -95,7 +96,8 @@ void WriteSections(const TableLocation& table, int rounds) {
 void Run(const std::vector<std::string>& words) {
   const auto word = [&](std::size_t i) { return ToUtf16(words.at(i)); };
   const TableLocation table{word(1), word(2)};
-  if (words[0] == "create") return Create(table);
+  if (words[0] == "create") return Create(table, ExistingFile::kReplaced);
+  if (words[0] == "new") return Create(table, ExistingFile::kKept);
   if (words[0] == "load")
     return Load(table, std::stoi(words.at(3)), words.size() > 4 ? std::stoi(words[4]) : 0);
   if (words[0] == "copy") return static_cast<void>(CopyTableFiles(table, {word(3), word(4)}));

@@ -228,6 +228,35 @@ TEST_F(WritingFaultsTest, OverwritingLeavesEachFileOldOrNew) {
   }
 }
 
+// Sections twice, in other letter case and in any order, empty lines, line ends of both kinds, and
+// a section of the new name.
+TEST_F(WritingFaultsTest, AFailureAnywhereLeavesEveryByteOfSchemaIni) {
+  const std::string ini = "; note\r\n\r\n[B.csv]\r\nCol1=B Text\r\n\n" + std::string(kIni) +
+                          "\n[A.CSV]\nCol1=Id Text\r\n[b.csv]\n[a.csv]\n\n";
+  for (const std::vector<std::string>& words :
+       std::vector<std::vector<std::string>>{{"create", "FOLDER", "a.csv"},
+                                             {"new", "FOLDER", "b.csv"},
+                                             {"copy", "FOLDER", "a.csv", "FOLDER", "b.csv"},
+                                             {"rename", "FOLDER", "a.csv", "b.csv"},
+                                             {"delete", "FOLDER", "a.csv"}}) {
+    int failures = 0;
+    for (int call = 1; call < kMostCalls; ++call) {
+      SCOPED_TRACE(words[0] + ", call " + std::to_string(call) + " fails");
+      TemporaryFolder folder;
+      Fill(folder);
+      folder.Write(u"schema.ini", ini);
+      const Files before = Everything(folder);
+      const ProcessResult result =
+          Run(folder, words, {{"FAULT_AT", std::to_string(call)}, {"FAULT_MODE", "fail"}});
+      if (result.exitCode == kNoFaultLeft) break;
+      if (result.exitCode == 0) continue;
+      ++failures;
+      EXPECT_EQ(Everything(folder), before);
+    }
+    EXPECT_GT(failures, 2) << words[0];
+  }
+}
+
 TEST_F(WritingFaultsTest, AFullDiskIsToldAndTakenBack) {
   const std::string rows(200000, 'x');
   for (const std::vector<std::string>& words :
