@@ -50,7 +50,7 @@ HRESULT TextFileDatasetHelper::EnsureOpen() noexcept try {
   auto attempt = std::make_shared<TextFile::TextDatasetDescription>(*description_);
   auto status = TextFile::OpenDatasetStatus::kScanFailed;
   TextFile::LayoutMisfit misfit;
-  if (TextFile::OpenTextDataset(*attempt, options_, status, misfit)) {
+  if (TextFile::OpenTextDataset(*attempt, options_, status, &misfit)) {
     description_ = std::move(attempt);
     return S_OK;
   }

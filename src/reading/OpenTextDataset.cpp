@@ -31,24 +31,18 @@ TextDatasetDescription DescribeFile(std::u16string_view folder, std::u16string_v
 }
 
 bool OpenTextDataset(TextDatasetDescription& description, const OpenOptions& openOptions,
-                     OpenDatasetStatus& status) {
-  LayoutMisfit ignored;
-  return OpenTextDataset(description, openOptions, status, ignored);
-}
-
-bool OpenTextDataset(TextDatasetDescription& description, const OpenOptions& openOptions,
-                     OpenDatasetStatus& status, LayoutMisfit& misfit) {
+                     OpenDatasetStatus& status, LayoutMisfit* misfit) {
   const quenra::EventLogTimer timer(kOpenEventType, u"Korvanet.TextFile.OpenDataset",
                                     u"BeginOpenDataset", u"EndOpenDataset", description.path, 0);
   description.fields.clear();
   const SchemaIniPaths paths(FolderOf(description.path));
   if (!ReadSchemaSection(paths, description.name, description.options))
     CompleteFromLocale(description.options);
-  return ScanTextDataset(description, openOptions, status);
+  return ScanTextDataset(description, openOptions, status, misfit);
 }
 
 bool ScanTextDataset(TextDatasetDescription& description, const OpenOptions& openOptions,
-                     OpenDatasetStatus& status) {
+                     OpenDatasetStatus& status, LayoutMisfit* misfit) {
   description.fields.clear();
   const ReaderPtr reader = MakeReader(description);
   if (!reader->IsOpen()) {
@@ -58,7 +52,7 @@ bool ScanTextDataset(TextDatasetDescription& description, const OpenOptions& ope
   if (!reader->Scan(description.options, description.fields, openOptions)) {
     description.fields.clear();
     status = OpenDatasetStatus::kScanFailed;
-    misfit = reader->misfit();
+    if (misfit != nullptr) *misfit = reader->misfit();
     return false;
   }
   if (description.fields.empty()) description.fields.push_back(EmptyTableField());

@@ -27,15 +27,13 @@ TextDatasetDescription DescribeFile(std::u16string_view folder, std::u16string_v
 // of an unopened table. True, and the description is loaded, with status kOpened only; after a
 // failure it has no fields. The host's event log gets one begin and one end event, whatever
 // happens. Throws ParseError when schema.ini cannot be understood. With status kScanFailed `misfit`
-// tells why no layout fits.
+// (may be null) tells why no layout fits.
 bool OpenTextDataset(TextDatasetDescription& description, const OpenOptions& openOptions,
-                     OpenDatasetStatus& status, LayoutMisfit& misfit);
-bool OpenTextDataset(TextDatasetDescription& description, const OpenOptions& openOptions,
-                     OpenDatasetStatus& status);
+                     OpenDatasetStatus& status, LayoutMisfit* misfit = nullptr);
 
 // The part of that behind schema.ini, of which the description already has the options (see
 // ReadSchemaSection, CompleteFromLocale). The event log gets nothing.
 bool ScanTextDataset(TextDatasetDescription& description, const OpenOptions& openOptions,
-                     OpenDatasetStatus& status);
+                     OpenDatasetStatus& status, LayoutMisfit* misfit = nullptr);
 
 }  // namespace TextFile
