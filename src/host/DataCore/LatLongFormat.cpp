@@ -26,7 +26,8 @@ constexpr int kMarkedDecimals = 3;
 enum class Evidence : std::uint8_t { kNumbers, kMarks, kLetters, kLabels };
 
 // What a format code says. Bits 0-3 notation, 4 compact digits, 5-6 evidence, 7 numbers with a
-// comma in square brackets, 8 longitude first, 9 decimal comma, 10 two texts.
+// comma in square brackets, 8 longitude first, 9 decimal comma, 10 two texts, 11 numbers with a
+// solidus.
 struct Format {
   Notation notation = Notation::kNone;
   Evidence evidence = Evidence::kNumbers;
@@ -35,11 +36,13 @@ struct Format {
   bool longitudeFirst = false;
   bool decimalComma = false;
   bool twoTexts = false;
+  bool solidus = false;
 
   std::int32_t Encode() const noexcept {
     return static_cast<std::int32_t>(notation) | (compact ? 1 << 4 : 0) |
            static_cast<std::int32_t>(evidence) << 5 | (commaInBrackets ? 1 << 7 : 0) |
-           (longitudeFirst ? 1 << 8 : 0) | (decimalComma ? 1 << 9 : 0) | (twoTexts ? 1 << 10 : 0);
+           (longitudeFirst ? 1 << 8 : 0) | (decimalComma ? 1 << 9 : 0) | (twoTexts ? 1 << 10 : 0) |
+           (solidus ? 1 << 11 : 0);
   }
 
   // A code that Encode never gives decodes to a format that widens nothing or as little as its bits
@@ -55,6 +58,7 @@ struct Format {
     format.longitudeFirst = (code & 1 << 8) != 0;
     format.decimalComma = (code & 1 << 9) != 0;
     format.twoTexts = (code & 1 << 10) != 0;
+    format.solidus = (code & 1 << 11) != 0;
     return format;
   }
 };
@@ -70,6 +74,10 @@ bool HasLetter(const Coordinate& half) noexcept { return half.letterSide != Lett
 bool IsWhole(const Coordinate& half) noexcept { return half.decimals == 0; }
 
 bool HasSign(const Pair& pair) noexcept { return pair.first.hasSign || pair.second.hasSign; }
+
+bool HasDecimalComma(const Pair& pair) noexcept {
+  return pair.first.decimalComma || pair.second.decimalComma;
+}
 
 // One notation in both halves, down to the symbols between the parts.
 bool IsOneNotation(const Coordinate& a, const Coordinate& b) noexcept {
@@ -239,7 +247,7 @@ bool AreLabelsPlain(const Pair& pair) noexcept {
 bool IsDecimalCommaClear(const Pair& pair) noexcept {
   const Coordinate& a = pair.first;
   const Coordinate& b = pair.second;
-  if (!a.decimalComma && !b.decimalComma) return true;
+  if (!HasDecimalComma(pair)) return true;
   const bool marked = a.degreeMark != Mark::kNone && b.degreeMark != Mark::kNone;
   return pair.separator != ',' || marked || pair.twoTexts;
 }
@@ -256,10 +264,9 @@ bool AreMarksPlain(const Pair& pair, bool known) noexcept {
   const Coordinate& a = pair.first;
   const Coordinate& b = pair.second;
   const bool both = TellsDegrees(a) && TellsDegrees(b);
-  if (!IsDecimalCommaClear(pair)) return false;
   if (a.groups > 1) return both;
-  if (known) return true;
-  return (both || pair.twoTexts) && !LooksGrouped(pair) && HaveDecimals(pair, kMarkedDecimals);
+  if (!(both || pair.twoTexts) || !IsDecimalCommaClear(pair)) return false;
+  return known || (!LooksGrouped(pair) && HaveDecimals(pair, kMarkedDecimals));
 }
 
 // Whether numbers that nothing marks are plain; `known` as above. Prices and shares stand on both
@@ -275,13 +282,20 @@ bool AreNumbersPlain(const Pair& pair, bool known) noexcept {
   return HaveDecimals(pair, HasSign(pair) ? kMarkedDecimals : kBareDecimals);
 }
 
+// Whether a solidus stands between numbers that nothing marks.
+bool HasSolidus(const Pair& pair, Evidence evidence) noexcept {
+  return evidence == Evidence::kNumbers && pair.separator == '/';
+}
+
 // Whether `hint` is of a column of decimal degrees that are told to be so as this pair's are.
 bool IsKnown(const Pair& pair, Evidence evidence, const Format& hint) noexcept {
-  if (hint.notation != Notation::kDecimalDegrees || hint.twoTexts != pair.twoTexts) return false;
-  if (hint.commaInBrackets != IsOrderOpen(pair, evidence)) return false;
-  const bool lettered = evidence == Evidence::kLetters;
-  const bool hintLettered = hint.evidence == Evidence::kLetters;
-  return lettered == hintLettered && hint.evidence != Evidence::kLabels;
+  if (hint.notation != Notation::kDecimalDegrees || hint.evidence != evidence) return false;
+  if (hint.twoTexts != pair.twoTexts || hint.solidus != HasSolidus(pair, evidence) ||
+      hint.commaInBrackets != IsOrderOpen(pair, evidence)) {
+    return false;
+  }
+  const bool whole = IsWhole(pair.first) && IsWhole(pair.second);
+  return whole || hint.decimalComma == HasDecimalComma(pair);
 }
 
 bool IsPlain(const Pair& pair, Evidence evidence, const Format& hint) noexcept {
@@ -316,8 +330,9 @@ bool Judge(Pair& pair, const Format& hint, Result& result) noexcept {
   result.format.evidence = evidence;
   result.format.commaInBrackets = IsOrderOpen(pair, evidence);
   result.format.longitudeFirst = a.axis == Axis::kLongitude;
-  result.format.decimalComma = a.decimalComma || b.decimalComma;
+  result.format.decimalComma = HasDecimalComma(pair);
   result.format.twoTexts = pair.twoTexts;
+  result.format.solidus = HasSolidus(pair, evidence);
   result.first = a.negative ? 0.0 - a.degrees : a.degrees;
   result.second = b.negative ? 0.0 - b.degrees : b.degrees;
   return true;
