@@ -64,6 +64,7 @@ std::vector<Field> FieldsOf(quenra::IPlugInDatasetHelper& dataset, const std::u1
   LONG count = 0;
   Check(collection->GetFieldCount(&count), table);
   std::vector<Field> fields;
+  fields.reserve(static_cast<std::size_t>(std::max<LONG>(count, 0)));
   for (LONG i = 0; i < count; ++i) {
     quenra::ComPtr<quenra::HostField> field;
     Check(collection->GetField(i, field.Receive()), table);

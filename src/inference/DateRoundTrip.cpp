@@ -1,6 +1,7 @@
 #include "inference/DateRoundTrip.h"
 
 #include <algorithm>
+#include <iterator>
 
 #include "inference/DateFormatting.h"
 #include "inference/DateParsing.h"

@@ -90,8 +90,7 @@ HRESULT NewClassIdentifier(const CLSID& classId, HostClassIdentifier** result) n
   return S_OK;
 }
 
-HRESULT NewFieldCollection(const FieldList& fields,
-                           ComPtr<HostFieldCollection>& result) {
+HRESULT NewFieldCollection(const FieldList& fields, ComPtr<HostFieldCollection>& result) {
   ComPtr<HostFieldCollectionEdit> edit;
   HRESULT status = CreateComponentInstance(CLSID_HostFieldCollection, edit.Receive());
   if (FAILED(status)) return status;

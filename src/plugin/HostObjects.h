@@ -16,7 +16,6 @@ HRESULT NewClassIdentifier(const CLSID& classId, HostClassIdentifier** result) n
 
 // The host's field collection of a table's fields, in order. `*result` is left alone, and the
 // failure of the host's object is answered, when one cannot be made. May throw std::bad_alloc.
-HRESULT NewFieldCollection(const TextFile::FieldList& fields,
-                           ComPtr<HostFieldCollection>& result);
+HRESULT NewFieldCollection(const TextFile::FieldList& fields, ComPtr<HostFieldCollection>& result);
 
 }  // namespace quenra

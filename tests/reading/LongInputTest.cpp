@@ -8,6 +8,7 @@
 #include <string_view>
 
 #include "platform/FileNames.h"
+#include "reading/OpenTextDataset.h"
 #include "reading/ReaderFactory.h"
 #include "schema/SchemaIniReader.h"
 
@@ -51,6 +52,39 @@ TEST_F(LongInputTest, ReadsManyQuotesBehindMuchWhiteSpace) {
   // Every one of these quotes is an ordinary character.
   EXPECT_EQ(reader->record()[0].size(), row.size());
   EXPECT_EQ(reader->record()[1], u"1");
+}
+
+TEST_F(LongInputTest, NamesAsLongAsTheirLineAreTaken) {
+  const std::string name(200000, 'x');
+  const std::u16string expected(name.begin(), name.end());
+  struct {
+    const char* why;
+    std::string header;
+    std::size_t records;  // header and rows
+  } const cases[] = {
+      {"as it stands", name + "\nabc\n", 2},
+      {"blanks around it", "  " + name + " \nabc\n", 2},
+      {"quotes around it", "\"" + name + "\"\nabc\n", 2},
+      {"CR LF", name + "\r\nabc\r\n", 2},
+      {"CRs", name + "\rabc\rabd\r", 3},
+      {"no line end", name, 1},
+      {"blank lines", "\n\n" + name + "\n\n", 1},
+  };
+  // No blank is tried as delimiter then.
+  Write("schema.ini", "[a.csv]\nFormat=CSVDelimited\n");
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.why);
+    Write("a.csv", c.header);
+    TextDatasetDescription table = DescribeFile(Folder(), u"a.csv");
+    auto status = OpenDatasetStatus::kScanFailed;
+    ASSERT_TRUE(OpenTextDataset(table, {}, status));
+    ASSERT_EQ(table.fields.size(), 1u);
+    EXPECT_TRUE(table.fields[0].name == expected);
+    const ReaderPtr reader = MakeReader(table);
+    std::size_t records = 0;
+    while (reader->ReadRecord()) ++records;
+    EXPECT_EQ(records, c.records);
+  }
 }
 
 TEST_F(LongInputTest, ReadsSchemaIniWithAQuoteOverManyLines) {

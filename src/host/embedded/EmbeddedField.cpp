@@ -2,6 +2,7 @@
 
 #include "host/CoreSupport/BString.h"
 #include "host/embedded/MemberAccess.h"
+#include "platform/OleText.h"
 
 namespace quenra {
 namespace {
@@ -12,12 +13,24 @@ HRESULT SetCount(LONG value, LONG& member) noexcept {
   return S_OK;
 }
 
+std::u16string_view TextOf(const std::unique_ptr<std::u16string>& text) noexcept {
+  return text == nullptr ? std::u16string_view() : *text;
+}
+
+// After a failure `member` is as it was.
+HRESULT CopyIn(std::u16string_view text, std::unique_ptr<std::u16string>& member) noexcept try {
+  member = text.empty() ? nullptr : std::make_unique<std::u16string>(text);
+  return S_OK;
+} catch (...) {
+  return HResultFromCurrentException();
+}
+
 }  // namespace
 
 HRESULT STDMETHODCALLTYPE EmbeddedField::GetName(BSTR* name) { return CopyToBstr(name_, name); }
 
 HRESULT STDMETHODCALLTYPE EmbeddedField::GetAliasName(BSTR* name) {
-  return CopyToBstr(aliasName_, name);
+  return CopyToBstr(aliasIsName_ ? std::u16string_view(name_) : TextOf(otherAlias_), name);
 }
 
 HRESULT STDMETHODCALLTYPE EmbeddedField::GetType(LONG* type) { return CopyOut(type_, type); }
@@ -30,10 +43,22 @@ HRESULT STDMETHODCALLTYPE EmbeddedField::GetPrecision(LONG* precision) {
   return CopyOut(precision_, precision);
 }
 
-HRESULT STDMETHODCALLTYPE EmbeddedField::SetName(BSTR name) { return CopyIn(name, name_); }
+HRESULT STDMETHODCALLTYPE EmbeddedField::SetName(BSTR name) {
+  if (aliasIsName_ && ViewOf(name) != name_) {
+    // The alias stays what it is.
+    if (const HRESULT result = CopyIn(name_, otherAlias_); FAILED(result)) return result;
+    aliasIsName_ = false;
+  }
+  return CopyIn(name, name_);
+}
 
 HRESULT STDMETHODCALLTYPE EmbeddedField::SetAliasName(BSTR name) {
-  return CopyIn(name, aliasName_);
+  const bool isName = ViewOf(name) == name_;
+  if (const HRESULT result = CopyIn(isName ? std::u16string_view() : ViewOf(name), otherAlias_);
+      FAILED(result))
+    return result;
+  aliasIsName_ = isName;
+  return S_OK;
 }
 
 HRESULT STDMETHODCALLTYPE EmbeddedField::SetType(LONG type) { return SetCount(type, type_); }
@@ -48,8 +73,8 @@ HRESULT STDMETHODCALLTYPE EmbeddedField::SetPrecision(LONG precision) {
   return SetCount(precision, precision_);
 }
 
-HRESULT STDMETHODCALLTYPE EmbeddedField::GetTag(BSTR* tag) { return CopyToBstr(tag_, tag); }
+HRESULT STDMETHODCALLTYPE EmbeddedField::GetTag(BSTR* tag) { return CopyToBstr(TextOf(tag_), tag); }
 
-HRESULT STDMETHODCALLTYPE EmbeddedField::SetTag(BSTR tag) { return CopyIn(tag, tag_); }
+HRESULT STDMETHODCALLTYPE EmbeddedField::SetTag(BSTR tag) { return CopyIn(ViewOf(tag), tag_); }
 
 }  // namespace quenra

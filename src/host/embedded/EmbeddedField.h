@@ -1,6 +1,7 @@
 // The embedded host's field: texts empty and numbers 0 until they are set.
 #pragma once
 
+#include <memory>
 #include <string>
 
 #include "host/com/Implements.h"
@@ -34,8 +35,10 @@ class EmbeddedField final : public Implements<HostField, HostFieldEdit, HostFiel
 
  private:
   std::u16string name_;
-  std::u16string aliasName_;
-  std::u16string tag_;
+  // Few fields have another alias than their name, or a tag, and tables may have a million fields.
+  bool aliasIsName_ = false;
+  std::unique_ptr<std::u16string> otherAlias_;  // null: empty, unless the alias is the name
+  std::unique_ptr<std::u16string> tag_;         // null: empty
   LONG type_ = 0;
   LONG length_ = 0;
   LONG precision_ = 0;

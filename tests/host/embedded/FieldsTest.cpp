@@ -49,6 +49,30 @@ TEST_F(FieldsTest, FieldKeepsWhatIsSet) {
   EXPECT_EQ(number, 1);
 }
 
+TEST_F(FieldsTest, AliasStaysWhenTheNameChanges) {
+  const ComPtr<HostField> field = MakeField(u"Name");
+  const auto edit = field.As<HostFieldEdit>();
+  BString text;
+  EXPECT_EQ(field->GetAliasName(text.Receive()), S_OK);
+  EXPECT_EQ(text.View(), u"");
+  for (const std::u16string_view alias : {u"Name", u"Other", u"Name", u""}) {
+    EXPECT_EQ(edit->SetName(BString(u"Name").Get()), S_OK);
+    EXPECT_EQ(edit->SetAliasName(BString(alias).Get()), S_OK);
+    EXPECT_EQ(field->GetAliasName(text.Receive()), S_OK);
+    EXPECT_EQ(text.View(), alias);
+    EXPECT_EQ(edit->SetName(BString(u"Renamed").Get()), S_OK);
+    EXPECT_EQ(field->GetAliasName(text.Receive()), S_OK);
+    EXPECT_EQ(text.View(), alias);
+    EXPECT_EQ(field->GetName(text.Receive()), S_OK);
+    EXPECT_EQ(text.View(), u"Renamed");
+  }
+  const auto tag = field.As<HostFieldTag>();
+  EXPECT_EQ(tag->SetTag(BString(u"tag").Get()), S_OK);
+  EXPECT_EQ(tag->SetTag(nullptr), S_OK);
+  EXPECT_EQ(tag->GetTag(text.Receive()), S_OK);
+  EXPECT_EQ(text.View(), u"");
+}
+
 TEST_F(FieldsTest, NewFieldIsBlank) {
   ComPtr<HostField> field;
   ASSERT_EQ(CreateComponentInstance(CLSID_HostField, field.Receive()), S_OK);
