@@ -65,7 +65,7 @@ void ApplyHostSettings(const GlobalOptions& options) {
 // The log replaces its file, which must be none that the command needs.
 void RequireFreeEventLog(const CommandLine& line) {
   if (IsOneOf(FilesOf(line), *line.global.eventLogFile))
-    throw UsageError("the event log cannot be " + FileNameBytes(*line.global.eventLogFile) +
+    throw UsageError("the event log cannot be " + Shown(*line.global.eventLogFile) +
                      ", a file that the command works on");
 }
 
