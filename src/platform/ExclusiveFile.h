@@ -101,8 +101,6 @@ class PLATFORM_API ExclusiveFile {
   bool Rename(const NativeFileName& target, bool replace);
   void* handle_ = nullptr;
 #else
-  std::string HolderOf(int descriptor) const;
-
   int descriptor_ = -1;
   std::string holder_;      // of a file that was busy
   unsigned firstMode_ = 0;  // of the file before it was closed to others; 0 when it was not

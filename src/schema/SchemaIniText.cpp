@@ -181,7 +181,7 @@ SchemaIniText::RawLine SchemaIniText::TakeLine(std::string_view& bytes) const {
 }
 
 // A byte 0A ends the line where a zero byte or nothing follows, as in the line reader.
-SchemaIniText::RawLine SchemaIniText::TakeUtf16Line(std::string_view& bytes) const {
+SchemaIniText::RawLine SchemaIniText::TakeUtf16Line(std::string_view& bytes) {
   std::size_t end = bytes.find('\n');
   while (end != std::string_view::npos && end + 1 < bytes.size() && bytes[end + 1] != '\0')
     end = bytes.find('\n', end + 1);

@@ -70,7 +70,7 @@ class SchemaIniText {
   };
 
   RawLine TakeLine(std::string_view& bytes) const;
-  RawLine TakeUtf16Line(std::string_view& bytes) const;
+  static RawLine TakeUtf16Line(std::string_view& bytes);
   std::string_view WithoutLineEnd(std::string_view line) const;
   bool Encode(std::u16string_view text, bool ansi, std::string& bytes) const;
   bool AppendLine(std::u16string_view text, const SchemaIniSource& source, bool isHeader,

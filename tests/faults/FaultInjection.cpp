@@ -45,17 +45,17 @@ bool Kills() {
   return value == nullptr || std::strcmp(value, "kill") == 0;
 }
 
+bool FailsOn() {
+  static const char* const value = std::getenv("FAULT_MODE");
+  return value != nullptr && std::strcmp(value, "fail-on") == 0;
+}
+
 // Mostly short, now and then long enough for all that another process does.
 void Delay() {
   if (LongestDelay() == 0) return;
   static std::minstd_rand random(static_cast<unsigned>(::getpid()));
   const unsigned long delay = random() % LongestDelay();
   ::usleep(static_cast<useconds_t>(random() % 8 == 0 ? 16 * delay : delay));
-}
-
-bool FailsOn() {
-  static const char* const value = std::getenv("FAULT_MODE");
-  return value != nullptr && std::strcmp(value, "fail-on") == 0;
 }
 
 // True when this call is to fail.

@@ -300,16 +300,8 @@ class RandomIni {
 
   static inline const std::string kStarts[] = {"[",   "[a", "[b",       "A=1",
                                                " [a", "",   "\xC3\xBC", "\xFC"};
-  static inline const std::string kPieces[] = {"\xC3\xBC",
-                                               "\xFC",
-                                               "\xDF"
-                                               "e",
-                                               "x",
-                                               "\0"s,
-                                               "\r",
-                                               "[a",
-                                               "\xD0\x96",
-                                               "\""};
+  static inline const std::string kPieces[] = {"\xC3\xBC", "\xFC", "\xDF\x65", "x", "\0"s,
+                                               "\r",       "[a",   "\xD0\x96", "\""};
   static inline const std::string kEnds[] = {"\n", "\n", "\r\n", "\n\n", "", "\r\r\n", "\x1A\n"};
 
   std::mt19937 random_;

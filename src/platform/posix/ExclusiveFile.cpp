@@ -144,6 +144,37 @@ bool MayStillBeWritten(int renameError) {
          renameError == EACCES;
 }
 
+// The number of the process that has the file locked, as the system lists it; empty when it cannot
+// be told.
+std::string HolderOf(int descriptor) {
+  struct stat status {};
+  if (::fstat(descriptor, &status) != 0) return {};
+  char file[64];
+  std::snprintf(file, sizeof file, "%02x:%02x:%llu", major(status.st_dev), minor(status.st_dev),
+                static_cast<unsigned long long>(status.st_ino));
+  const std::string inode = std::string(file).substr(std::string_view(file).rfind(':'));
+  std::ifstream locks("/proc/locks");
+  std::string alike;
+  for (std::string line; std::getline(locks, line);) {
+    // 1: FLOCK  ADVISORY  WRITE 4711 08:01:1234 0 EOF
+    std::istringstream words(line);
+    std::string number;
+    std::string kind;
+    std::string mode;
+    std::string access;
+    std::string process;
+    std::string place;
+    words >> number >> kind >> mode >> access >> process >> place;
+    if (kind != "FLOCK" || process.find_first_not_of("0123456789") != std::string::npos ||
+        process == "0")
+      continue;
+    if (place == file) return process;
+    // Some file systems have another device number here than in a file's status.
+    if (place.ends_with(inode)) alike = process;
+  }
+  return alike;
+}
+
 std::u16string Words(std::string_view text) { return FileNameFromNative(NativeFileName(text)); }
 
 }  // namespace
@@ -168,32 +199,6 @@ bool ExclusiveFile::Refuse(int systemError, std::u16string_view why) {
   Fail(systemError);
   obstacle_ = FileNameFromNative(path_) + std::u16string(why);
   return false;
-}
-
-// The number of the process that has the file locked, as the system lists it; empty when it cannot
-// be told.
-std::string ExclusiveFile::HolderOf(int descriptor) const {
-  struct stat status {};
-  if (::fstat(descriptor, &status) != 0) return {};
-  char file[64];
-  std::snprintf(file, sizeof file, "%02x:%02x:%llu", major(status.st_dev), minor(status.st_dev),
-                static_cast<unsigned long long>(status.st_ino));
-  const std::string inode = std::string(file).substr(std::string_view(file).rfind(':'));
-  std::ifstream locks("/proc/locks");
-  std::string alike;
-  for (std::string line; std::getline(locks, line);) {
-    // 1: FLOCK  ADVISORY  WRITE 4711 08:01:1234 0 EOF
-    std::istringstream words(line);
-    std::string number, kind, mode, access, process, place;
-    words >> number >> kind >> mode >> access >> process >> place;
-    if (kind != "FLOCK" || process.find_first_not_of("0123456789") != std::string::npos ||
-        process == "0")
-      continue;
-    if (place == file) return process;
-    // Some file systems have another device number here than in a file's status.
-    if (place.ends_with(inode)) alike = process;
-  }
-  return alike;
 }
 
 // ---------------------------------------------------------------------------------------------
