@@ -155,13 +155,12 @@ TEST_F(CreateTableTest, ANewTableKeepsAFileOfItsName) {
 // A file that may be written and not read keeps its rights, and then cannot be opened.
 TEST_F(CreateTableTest, NothingFailsOnceTheTableIsReplaced) {
   namespace fs = boost::filesystem;
-  folder_.Write(u"t.csv", "old\n");
   fs::permissions(folder_.Native(), fs::perms::all_all);
-  fs::permissions(folder_.Native(u"t.csv"),
-                  fs::perms::owner_write | fs::perms::group_write | fs::perms::others_write);
   ComPtr<IPlugInDatasetHelper> table;
   {
     const OrdinaryUser ordinary;
+    folder_.Write(u"t.csv", "old\n");
+    fs::permissions(folder_.Native(u"t.csv"), fs::perms::owner_write);
     EXPECT_EQ(Create(u"t.csv", MakeFields({{u"Id", 1}}), table), S_OK);
     EXPECT_TRUE(table);
   }

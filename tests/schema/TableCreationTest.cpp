@@ -223,18 +223,6 @@ TEST_F(TableCreationTest, AFileIsKeptWhenThatIsAskedFor) {
   EXPECT_EQ(Ini(), ini);
 }
 
-TEST_F(TableCreationTest, ATableThatCouldNotBeOpenedReplacesNothing) {
-  // A fixed-length table needs columns.
-  const std::string ini = "[t.csv]\r\n\r\nFormat=FixedLength\n[T.CSV]\nother\n";
-  folder_.Write(u"t.csv", "old\n");
-  folder_.Write(u"schema.ini", ini);
-  EXPECT_EQ(Refusal(u"t.csv", {}),
-            "t.csv: the new table could not be opened with its section of schema.ini");
-  EXPECT_EQ(folder_.Read(u"t.csv"), "old\n");
-  EXPECT_EQ(Ini(), ini);
-  EXPECT_EQ(folder_.Names(), (std::vector<std::u16string>{u"schema.ini", u"t.csv"}));
-}
-
 TEST_F(TableCreationTest, AMissingFolderIsNamed) {
   try {
     CreateTableFiles({folder_.Path(u"none"), u"t.csv"}, {Field(u"A", FieldType::kInteger)});
