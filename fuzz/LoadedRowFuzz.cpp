@@ -39,7 +39,8 @@ std::vector<Field> FieldsOf(std::string_view line) {
     Field field;
     field.name = names.substr(0, end);
     const char16_t last = field.name.empty() ? u't' : field.name.back();
-    field.type = last >= u'a' && last < u'a' + 17 ? last - u'a' : TextTables::kStringField;
+    field.type = TextTables::kStringField;
+    if (last >= u'a' && last < u'a' + 17) field.type = last - u'a';
     field.length = field.type == TextTables::kStringField ? 10 : 0;
     fields.push_back(field);
     names.erase(0, end + 1);
