@@ -8,8 +8,10 @@
 #include "host/AppEventLog/EventLog.h"
 #include "host/CoreSupport/BString.h"
 #include "host/CoreSupport/CharacterClasses.h"
+#include "host/CoreSupport/CharacterWidth.h"
 #include "host/CoreSupport/Components.h"
 #include "host/CoreSupport/EventLogTimer.h"
+#include "host/CoreSupport/MessageText.h"
 #include "host/CoreSupport/OleDays.h"
 #include "host/CoreSupport/QUENRALocale.h"
 #include "host/CoreSupport/Variant.h"
@@ -187,6 +189,20 @@ TEST_F(HeaderExamplesTest, Texts) {
   // end of snippet
   EXPECT_EQ(upper, u'\u00C9');
   EXPECT_EQ(trimmed, u"a b");
+
+  // snippet: host/CoreSupport/CharacterWidth.h
+  const int columns = ColumnsOf(U'\u6771');  // 2
+  // end of snippet
+  EXPECT_EQ(columns, 2);
+
+  const std::u16string_view tableName = u"a.csv";
+  // snippet: host/CoreSupport/MessageText.h
+  MessageText message;
+  message.Insert(tableName).Add(u": there is no such column");
+  // end of snippet
+  EXPECT_EQ(message.text, u"a.csv: there is no such column");
+  ASSERT_EQ(message.inserts.size(), 1u);
+  EXPECT_EQ(message.inserts[0].length, 5u);
 }
 
 TEST_F(HeaderExamplesTest, Values) {

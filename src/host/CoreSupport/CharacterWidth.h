@@ -1,6 +1,6 @@
 // How wide a terminal shows a character.
 //
-//   ColumnsOf(U'\u6771');  // 2
+//   const int columns = ColumnsOf(U'\u6771');  // 2
 #pragma once
 
 #include "host/HostApi.h"
