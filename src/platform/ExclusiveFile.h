@@ -25,11 +25,12 @@
 
 #include "platform/FileNames.h"
 
+// How long a writer waits for another one, unless it says otherwise. Not a member: on Windows that
+// would have to come from the library.
+inline constexpr std::chrono::milliseconds kWriterPatience{10000};
+
 class PLATFORM_API ExclusiveFile {
  public:
-  // How long a writer waits for another one, unless it says otherwise.
-  static constexpr std::chrono::milliseconds kPatience{10000};
-
   // Whether the text may be written into the old file where the old file cannot be replaced.
   enum class InPlace { kRefused, kAllowed };
 
@@ -44,13 +45,13 @@ class PLATFORM_API ExclusiveFile {
   // is what no writer has made: a link, a file with further names, something that is no regular
   // file. So are what another user has left behind and the finished text of a file that was being
   // written when its writer ended.
-  bool Open(const NativeFileName& path, std::chrono::milliseconds patience = kPatience);
+  bool Open(const NativeFileName& path, std::chrono::milliseconds patience = kWriterPatience);
 
   // The same for a file that is going to replace `target`, whose contents nobody else can read
   // meanwhile if `target` exists. Writing into `target` that was ended half-way is completed first,
   // or refused like the rest.
   bool OpenToReplace(const NativeFileName& path, const NativeFileName& target,
-                     std::chrono::milliseconds patience = kPatience,
+                     std::chrono::milliseconds patience = kWriterPatience,
                      InPlace inPlace = InPlace::kAllowed);
 
   bool Write(std::string_view bytes);

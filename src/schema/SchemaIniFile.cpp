@@ -149,7 +149,7 @@ SchemaIniFile::SchemaIniFile(SchemaIniPaths paths, Access access)
 
 void SchemaIniFile::TakeHold() {
   const NativeFileName target = NativeFromFileName(paths_.schemaIni);
-  const auto patience = access_ == Access::kUpdate ? kPatienceOfReading : ExclusiveFile::kPatience;
+  const auto patience = access_ == Access::kUpdate ? kPatienceOfReading : kWriterPatience;
   const std::u16string_view reason = exists_ ? kCouldNotWriteTemporary : kCouldNotCreate;
   if (!temporary_.OpenToReplace(NativeFromFileName(paths_.temporary), target, patience,
                                 MayWriteInPlace()))

@@ -109,9 +109,8 @@ bool TakeHold(ExclusiveFile& file, const std::string& path) {
   using Clock = std::chrono::steady_clock;
   static std::atomic<Clock::rep> lastBusy = Clock::time_point::min().time_since_epoch().count();
   const Clock::time_point last{Clock::duration(lastBusy.load())};
-  const bool hasWaited =
-      last != Clock::time_point::min() && Clock::now() - last < ExclusiveFile::kPatience;
-  const auto patience = hasWaited ? std::chrono::milliseconds(0) : ExclusiveFile::kPatience;
+  const bool hasWaited = last != Clock::time_point::min() && Clock::now() - last < kWriterPatience;
+  const auto patience = hasWaited ? std::chrono::milliseconds(0) : kWriterPatience;
   if (file.OpenToReplace(path + ".new", path, patience)) return true;
   if (ExclusiveFile::MeansBusy(file.error())) lastBusy = Clock::now().time_since_epoch().count();
   return false;
