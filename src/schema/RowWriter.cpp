@@ -17,6 +17,7 @@
 #include "platform/OleText.h"
 #include "reading/TextDecoding.h"
 #include "schema/SchemaIniPaths.h"
+#include "schema/TableMetadata.h"
 #include "schema/TableNames.h"
 #include "schema/Utf8.h"
 
@@ -280,9 +281,12 @@ bool RowWriter::FindEncoding() {
   }
 }
 
-// The file of the sections is none, by whatever name it was opened.
+// The file of the sections is none, by whatever name it was opened, nor is another's metadata.
 bool RowWriter::RequireTable() {
-  const SchemaIniPaths paths(FolderOf(table_.path));
+  const std::u16string folder = FolderOf(table_.path);
+  if (const std::u16string owner = MetadataOwner({folder, table_.name}); !owner.empty())
+    return Fail(u"the file is no table but the metadata of " + owner);
+  const SchemaIniPaths paths(folder);
   if (IsReservedFile(table_.name) || file_.IsAt(NativeFromFileName(paths.schemaIni)) ||
       file_.IsAt(NativeFromFileName(paths.temporary)))
     return Fail(u"the file is no table");

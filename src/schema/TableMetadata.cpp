@@ -29,15 +29,19 @@ bool IsRegularFile(const std::u16string& path) {
 
 bool HasMetadata(const TableLocation& table) { return IsRegularFile(table.MetadataPath()); }
 
-void RequireNoMetadataName(const TableLocation& table) {
+std::u16string MetadataOwner(const TableLocation& table) {
   const std::u16string_view name = table.name;
   if (name.size() <= kExtension.size() ||
       !quenra::DataCoreUtil::CompareFoldCase(name.substr(name.size() - kExtension.size()),
                                              kExtension))
-    return;
+    return {};
   const std::u16string_view owner = name.substr(0, name.size() - kExtension.size());
-  if (IsRegularFile(JoinPath(table.folder, owner)))
-    FailTable(table.Path(), u"the name is that of the metadata of " + std::u16string(owner));
+  return IsRegularFile(JoinPath(table.folder, owner)) ? std::u16string(owner) : std::u16string();
+}
+
+void RequireNoMetadataName(const TableLocation& table) {
+  if (const std::u16string owner = MetadataOwner(table); !owner.empty())
+    FailTable(table.Path(), u"the name is that of the metadata of " + owner);
 }
 
 bool HaveSameBytes(const std::u16string& path, const std::u16string& other) {

@@ -13,6 +13,10 @@ namespace TextFile {
 // folder or a pipe, is somebody's, and no operation on the table touches it.
 bool HasMetadata(const TableLocation& table);
 
+// The file of the folder whose metadata has or would have the table's name; empty when there is
+// none.
+std::u16string MetadataOwner(const TableLocation& table);
+
 // Refuses a table the name that the metadata of another file of its folder has or would have.
 void RequireNoMetadataName(const TableLocation& table);
 

@@ -104,4 +104,22 @@ TEST_F(CompanionsTest, NoTableTakesTheNameOfAnotherOnesMetadata) {
   EXPECT_EQ(Output({"copy", "b.csv", "other.xml"}), "");
 }
 
+// One that stands alone is a table like any other.
+TEST_F(CompanionsTest, MetadataGetsNoRows) {
+  Write("row", "[2]\n");
+  for (const std::string name : {"a.csv.xml", "a.csv.XML", "other.xml"}) {
+    SCOPED_TRACE(name);
+    Write(name, kTable);
+    if (name == "other.xml") {
+      EXPECT_EQ(Output({"--quiet", "load", name, "row"}), "");
+      EXPECT_EQ(ReadTable(name), "Id\n1\n2\n");
+      continue;
+    }
+    ExpectRefused(Run({"load", name, "row"}),
+                  "texttables: error: 0x80004005: " + (std::filesystem::path(".") / name).string() +
+                      ": the file is no table but the metadata of a.csv\n");
+    EXPECT_EQ(Read(name), kTable);
+  }
+}
+
 }  // namespace
