@@ -298,6 +298,13 @@ bool RowWriter::RequireItsName() {
          Fail(u"the file has been removed or replaced meanwhile");
 }
 
+// A table that is created anew may keep its file, where that cannot be exchanged. Nobody who adds
+// rows makes the text shorter: at most the bytes 1A behind it go.
+bool RowWriter::RequireItsRows(std::uint64_t size) {
+  return size >= textEnd_.size ||
+         Fail(u"the file has been cut or created anew meanwhile, and its rows are gone");
+}
+
 bool RowWriter::Open() {
   if (!FindEncoding()) return false;
   if (!file_.Open(NativeFromFileName(table_.path), RegularFile::Access::kAppend))
@@ -338,6 +345,7 @@ bool RowWriter::LookAtEnd(std::uint64_t from) {
 bool RowWriter::PrepareEnd() {
   std::uint64_t size = 0;
   if (!file_.Size(size)) return Fail(u"the file cannot be read");
+  if (!RequireItsRows(size)) return false;
   // Another writer has been here.
   const bool rowBegins = textEnd_.endsLine && size > end_;
   if (size != end_ && !LookAtEnd(rowBegins ? textEnd_.size : 0)) return false;
@@ -498,8 +506,10 @@ RegularFile::Appended RowWriter::WriteRows(std::string_view rows) {
 
 bool RowWriter::Close() {
   bool written = Flush();
-  // Rows of earlier blocks may be in a file that nobody has any more.
-  if (written && hasWritten_) written = RequireItsName();
+  // Rows of earlier blocks may be in a file that nobody has any more, or have been cut off.
+  std::uint64_t size = 0;
+  if (written && hasWritten_)
+    written = RequireItsName() && (!file_.Size(size) || RequireItsRows(size));
   file_.Close();
   return written;
 }

@@ -92,6 +92,7 @@ class RowWriter {
   bool FindEncoding();
   bool RequireTable();
   bool RequireItsName();
+  bool RequireItsRows(std::uint64_t size);
   bool LookAtEnd(std::uint64_t from);
   bool PrepareEnd();
   Way WayOf(const Column& column) const;

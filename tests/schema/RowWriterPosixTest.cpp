@@ -8,6 +8,7 @@
 #include "host/CoreSupport/Variant.h"
 #include "reading/OpenTextDataset.h"
 #include "schema/RowWriter.h"
+#include "schema/TableFiles.h"
 #include "support/TemporaryFolder.h"
 #include "support/TestText.h"
 #include "support/UserLocale.h"
@@ -74,6 +75,36 @@ TEST_F(RowWriterPosixTest, RowsThatHaveLeftTheTableWithItsFileAreTold) {
   folder_.Write(u"t.csv", kTable);
   ExpectExchanged(writer);
   EXPECT_EQ(folder_.Read(u"t.csv"), kTable);
+}
+
+// With a further name the file stays the same one, and is written over.
+TEST_F(RowWriterPosixTest, ATableThatIsCreatedAnewInItsFileIsTold) {
+  FieldDefinition other;
+  other.name = u"Other";
+  other.type = FieldType::kString;
+  const std::string created = "\xEF\xBB\xBFOther\n";
+  for (const bool waits : {true, false}) {
+    SCOPED_TRACE(waits ? "a row waits" : "all rows have gone out");
+    folder_.Write(u"t.csv", kTable);
+    if (!folder_.Exists(u"second"))
+      boost::filesystem::create_hard_link(folder_.Native(u"t.csv"), folder_.Native(u"second"));
+    RowWriter writer(table_);
+    ASSERT_TRUE(writer.Open());
+    do {
+      ASSERT_TRUE(WriteRow(writer));
+    } while (folder_.Read(u"t.csv") == kTable);
+    if (waits) {
+      ASSERT_TRUE(WriteRow(writer));
+    }
+    CreateTableFiles({folder_.Path(), u"t.csv"}, {other});
+    EXPECT_FALSE(writer.Close());
+    EXPECT_EQ(ToUtf8(writer.failure()),
+              ToUtf8(table_.path) +
+                  ": the file has been cut or created anew meanwhile, and its rows are gone");
+    EXPECT_EQ(folder_.Read(u"t.csv"), created);
+    EXPECT_EQ(folder_.Read(u"second"), created);
+    folder_.Remove(u"schema.ini");
+  }
 }
 
 }  // namespace
