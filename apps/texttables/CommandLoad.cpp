@@ -54,7 +54,7 @@ class Loading {
     }
     const HRESULT result = loader_->LoadRow(row_->Buffer());
     if (FAILED(result)) {
-      const std::string text = TakeChainedText(result);
+      const std::string text = TakeChainedError(result).text;
       loader_.Reset();
       RefuseWriting(result, text);
     }

@@ -34,8 +34,8 @@ void RequireFree(const TablePath& path) {
   std::error_code ignored;
   if (!std::filesystem::exists(std::filesystem::symlink_status(file, ignored))) return;
   const bool folder = std::filesystem::is_directory(file, ignored);
-  throw Refusal(quenra::kFileExists, Shown(path.name) +
-                                 (folder ? " exists already and is a folder" : " exists already"));
+  throw Refusal(quenra::kFileExists, Shown(path.name) + (folder ? " exists already and is a folder"
+                                                                : " exists already"));
 }
 
 ComPtr<quenra::HostField> MakeField(const NewField& field) {
@@ -93,7 +93,7 @@ ComPtr<quenra::IPlugInFileOperations> FileOperationsOf(const ModuleHost& host,
   if (FAILED(result)) {
     operations = FindListed(*workspace, path.name);
     if (!operations) CheckOpened(result, path.name, PathOf(path));
-    TakeChainedText(result);
+    TakeChainedError(result);
   } else {
     operations = dataset.As<quenra::IPlugInFileOperations>();
     if (!operations) Check(E_NOINTERFACE, path.name);

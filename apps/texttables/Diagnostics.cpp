@@ -16,11 +16,6 @@ namespace TextTables {
 
 namespace {
 
-struct ChainedError {
-  HRESULT code = E_FAIL;
-  std::string text;
-};
-
 // The text with the values and names in it as people are shown them. Of an error that does not tell
 // them from its own words everything is taken for its own; the whole is made safe when it is
 // written.
@@ -98,12 +93,12 @@ void WriteDiagnosis(std::string_view kind, HRESULT code, std::string_view text) 
 
 }  // namespace
 
-std::string TakeChainedText(HRESULT code) {
+ChainedError TakeChainedError(HRESULT code) {
   const std::vector<ChainedError> errors = ReadChain(TakeErrorInfo());
   if (errors.empty()) return {};
   const auto same = std::find_if(errors.begin(), errors.end(),
                                  [code](const ChainedError& error) { return error.code == code; });
-  return same != errors.end() ? same->text : errors.front().text;
+  return same != errors.end() ? *same : errors.front();
 }
 
 void ReportWarnings(bool quiet) {

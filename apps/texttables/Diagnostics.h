@@ -8,9 +8,14 @@
 
 namespace TextTables {
 
-// The text chained with `code`, else the newest text of the chain, else empty. The chain is empty
-// afterwards.
-std::string TakeChainedText(HRESULT code);
+struct ChainedError {
+  HRESULT code = E_FAIL;
+  std::string text;
+};
+
+// The error chained with `code`, else the newest of the chain, else one without a text. The chain
+// is empty afterwards.
+ChainedError TakeChainedError(HRESULT code);
 
 // Prints every chained error as a warning, the oldest first, and empties the chain. With `quiet`
 // nothing is printed. Costs next to nothing when there is none: it is called for every row.

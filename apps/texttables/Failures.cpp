@@ -84,8 +84,9 @@ void Check(HRESULT code, std::u16string_view subject) { CheckOpened(code, subjec
 
 void CheckOpened(HRESULT code, std::u16string_view subject, std::u16string_view path) {
   if (!FAILED(code)) return;
-  if (const std::string chained = TakeChainedText(code); !chained.empty())
-    throw Refusal(code, Explained(code, chained, path));
+  if (const ChainedError chained = TakeChainedError(code); !chained.text.empty())
+    // Calls that answer no more than that they failed may chain what it was.
+    throw Refusal(code == E_FAIL ? chained.code : code, Explained(code, chained.text, path));
   std::string text = MeaningOf(code);
   if (!subject.empty()) text += ": " + Shown(subject);
   if (code == kTableNotFound) text += InBrackets(WhyNotFound(path));

@@ -6,6 +6,7 @@
 #include "host/DataCore/DataAccessUtil.h"
 #include "host/com/ComCatch.h"
 #include "host/interfaces/DataSourceClasses.h"
+#include "host/interfaces/PlugInWorkspace.h"
 #include "resources/ResourceStrings.h"
 #include "resources/StringIds.h"
 #include "schema/TableFiles.h"
@@ -94,7 +95,8 @@ HRESULT HResultFromTableException() noexcept try {
   try {
     throw;
   } catch (const TextFile::TableFailure& failure) {
-    return ChainTextFileError(E_FAIL, failure.text);
+    ChainTextFileError(failure.taken ? kFileExists : E_FAIL, failure.text);
+    return E_FAIL;
   }
 } catch (const std::bad_alloc&) {
   return E_OUTOFMEMORY;

@@ -42,8 +42,9 @@ MessageText NameAsMessage(std::u16string_view name);
 // Why the table of that name cannot be read as a table: which record does not fit its columns.
 MessageText MisfitMessage(std::u16string_view tableName, const TextFile::LayoutMisfit& misfit);
 
-// Inside a catch block around an operation on a table's files: what went wrong is chained with the
-// file's name and the reason, as E_FAIL; short memory stays E_OUTOFMEMORY.
+// Inside a catch block around an operation on a table's files: answers E_FAIL, and what went wrong
+// is chained with the file's name and the reason, as kFileExists when something has the name that a
+// table was to get, else as E_FAIL too; short memory stays E_OUTOFMEMORY.
 HRESULT HResultFromTableException() noexcept;
 
 // Inside a catch block around the opening of a table: a schema.ini error is chained with the

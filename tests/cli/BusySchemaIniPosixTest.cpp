@@ -7,6 +7,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <thread>
+
 #include "cli/TexttablesTest.h"
 
 namespace {
@@ -49,6 +51,21 @@ TEST_F(BusySchemaIniTest, AnOperationSaysWhoIsInTheWay) {
               HasSubstr("~scheam.ini is in use by process " + std::to_string(::getpid())));
   EXPECT_EQ(Read("schema.ini"), "[a.csv]\nFormat=CSVDelimited\n");
   ::close(file);
+}
+
+// The copy is finished, and only waits to take its name.
+TEST_F(BusySchemaIniTest, ATargetThatComesMeanwhileIsToldByItsCode) {
+  const int file = ::open(Path("~scheam.ini").c_str(), O_RDWR | O_CREAT, 0666);
+  ASSERT_EQ(::flock(file, LOCK_EX), 0);
+  ProcessResult result;
+  std::thread copy([&] { result = Run({"copy", "a.csv", "b.csv"}); });
+  while (!std::filesystem::exists(Path("~b.csv.tmp"))) std::this_thread::yield();
+  Write("b.csv", "mine\n");
+  ::flock(file, LOCK_UN);
+  copy.join();
+  ::close(file);
+  ExpectRefused(result, "texttables: error: 0x80070050: ./b.csv: the file exists already\n");
+  EXPECT_EQ(Read("b.csv"), "mine\n");
 }
 
 TEST_F(BusySchemaIniTest, ATemporaryNameOfAnotherFileIsNotWrittenThrough) {

@@ -70,7 +70,7 @@ TEST_F(CompanionsTest, APipeUnderTheNewNameIsTaken) {
   ASSERT_EQ(::mkfifo((Folder() / "b.csv.xml").c_str(), 0600), 0);
   for (const char* command : {"copy", "rename"})
     ExpectRefused(Run({command, "a.csv", "b.csv"}),
-                  "texttables: error: 0x80004005: ./b.csv.xml: the file exists already\n");
+                  "texttables: error: 0x80070050: ./b.csv.xml: the file exists already\n");
   EXPECT_TRUE(std::filesystem::is_fifo(Folder() / "b.csv.xml"));
   EXPECT_FALSE(Exists("b.csv"));
 }

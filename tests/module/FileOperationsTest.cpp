@@ -86,6 +86,24 @@ TEST_F(FileOperationsTest, ACopyOfBadArgumentsIsRefused) {
   EXPECT_EQ(folder_.Names(), (std::vector<std::u16string>{u"a.csv", u"a.csv.xml", u"schema.ini"}));
 }
 
+TEST_F(FileOperationsTest, ANameThatIsTakenIsToldByItsCode) {
+  const auto operations = TableWithEverything().As<IPlugInFileOperations>();
+  folder_.Write(u"b.csv", "mine\n");
+  const auto expectTold = [&] {
+    const auto errors = TakeErrors();
+    ASSERT_EQ(errors.size(), 1u);
+    EXPECT_EQ(errors.front().code, kFileExists);
+    EXPECT_EQ(errors.front().text, ToUtf8(folder_.Path(u"b.csv")) + ": the file exists already");
+  };
+  const BString name(u"b.csv");
+  EXPECT_EQ(operations->CopyDataset(name.Get(), MakeWorkspace(folder_.Path()).Get()), E_FAIL);
+  expectTold();
+  BString result;
+  EXPECT_EQ(operations->RenameDataset(name.Get(), result.Receive()), E_FAIL);
+  expectTold();
+  EXPECT_EQ(folder_.Read(u"b.csv"), "mine\n");
+}
+
 // Windows renames no file that is open.
 #ifndef _WIN32
 
