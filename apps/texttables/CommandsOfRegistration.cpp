@@ -2,7 +2,6 @@
 #include "Commands.h"
 #include "Failures.h"
 #include "ModuleFile.h"
-#include "platform/OleText.h"
 #include "platform/Registry.h"
 
 namespace TextTables {
@@ -19,21 +18,19 @@ struct RegistryFault {
 constexpr RegistryFault kRegistryFaults[] = {
     {ERROR_ACCESS_DENIED, "access to the registry is denied"},
     {ERROR_PATH_NOT_FOUND, "the registry file has no folder"},
+    {ERROR_SHARING_VIOLATION, "another process has kept the registry file for ten seconds"},
+    {ERROR_DISK_FULL, "there is no room for the registry file"},
     {ERROR_BAD_FILE_TYPE, "the registry file is not a regular file"},
     {ERROR_FILE_TOO_LARGE, "the registry file is too large"},
     {ERROR_REGISTRY_CORRUPT, "the registry file cannot be understood"},
-    {ERROR_REGISTRY_IO_FAILED, "the registry file cannot be read"},
+    {ERROR_REGISTRY_IO_FAILED, "the registry file cannot be read or written"},
 };
 
-// The module says that it could not change the registry, and no more. Null when the registry looks
-// right.
-const char* FaultOfRegistry() {
-  HKEY key = nullptr;
-  const LSTATUS status =
-      ::RegOpenKeyExW(HKEY_CLASSES_ROOT, AsOle(u"CLSID"), 0, KEY_READ | KEY_WRITE, &key);
-  if (key != nullptr) ::RegCloseKey(key);
+// The module answers that it could not change the registry, and no more; what the registry said is
+// the thread's last error. Null when that says nothing.
+const char* FaultOfRegistry(DWORD error) {
   for (const RegistryFault& fault : kRegistryFaults)
-    if (status == static_cast<LSTATUS>(fault.code)) return fault.text;
+    if (error == fault.code) return fault.text;
   return nullptr;
 }
 
@@ -41,10 +38,12 @@ const char* FaultOfRegistry() {
 void CallModule(const GlobalOptions& options, const char* name) {
   const HMODULE module = LoadModule(options.moduleFile);
   const auto entry = EntryOf<RegistrationFunction>(module, name);
+  ::SetLastError(ERROR_SUCCESS);
   const HRESULT result = entry != nullptr ? entry() : E_NOTIMPL;
+  const DWORD error = ::GetLastError();
   ::FreeLibrary(module);
   if (entry == nullptr) throw UsageError("the module is no data source", kGeneralHelp);
-  const char* const fault = result == SELFREG_E_CLASS ? FaultOfRegistry() : nullptr;
+  const char* const fault = result == SELFREG_E_CLASS ? FaultOfRegistry(error) : nullptr;
   if (fault != nullptr) throw Refusal(result, MeaningOf(result) + ": " + fault);
   Check(result, {});
 }

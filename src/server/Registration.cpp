@@ -12,6 +12,8 @@
 namespace quenra {
 namespace {
 
+constexpr LSTATUS kDone = static_cast<LSTATUS>(ERROR_SUCCESS);
+
 constexpr char16_t kErrorLookupName[] = u"Error Lookup Service";
 
 std::u16string ClassKey(const ClassEntry& entry) { return u"CLSID\\" + GuidText(entry.classId); }
@@ -45,10 +47,11 @@ class Writer {
   void Key(const std::u16string& path) {
     if (Done()) result_ = CreateRegistryKey(path);
   }
-  bool Done() const { return result_ == static_cast<LSTATUS>(ERROR_SUCCESS); }
+  bool Done() const { return result_ == kDone; }
+  LSTATUS Result() const { return result_; }
 
  private:
-  LSTATUS result_ = static_cast<LSTATUS>(ERROR_SUCCESS);
+  LSTATUS result_ = kDone;
 };
 
 void WriteServer(Writer& writer, const ClassEntry& entry, const std::u16string& moduleFile) {
@@ -74,10 +77,18 @@ void WriteProgIds(Writer& writer, const ClassEntry& entry) {
     writer.Default(key + u"\\TypeLib", GuidText(*entry.typeLibrary));
 }
 
-bool WriteCategories(const ClassEntry& entry) {
+// What the registry said of a call that hands it on in an HRESULT.
+LSTATUS StatusOf(HRESULT result) {
+  if (SUCCEEDED(result)) return kDone;
+  const bool isSystems = HRESULT_FACILITY(result) == FACILITY_WIN32;
+  return isSystems ? static_cast<LSTATUS>(HRESULT_CODE(result)) : result;
+}
+
+LSTATUS WriteCategories(const ClassEntry& entry) {
+  LSTATUS result = kDone;
   for (const GUID& category : entry.categories)
-    if (FAILED(RegisterImplementedCategory(entry.classId, category))) return false;
-  return true;
+    if (result == kDone) result = StatusOf(RegisterImplementedCategory(entry.classId, category));
+  return result;
 }
 
 void WriteExtendedErrors(Writer& writer, const ClassEntry& entry) {
@@ -86,22 +97,35 @@ void WriteExtendedErrors(Writer& writer, const ClassEntry& entry) {
   writer.Default(key + u'\\' + GuidText(CLSID_ErrorLookupService), kErrorLookupName);
 }
 
-bool WriteClass(const ClassEntry& entry, const std::u16string& moduleFile) {
+// Answers what the registry said first that was no success; so does RemoveClass.
+LSTATUS WriteClass(const ClassEntry& entry, const std::u16string& moduleFile) {
   Writer writer;
   WriteServer(writer, entry, moduleFile);
   WriteProgIds(writer, entry);
-  if (!writer.Done() || !WriteCategories(entry)) return false;
+  if (!writer.Done()) return writer.Result();
+  if (const LSTATUS result = WriteCategories(entry); result != kDone) return result;
   WriteExtendedErrors(writer, entry);
-  return writer.Done();
+  return writer.Result();
 }
 
-bool RemoveClass(const ClassEntry& entry) {
-  bool done = true;
+// Goes on after a failure: what can go does.
+LSTATUS RemoveClass(const ClassEntry& entry) {
+  LSTATUS first = kDone;
+  const auto note = [&first](LSTATUS result) {
+    if (first == kDone) first = result;
+  };
   for (const GUID& category : entry.categories)
-    if (FAILED(UnregisterImplementedCategory(entry.classId, category))) done = false;
+    note(StatusOf(UnregisterImplementedCategory(entry.classId, category)));
   for (const std::u16string& key : {ClassKey(entry), ProgId(entry), VersionedProgId(entry)})
-    if (DeleteRegistryTree(key) != static_cast<LSTATUS>(ERROR_SUCCESS)) done = false;
-  return done;
+    note(DeleteRegistryTree(key));
+  return first;
+}
+
+// The answer of a self-registration has no room for a reason.
+HRESULT AnswerOf(LSTATUS result) {
+  if (result == kDone) return S_OK;
+  ::SetLastError(static_cast<DWORD>(result));
+  return SELFREG_E_CLASS;
 }
 
 }  // namespace
@@ -109,16 +133,17 @@ bool RemoveClass(const ClassEntry& entry) {
 HRESULT RegisterClasses() {
   const std::u16string moduleFile = ModuleFileName();
   if (moduleFile.empty()) return E_FAIL;
+  LSTATUS result = kDone;
   for (const ClassEntry& entry : CreatableClasses())
-    if (!WriteClass(entry, moduleFile)) return SELFREG_E_CLASS;
-  return S_OK;
+    if (result == kDone) result = WriteClass(entry, moduleFile);
+  return AnswerOf(result);
 }
 
 HRESULT UnregisterClasses() {
-  HRESULT result = S_OK;
+  LSTATUS first = kDone;
   for (const ClassEntry& entry : CreatableClasses())
-    if (!RemoveClass(entry)) result = SELFREG_E_CLASS;
-  return result;
+    if (const LSTATUS result = RemoveClass(entry); first == kDone) first = result;
+  return AnswerOf(first);
 }
 
 }  // namespace quenra

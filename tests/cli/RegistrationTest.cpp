@@ -1,10 +1,17 @@
 #ifndef _WIN32
+#include <fcntl.h>
+#include <sys/file.h>
 #include <sys/stat.h>
+#include <unistd.h>
 #endif
 
 #include <cstdint>
+#include <thread>
 
 #include "cli/TexttablesTest.h"
+#ifndef _WIN32
+#include "support/FileSizeLimit.h"
+#endif
 
 namespace {
 
@@ -114,6 +121,30 @@ TEST_F(RegistrationTest, RegistryIsARegularFile) {
   std::filesystem::create_symlink("/dev/zero", path);
   ExpectRefused(RunRegistered({"register"}), error);
   EXPECT_TRUE(std::filesystem::is_symlink(path));
+}
+
+TEST_F(RegistrationTest, AnotherProcessThatHasTheRegistryIsTold) {
+  ExpectQuietly(RunRegistered({"register"}));
+  const std::string text = Read("registry");
+  const int file = ::open((Folder() / "registry.new").c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
+  ASSERT_EQ(::flock(file, LOCK_EX), 0);
+  const std::string error =
+      "texttables: error: 0x80040201: the registration cannot be changed: another process has kept "
+      "the registry file for ten seconds\n";
+  ProcessResult unregistered;
+  std::thread other([&] { unregistered = RunRegistered({"unregister"}); });
+  ExpectRefused(RunRegistered({"register"}), error);
+  other.join();
+  ExpectRefused(unregistered, error);
+  EXPECT_EQ(Read("registry"), text);
+  ::close(file);
+}
+
+TEST_F(RegistrationTest, FullDiskIsTold) {
+  const quenra::test::FileSizeLimit limit(900);
+  ExpectRefused(RunRegistered({"register"}),
+                "texttables: error: 0x80040201: the registration cannot be changed: there is no "
+                "room for the registry file\n");
 }
 
 // A file with a hole, which takes no room on the disk.

@@ -6,6 +6,7 @@
 
 #include "module/ModuleTest.h"
 #include "support/FileSizeLimit.h"
+#include "support/OrdinaryUser.h"
 #include "support/TestRegistry.h"
 
 namespace quenra::test {
@@ -33,6 +34,7 @@ TEST_F(RegistrationFailurePosixTest, FullDiskHalfWayIsReported) {
   {
     const FileSizeLimit limit(900);
     EXPECT_EQ(Register(), SELFREG_E_CLASS);
+    EXPECT_EQ(::GetLastError(), ERROR_DISK_FULL);
   }
   EXPECT_THAT(registry_.Dump(u"CLSID\\{B2E7A59D-0C38-4AC3-BE0B-F18EB40409C5}"),
               ::testing::Not(IsEmpty()))
@@ -48,6 +50,20 @@ TEST_F(RegistrationFailurePosixTest, FolderThatCannotBeMadeIsReported) {
   UseFile(folder_.Path(u"file/registry"));
   EXPECT_EQ(Register(), SELFREG_E_CLASS);
   EXPECT_EQ(Unregister(), SELFREG_E_CLASS);
+}
+
+TEST_F(RegistrationFailurePosixTest, FolderWithoutRightsIsReported) {
+  UseFile(folder_.Path(u"registry"));
+  fs::permissions(folder_.Native(), fs::perms(0555));
+  {
+    const OrdinaryUser user;
+    for (const char* const call : {"quenraDllRegisterServer", "quenraDllUnregisterServer"}) {
+      ::SetLastError(ERROR_SUCCESS);
+      EXPECT_EQ(module_->Call(call), SELFREG_E_CLASS) << call;
+      EXPECT_EQ(::GetLastError(), ERROR_ACCESS_DENIED) << call;
+    }
+  }
+  fs::permissions(folder_.Native(), fs::perms(0755));
 }
 
 TEST_F(RegistrationFailurePosixTest, FileThatIsNoRegistryIsLeftAlone) {

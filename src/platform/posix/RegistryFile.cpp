@@ -44,6 +44,12 @@ LSTATUS ErrorOf(int systemError) {
     case ENOENT:
     case ENOTDIR:
       return static_cast<LSTATUS>(ERROR_PATH_NOT_FOUND);
+    case EBUSY:
+      return static_cast<LSTATUS>(ERROR_SHARING_VIOLATION);
+    case ENOSPC:
+    case EDQUOT:
+    case EFBIG:
+      return static_cast<LSTATUS>(ERROR_DISK_FULL);
     default:
       return static_cast<LSTATUS>(ERROR_REGISTRY_IO_FAILED);
   }
