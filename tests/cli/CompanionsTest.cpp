@@ -54,6 +54,49 @@ TEST_F(CompanionsTest, ALinkToADeviceIsNoMetadata) {
   ExpectOnlyTheTable([&] { return std::filesystem::is_symlink(Folder() / "a.csv.xml"); });
 }
 
+TEST_F(CompanionsTest, ALinkToAFolderIsNoMetadata) {
+  Write("folder/mine", "kept");
+  std::filesystem::create_directory_symlink("folder", Folder() / "a.csv.xml");
+  ExpectOnlyTheTable([&] {
+    return std::filesystem::is_symlink(Folder() / "a.csv.xml") && Read("a.csv.xml/mine") == "kept";
+  });
+}
+
+// Where it leads may be a disk that is not there today.
+TEST_F(CompanionsTest, ALinkThatLeadsNowhereIsNoMetadata) {
+  std::filesystem::create_symlink("elsewhere/about", Folder() / "a.csv.xml");
+  ExpectOnlyTheTable(
+      [&] { return std::filesystem::read_symlink(Folder() / "a.csv.xml") == "elsewhere/about"; });
+}
+
+// A table's metadata is not put into a link's place, nor where it leads.
+TEST_F(CompanionsTest, LinksUnderTheNewNameAreTaken) {
+  Write("a.csv.xml", "<a/>");
+  std::filesystem::create_directory(Folder() / "folder");
+  for (const char* const target : {"folder", "elsewhere"}) {
+    SCOPED_TRACE(target);
+    std::filesystem::create_symlink(target, Folder() / "b.csv.xml");
+    for (const char* command : {"copy", "rename"})
+      ExpectRefused(Run({command, "a.csv", "b.csv"}),
+                    "texttables: error: 0x80070050: ./b.csv.xml: the file exists already\n");
+    EXPECT_EQ(std::filesystem::read_symlink(Folder() / "b.csv.xml"), target);
+    EXPECT_FALSE(Exists("b.csv"));
+    std::filesystem::remove(Folder() / "b.csv.xml");
+  }
+  EXPECT_TRUE(std::filesystem::is_empty(Folder() / "folder"));
+  EXPECT_FALSE(Exists("elsewhere"));
+}
+
+// The link goes with the table, and what it leads to stays where it is.
+TEST_F(CompanionsTest, ALinkToAFileIsRenamed) {
+  Write("about", "<a/>");
+  std::filesystem::create_symlink("about", Folder() / "a.csv.xml");
+  EXPECT_EQ(Output({"rename", "a.csv", "b.csv"}), "");
+  EXPECT_FALSE(Exists("a.csv.xml"));
+  EXPECT_EQ(Read("b.csv.xml"), "<a/>");
+  EXPECT_EQ(Read("about"), "<a/>");
+}
+
 TEST_F(CompanionsTest, ALinkToAFileIs) {
   Write("about", "<a/>");
   std::filesystem::create_symlink("about", Folder() / "a.csv.xml");
