@@ -119,7 +119,8 @@ void AlignedText::AppendLine(const std::vector<Cell>& cells) {
   std::size_t blanks = 0;
   for (std::size_t i = 0; i < shown_; ++i) {
     const bool cut = screen_ > 0 && cells[i].width > widths_[i];
-    const Cell cell = cut ? CutCell(cells[i], widths_[i]) : cells[i];
+    const Cell shorter = cut ? CutCell(cells[i], widths_[i]) : Cell();
+    const Cell& cell = cut ? shorter : cells[i];
     const std::size_t fill = widths_[i] - std::min(widths_[i], cell.width);
     if (toTheRight_[i]) blanks += fill;
     if (!cell.text.empty()) {

@@ -52,7 +52,7 @@ void RunRows(const CommandLine& line, Output& output) {
   const ModuleHost host(line.global);
   const auto dataset = host.OpenTable(path);
   const RowFormat format = FormatOf(line.rows);
-  const std::vector<Field> fields = FieldsOf(*dataset.Get(), path.name);
+  const TableFields fields(*dataset.Get(), path.name);
   const ColumnPlan plan = format == RowFormat::kGeoJson ? PlanFeatures(fields, line.rows.columns)
                                                         : PlanColumns(fields, line.rows.columns);
 
@@ -67,7 +67,7 @@ void RunRows(const CommandLine& line, Output& output) {
   // Rows that scroll by on the terminal are progress enough.
   const bool showProgress =
       !line.global.quiet && (format == RowFormat::kNone || !Terminal::StandardOutputIsTerminal());
-  writer->Begin(plan.columns);
+  writer->Begin(plan.columns, fields);
   try {
     CopyRows({*cursor, *values, slots, *writer, output}, line.rows.limit, line.global.quiet,
              showProgress);

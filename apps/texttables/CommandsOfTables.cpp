@@ -18,7 +18,7 @@ namespace {
 struct Description {
   std::u16string table;
   std::u16string delimiter;
-  std::vector<Field> fields;
+  TableFields fields;
 };
 
 // The character between the fields; empty for a fixed-length table, and for the tables of a data
@@ -34,14 +34,11 @@ std::u16string DelimiterOf(const quenra::ComPtr<quenra::IPlugInDatasetHelper>& d
 
 Description Describe(const ModuleHost& host, const TablePath& path) {
   const auto dataset = host.OpenTable(path);
-  Description result;
   quenra::BString title;
   const auto info = dataset.As<quenra::IPlugInDatasetInfo>();
   Check(info ? info->DatasetFileTitle(title.Receive()) : E_NOINTERFACE, path.name);
-  result.table = title.View();
-  result.fields = FieldsOf(*dataset.Get(), path.name);
-  result.delimiter = DelimiterOf(dataset, path.name);
-  return result;
+  TableFields fields(*dataset.Get(), path.name);
+  return {std::u16string(title.View()), DelimiterOf(dataset, path.name), std::move(fields)};
 }
 
 void AppendJson(const Description& description, Output& output) {
@@ -50,10 +47,9 @@ void AppendJson(const Description& description, Output& output) {
   output.Append(R"(, "delimiter": )");
   AppendJsonString(output, description.delimiter);
   output.Append(R"(, "fields": [)");
-  bool first = true;
-  for (const Field& field : description.fields) {
-    output.Append(first ? R"({"name": )" : R"(, {"name": )");
-    first = false;
+  for (std::size_t i = 0; i < description.fields.size(); ++i) {
+    const Field field = description.fields[i];
+    output.Append(i == 0 ? R"({"name": )" : R"(, {"name": )");
     AppendJsonString(output, field.name);
     output.Append(R"(, "type": )");
     AppendJsonString(output, FieldTypeName(field.type));
@@ -87,10 +83,12 @@ void AppendText(const Description& description, Output& output) {
   AlignedText fields(output, {false, false, true, true, false});
   fields.AddHeader({PlainCell("Field"), PlainCell("Type"), PlainCell("Length"),
                     PlainCell("Precision"), PlainCell("Tag")});
-  for (const Field& field : description.fields)
+  for (std::size_t i = 0; i < description.fields.size(); ++i) {
+    const Field field = description.fields[i];
     fields.AddLine({TextCell(field.name), PlainCell(FieldTypeName(field.type)),
                     PlainCell(std::to_string(field.length)),
                     PlainCell(std::to_string(field.precision)), TextCell(field.tag)});
+  }
   fields.End();
 }
 

@@ -12,11 +12,11 @@ class CsvRowWriter : public RowWriter {
  public:
   using RowWriter::RowWriter;
 
-  void Begin(const std::vector<OutputColumn>& columns) override {
-    RowWriter::Begin(columns);
+  void Begin(std::span<const OutputColumn> columns, const TableFields& fields) override {
+    RowWriter::Begin(columns, fields);
     for (std::size_t i = 0; i < columns_.size(); ++i) {
       if (i > 0) output_.Append(',');
-      AppendText(columns_[i].name);
+      AppendText(NameOf(columns_[i]));
     }
     output_.Append('\n');
   }

@@ -2,11 +2,12 @@
 
 #include <algorithm>
 #include <charconv>
+#include <unordered_map>
+#include <utility>
 
 #include "Failures.h"
 #include "host/CoreSupport/BString.h"
 #include "host/CoreSupport/CharacterClasses.h"
-#include "host/com/ComPtr.h"
 
 namespace TextTables {
 
@@ -41,15 +42,20 @@ bool EqualsFoldAscii(std::string_view a, std::string_view b) noexcept {
                     [](char x, char y) { return LowerAscii(x) == LowerAscii(y); });
 }
 
-Field Read(quenra::HostField& field) {
-  Field result;
+std::u16string ReadName(quenra::HostField& field) {
   quenra::BString text;
   Check(field.GetName(text.Receive()), u"field");
-  result.name = text.View();
+  return std::u16string(text.View());
+}
+
+Field Read(quenra::HostField& field) {
+  Field result;
+  result.name = ReadName(field);
   Check(field.GetType(&result.type), result.name);
   Check(field.GetLength(&result.length), result.name);
   Check(field.GetPrecision(&result.precision), result.name);
   if (const auto tagged = quenra::QueryFor<quenra::HostFieldTag>(&field)) {
+    quenra::BString text;
     Check(tagged->GetTag(text.Receive()), result.name);
     result.tag = text.View();
   }
@@ -58,19 +64,36 @@ Field Read(quenra::HostField& field) {
 
 }  // namespace
 
-std::vector<Field> FieldsOf(quenra::IPlugInDatasetHelper& dataset, const std::u16string& table) {
-  quenra::ComPtr<quenra::HostFieldCollection> collection;
-  Check(dataset.DescribeFields(0, collection.Receive()), table);
+TableFields::TableFields(quenra::IPlugInDatasetHelper& dataset, std::u16string table)
+    : table_(std::move(table)) {
+  Check(dataset.DescribeFields(0, collection_.Receive()), table_);
   LONG count = 0;
-  Check(collection->GetFieldCount(&count), table);
-  std::vector<Field> fields;
-  fields.reserve(static_cast<std::size_t>(std::max<LONG>(count, 0)));
-  for (LONG i = 0; i < count; ++i) {
-    quenra::ComPtr<quenra::HostField> field;
-    Check(collection->GetField(i, field.Receive()), table);
-    fields.push_back(Read(*field));
-  }
-  return fields;
+  Check(collection_->GetFieldCount(&count), table_);
+  size_ = static_cast<std::size_t>(std::max<LONG>(count, 0));
+}
+
+quenra::ComPtr<quenra::HostField> TableFields::At(std::size_t index) const {
+  quenra::ComPtr<quenra::HostField> field;
+  Check(collection_->GetField(static_cast<LONG>(index), field.Receive()), table_);
+  return field;
+}
+
+Field TableFields::operator[](std::size_t index) const { return Read(*At(index)); }
+
+std::u16string TableFields::NameOf(std::size_t index) const { return ReadName(*At(index)); }
+
+LONG TableFields::TypeOf(std::size_t index) const {
+  LONG type = 0;
+  Check(At(index)->GetType(&type), table_);
+  return type;
+}
+
+std::vector<Field> FieldsOf(quenra::IPlugInDatasetHelper& dataset, const std::u16string& table) {
+  const TableFields fields(dataset, table);
+  std::vector<Field> all;
+  all.reserve(fields.size());
+  for (std::size_t i = 0; i < fields.size(); ++i) all.push_back(fields[i]);
+  return all;
 }
 
 std::string FieldTypeName(LONG type) {
@@ -105,19 +128,27 @@ std::u16string FoldedName(std::u16string_view name) {
   return folded;
 }
 
-FieldNames::FieldNames(const std::vector<Field>& fields) {
-  // Of several with one name the first stays.
-  for (std::size_t i = 0; i < fields.size(); ++i) {
-    exact_.emplace(fields[i].name, static_cast<int>(i));
-    folded_.emplace(FoldedName(fields[i].name), static_cast<int>(i));
+std::vector<std::size_t> FindFields(const TableFields& fields,
+                                    const std::vector<std::u16string>& names) {
+  const std::size_t none = fields.size();
+  std::unordered_map<std::u16string, std::size_t> exact;
+  std::unordered_map<std::u16string, std::size_t> folded;
+  for (const std::u16string& name : names) {
+    exact.emplace(name, none);
+    folded.emplace(FoldedName(name), none);
   }
-}
-
-int FieldNames::Find(const std::u16string& name) const {
-  const auto exact = exact_.find(name);
-  if (exact != exact_.end()) return exact->second;
-  const auto folded = folded_.find(FoldedName(name));
-  return folded != folded_.end() ? folded->second : -1;
+  // From the last one on, so that of several with one name the first stays.
+  for (std::size_t i = fields.size(); i-- > 0;) {
+    const std::u16string name = fields.NameOf(i);
+    if (const auto found = folded.find(FoldedName(name)); found != folded.end()) found->second = i;
+    if (const auto found = exact.find(name); found != exact.end()) found->second = i;
+  }
+  std::vector<std::size_t> places;
+  for (const std::u16string& name : names) {
+    const std::size_t place = exact[name];
+    places.push_back(place != none ? place : folded[FoldedName(name)]);
+  }
+  return places;
 }
 
 }  // namespace TextTables

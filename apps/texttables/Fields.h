@@ -4,9 +4,9 @@
 #include <optional>
 #include <string>
 #include <string_view>
-#include <unordered_map>
 #include <vector>
 
+#include "host/com/ComPtr.h"
 #include "host/interfaces/PlugInDataset.h"
 
 namespace TextTables {
@@ -19,7 +19,27 @@ struct Field {
   std::u16string tag;
 };
 
-// Throws a Refusal; `table` is for its text.
+// The fields one by one, since a table may have a million of them and nobody needs all at once.
+// Every method throws a Refusal where the data source refuses.
+class TableFields {
+ public:
+  // `table` is for the texts of refusals.
+  TableFields(quenra::IPlugInDatasetHelper& dataset, std::u16string table);
+
+  std::size_t size() const noexcept { return size_; }
+  Field operator[](std::size_t index) const;
+  std::u16string NameOf(std::size_t index) const;
+  LONG TypeOf(std::size_t index) const;
+
+ private:
+  quenra::ComPtr<quenra::HostField> At(std::size_t index) const;
+
+  std::u16string table_;
+  quenra::ComPtr<quenra::HostFieldCollection> collection_;
+  std::size_t size_ = 0;
+};
+
+// All of them. Throws a Refusal; `table` is for its text.
 std::vector<Field> FieldsOf(quenra::IPlugInDatasetHelper& dataset, const std::u16string& table);
 
 // The codes of the field types that the program treats in a way of their own.
@@ -56,18 +76,9 @@ bool IsVirtualCoordinate(const Field& field);
 // What names have in common that differ in case only.
 std::u16string FoldedName(std::u16string_view name);
 
-// Finds fields by their names, in a time that does not depend on how many there are.
-class FieldNames {
- public:
-  explicit FieldNames(const std::vector<Field>& fields);
-
-  // The field of that name, exactly, else without regard to case; the first of several. -1 when
-  // there is none.
-  int Find(const std::u16string& name) const;
-
- private:
-  std::unordered_map<std::u16string, int> exact_;
-  std::unordered_map<std::u16string, int> folded_;
-};
+// The fields of these names, each exactly, else without regard to case; the first of several. The
+// number of fields where there is none. The fields are looked through once.
+std::vector<std::size_t> FindFields(const TableFields& fields,
+                                    const std::vector<std::u16string>& names);
 
 }  // namespace TextTables

@@ -81,9 +81,9 @@ class GeoJsonRowWriter : public RowWriter {
   GeoJsonRowWriter(Output& output, const std::vector<PointColumns>& points)
       : RowWriter(output), sources_(points.begin(), points.end()) {}
 
-  void Begin(const std::vector<OutputColumn>& columns) override {
-    RowWriter::Begin(columns);
-    for (const OutputColumn& column : columns_) keys_.push_back(JsonKey(column.name));
+  void Begin(std::span<const OutputColumn> columns, const TableFields& fields) override {
+    RowWriter::Begin(columns, fields);
+    for (const OutputColumn& column : columns_) keys_.Add(NameOf(column));
     output_.Append(R"({"type":"FeatureCollection","features":[)");
   }
 
@@ -126,7 +126,7 @@ class GeoJsonRowWriter : public RowWriter {
 
   std::vector<PointSource> sources_;
   std::vector<Position> positions_;
-  std::vector<std::string> keys_;
+  JsonKeys keys_;
   bool first_ = true;
 };
 

@@ -15,9 +15,9 @@ class JsonLinesRowWriter : public RowWriter {
  public:
   using RowWriter::RowWriter;
 
-  void Begin(const std::vector<OutputColumn>& columns) override {
-    RowWriter::Begin(columns);
-    for (const OutputColumn& column : columns_) keys_.push_back(JsonKey(column.name));
+  void Begin(std::span<const OutputColumn> columns, const TableFields& fields) override {
+    RowWriter::Begin(columns, fields);
+    for (const OutputColumn& column : columns_) keys_.Add(NameOf(column));
   }
 
   void Write(const quenra::HostFieldValue* slots) override {
@@ -31,7 +31,7 @@ class JsonLinesRowWriter : public RowWriter {
   }
 
  private:
-  std::vector<std::string> keys_;
+  JsonKeys keys_;
 };
 
 class TypedRowWriter : public RowWriter {

@@ -26,11 +26,12 @@ void AppendTimestamp(Output& output, IUnknown* object) {
 
 }  // namespace
 
-std::string JsonKey(std::u16string_view name) {
+void JsonKeys::Add(std::u16string_view name) {
   StringOutput key;
   AppendJsonString(key, name);
-  key.Append(':');
-  return key.Take();
+  text_ += key.Take();
+  text_ += ':';
+  ends_.push_back(text_.size());
 }
 
 void AppendJsonValue(Output& output, const VARIANT& value, LONG fieldType) {

@@ -11,10 +11,10 @@ namespace TextTables {
 
 namespace {
 
-UsageError UnknownColumn(const std::vector<Field>& fields, const std::u16string& name) {
+UsageError UnknownColumn(const TableFields& fields, const std::u16string& name) {
   std::string text = "there is no column \"" + Shown(name) + "\"; columns: ";
   for (std::size_t i = 0; i < fields.size(); ++i)
-    text += (i > 0 ? ", " : "") + Shown(fields[i].name);
+    text += (i > 0 ? ", " : "") + Shown(fields.NameOf(i));
   return UsageError(text);
 }
 
@@ -24,8 +24,9 @@ std::size_t SlotOf(ColumnPlan& plan, std::size_t field) {
   return static_cast<std::size_t>(slot);
 }
 
-void AddColumn(ColumnPlan& plan, const std::vector<Field>& fields, std::size_t field) {
-  plan.columns.push_back({fields[field].name, fields[field].type, SlotOf(plan, field)});
+void AddColumn(ColumnPlan& plan, const TableFields& fields, std::size_t field) {
+  plan.columns.push_back({static_cast<std::uint32_t>(field), fields.TypeOf(field),
+                          static_cast<std::uint32_t>(SlotOf(plan, field))});
 }
 
 // Whether `name` is that of `column` with the suffix, behind which one "_" may tell it apart from
@@ -38,44 +39,43 @@ bool IsCompanion(std::u16string_view name, const std::u16string& column,
 
 // The point of the virtual coordinate fields at `first` and behind it. Two texts of a coordinate
 // each stand in front of their numbers, which are named after them.
-PointColumns PointAt(ColumnPlan& plan, const std::vector<Field>& fields, std::size_t first) {
+PointColumns PointAt(ColumnPlan& plan, const TableFields& fields, std::size_t first) {
   PointColumns point{SlotOf(plan, first), SlotOf(plan, first + 1), std::nullopt};
-  if (first >= 2 && IsCompanion(fields[first].name, fields[first - 2].name, u"_D") &&
-      IsCompanion(fields[first + 1].name, fields[first - 1].name, u"_D"))
+  if (first >= 2 && IsCompanion(fields.NameOf(first), fields.NameOf(first - 2), u"_D") &&
+      IsCompanion(fields.NameOf(first + 1), fields.NameOf(first - 1), u"_D"))
     point.texts = PointColumns::Texts{SlotOf(plan, first - 2), SlotOf(plan, first - 1)};
   return point;
 }
 
 }  // namespace
 
-ColumnPlan PlanColumns(const std::vector<Field>& fields, const std::vector<std::u16string>& names) {
+ColumnPlan PlanColumns(const TableFields& fields, const std::vector<std::u16string>& names) {
   ColumnPlan plan;
   plan.fieldMap.assign(fields.size(), -1);
+  plan.columns.reserve(names.empty() ? fields.size() : names.size());
   if (names.empty())
     for (std::size_t i = 0; i < fields.size(); ++i) AddColumn(plan, fields, i);
   if (names.empty()) return plan;
-  const FieldNames index(fields);
-  for (const std::u16string& name : names) {
-    const int field = index.Find(name);
-    if (field < 0) throw UnknownColumn(fields, name);
-    AddColumn(plan, fields, static_cast<std::size_t>(field));
+  const std::vector<std::size_t> found = FindFields(fields, names);
+  for (std::size_t i = 0; i < names.size(); ++i) {
+    if (found[i] == fields.size()) throw UnknownColumn(fields, names[i]);
+    AddColumn(plan, fields, found[i]);
   }
   return plan;
 }
 
-ColumnPlan PlanFeatures(const std::vector<Field>& fields,
-                        const std::vector<std::u16string>& names) {
-  ColumnPlan plan = PlanColumns(fields, names);
-  if (names.empty()) {
-    plan = {};
-    plan.fieldMap.assign(fields.size(), -1);
-    for (std::size_t i = 0; i < fields.size(); ++i)
-      if (!IsVirtualCoordinate(fields[i])) AddColumn(plan, fields, i);
-  }
-  for (std::size_t i = 0; i + 1 < fields.size(); ++i) {
-    if (!IsVirtualCoordinate(fields[i]) || !IsVirtualCoordinate(fields[i + 1])) continue;
-    plan.points.push_back(PointAt(plan, fields, i));
-    ++i;
+ColumnPlan PlanFeatures(const TableFields& fields, const std::vector<std::u16string>& names) {
+  ColumnPlan plan;
+  if (!names.empty()) plan = PlanColumns(fields, names);
+  plan.fieldMap.resize(fields.size(), -1);
+  std::size_t coordinates = 0;  // virtual fields in a row that belong to no point yet
+  for (std::size_t i = 0; i < fields.size(); ++i) {
+    const bool isVirtual = IsVirtualCoordinate(fields[i]);
+    if (names.empty() && !isVirtual) AddColumn(plan, fields, i);
+    coordinates = isVirtual ? coordinates + 1 : 0;
+    if (coordinates < 2) continue;
+    plan.points.push_back(PointAt(plan, fields, i - 1));
+    coordinates = 0;
   }
   return plan;
 }

@@ -18,11 +18,11 @@ struct ColumnPlan {
 };
 
 // `names` empty asks for all. Throws UsageError for a name that the table does not have.
-ColumnPlan PlanColumns(const std::vector<Field>& fields, const std::vector<std::u16string>& names);
+ColumnPlan PlanColumns(const TableFields& fields, const std::vector<std::u16string>& names);
 
 // The plan of rows that become features with points: virtual coordinate fields are columns only
 // when they are asked for by name.
-ColumnPlan PlanFeatures(const std::vector<Field>& fields, const std::vector<std::u16string>& names);
+ColumnPlan PlanFeatures(const TableFields& fields, const std::vector<std::u16string>& names);
 
 // A field map as the interfaces take it: VT_ARRAY | VT_I4.
 class FieldMap {

@@ -1,16 +1,18 @@
 // The formats in which rows are written.
 //
 //   const auto writer = MakeRowWriter(RowFormat::kCsv, output);
-//   writer->Begin(columns);
+//   writer->Begin(columns, fields);
 //   while (...) writer->Write(slots);
 //   writer->End();
 #pragma once
 
+#include <cstdint>
 #include <memory>
 #include <optional>
-#include <string>
+#include <span>
 #include <vector>
 
+#include "Fields.h"
 #include "Output.h"
 #include "host/interfaces/PlugInCursor.h"
 
@@ -18,11 +20,11 @@ namespace TextTables {
 
 enum class RowFormat { kTable, kCsv, kJsonLines, kTyped, kGeoJson, kNone };
 
-// One column of the output.
+// One column of the output. Small, since there may be a million.
 struct OutputColumn {
-  std::u16string name;
-  LONG type = 0;         // the field type code
-  std::size_t slot = 0;  // where its value stands among the host's slots
+  std::uint32_t field = 0;  // of the table; it has the name
+  LONG type = 0;            // the field type code
+  std::uint32_t slot = 0;   // where its value stands among the host's slots
 };
 
 // A point of each row: where its two numbers stand among the host's slots.
@@ -45,8 +47,11 @@ class RowWriter {
   RowWriter(const RowWriter&) = delete;
   RowWriter& operator=(const RowWriter&) = delete;
 
-  // To be called once, before the first row.
-  virtual void Begin(const std::vector<OutputColumn>& columns) { columns_ = columns; }
+  // To be called once, before the first row. `columns` and `fields` are used until the end.
+  virtual void Begin(std::span<const OutputColumn> columns, const TableFields& fields) {
+    columns_ = columns;
+    fields_ = &fields;
+  }
 
   // `slots` is read during the call; it holds every slot that the columns name.
   virtual void Write(const quenra::HostFieldValue* slots) = 0;
@@ -55,8 +60,13 @@ class RowWriter {
   virtual void End() {}
 
  protected:
+  std::u16string NameOf(const OutputColumn& column) const { return fields_->NameOf(column.field); }
+
   Output& output_;
-  std::vector<OutputColumn> columns_;
+  std::span<const OutputColumn> columns_;
+
+ private:
+  const TableFields* fields_ = nullptr;
 };
 
 // `points` are for GeoJSON; the other formats have no use for them.

@@ -26,13 +26,13 @@ class TableRowWriter : public RowWriter {
  public:
   using RowWriter::RowWriter;
 
-  void Begin(const std::vector<OutputColumn>& columns) override {
-    RowWriter::Begin(columns);
+  void Begin(std::span<const OutputColumn> columns, const TableFields& fields) override {
+    RowWriter::Begin(columns, fields);
     std::vector<bool> toTheRight;
     std::vector<Cell> names;
     for (const OutputColumn& column : columns_) {
       toTheRight.push_back(IsNumberField(column.type));
-      names.push_back(TextCell(column.name));
+      names.push_back(TextCell(NameOf(column)));
     }
     table_ =
         std::make_unique<AlignedText>(output_, std::move(toTheRight), Terminal::OutputColumns());
@@ -60,7 +60,7 @@ class TableRowWriter : public RowWriter {
     const std::size_t end = std::min(columns_.size(), first + kNamesTold);
     for (std::size_t i = first; i < end; ++i) {
       if (i > first) output_.Append(", ");
-      output_.Append(Shown(columns_[i].name));
+      output_.Append(Shown(NameOf(columns_[i])));
     }
     if (end < columns_.size())
       output_.Append(" and " + std::to_string(columns_.size() - end) + " more");

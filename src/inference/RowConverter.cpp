@@ -1,6 +1,7 @@
 #include "inference/RowConverter.h"
 
 #include <algorithm>
+#include <limits>
 
 #include "host/CoreSupport/CharacterClasses.h"
 #include "host/CoreSupport/Components.h"
@@ -84,11 +85,16 @@ CellWay RowConverter::WayOf(std::size_t field) const noexcept {
   }
 }
 
-void RowConverter::MakeSteps() {
+void RowConverter::ForgetSteps() noexcept {
   steps_.clear();
   fieldsOfColumns_.clear();
-  stepsFit_ = true;
-  for (std::size_t field = 0; field < fields_.size();) {
+  columnsWithSteps_ = 0;
+}
+
+// Adds the steps of the columns that a record with so many has beyond those before it.
+void RowConverter::MakeSteps(std::size_t columnsOfRecord) {
+  std::size_t field = fieldsOfColumns_.empty() ? 0 : fieldsOfColumns_.back();
+  while (field < fields_.size() && fieldsOfColumns_.size() < columnsOfRecord) {
     const CellWay way = WayOf(field);
     const std::size_t columns = way == CellWay::kTwoTexts ? 2 : 1;
     const std::size_t fields = columns + (way >= CellWay::kCoordinates ? 2 : 0);
@@ -99,6 +105,8 @@ void RowConverter::MakeSteps() {
     field += fields;
     fieldsOfColumns_.insert(fieldsOfColumns_.end(), columns, field);
   }
+  columnsWithSteps_ =
+      field < fields_.size() ? fieldsOfColumns_.size() : std::numeric_limits<std::size_t>::max();
 }
 
 // Whether anything has to be done for a column with these fields: texts that nobody asks for fit.
@@ -110,7 +118,7 @@ bool RowConverter::NeedsStep(std::size_t field, std::size_t fields) const noexce
 }
 
 std::size_t RowConverter::Convert(const Record& record) {
-  BeginRow();
+  BeginRow(record.size());
   for (const CellStep& step : steps_) {
     if (step.column >= record.size()) break;
     if (step.wanted || !FitsPlainly(step, record[step.column])) ConvertStep(step, record);

@@ -47,7 +47,7 @@ class RowConverter {
   // and its coordinates not parsed, but its values are still checked, and mismatches reported.
   void SetSlot(std::size_t field, VARIANT* slot) noexcept {
     fields_[field].slot = slot != nullptr ? slot : &unwanted_;
-    stepsFit_ = false;
+    if (!fieldsOfColumns_.empty()) ForgetSteps();
   }
   std::size_t fieldCount() const noexcept { return fields_.size(); }
 
@@ -56,7 +56,7 @@ class RowConverter {
   // whole or single numbers, the Double that it is) and is reported once a column.
   std::size_t Convert(const Record& record);
   std::size_t Convert(const PlainRow& row) {
-    BeginRow();
+    BeginRow(row.size());
     const CellStep* const end = steps_.data() + steps_.size();
     const CellStep* const step = plainCells_.convert(row, steps_.data(), end, formats_, text_);
     if (step != end) ConvertRest(row, step);
@@ -88,10 +88,11 @@ class RowConverter {
 
   CellWay WayOf(std::size_t field) const noexcept;
   bool NeedsStep(std::size_t field, std::size_t fields) const noexcept;
-  void MakeSteps();
-  // How many fields have texts in a record of so many columns.
+  void MakeSteps(std::size_t columnsOfRecord);
+  void ForgetSteps() noexcept;
+  // How many fields have texts in a record of so many columns, whose steps are made.
   std::size_t FieldsOf(std::size_t columns) const noexcept {
-    if (columns >= fieldsOfColumns_.size()) return fields_.size();
+    if (columns > fieldsOfColumns_.size()) return fields_.size();
     return columns == 0 ? 0 : fieldsOfColumns_[columns - 1];
   }
   bool IsWanted(std::size_t field) const noexcept { return fields_[field].slot != &unwanted_; }
@@ -109,10 +110,10 @@ class RowConverter {
   void ConvertCoordinates(const CellStep& step, const Row& row);
   void Report(const Cell& cell, FieldType found, VARIANT& value);
   void ReportAll();
-  void BeginRow() {
+  void BeginRow(std::size_t columns) {
     if (!messages_.empty()) messages_.clear();
     if (!mismatches_.empty()) mismatches_.clear();
-    if (!stepsFit_) MakeSteps();
+    if (columns > columnsWithSteps_) MakeSteps(columns);
   }
   void ConvertRest(const PlainRow& row, const CellStep* step);
 
@@ -123,8 +124,10 @@ class RowConverter {
   const PlainCells& plainCells_;
   quenra::LatLongFormat latLong_;
   std::vector<Field> fields_;
-  std::vector<CellStep> steps_;               // in the order of columns
-  bool stepsFit_ = false;                     // the slots
+  std::vector<CellStep> steps_;  // in the order of columns; of those alone that a record has had
+  // How many columns a record may have until steps for others must be made: any number once all are
+  // there.
+  std::size_t columnsWithSteps_ = 0;
   std::vector<std::size_t> fieldsOfColumns_;  // how many fields the first so many columns have
   UnitBuffer text_;                           // of a field of a plain row
   UnitBuffer neighbour_;                      // and of the one behind it

@@ -1,7 +1,7 @@
 // Putting together host objects.
 #pragma once
 
-#include <string_view>
+#include <memory>
 
 #include "host/com/ComPtr.h"
 #include "host/interfaces/HostClassIdentifier.h"
@@ -14,8 +14,10 @@ namespace quenra {
 // host cannot make one. The caller releases it.
 HRESULT NewClassIdentifier(const CLSID& classId, HostClassIdentifier** result) noexcept;
 
-// The host's field collection of a table's fields, in order. `*result` is left alone, and the
-// failure of the host's object is answered, when one cannot be made. May throw std::bad_alloc.
-HRESULT NewFieldCollection(const TextFile::FieldList& fields, ComPtr<HostFieldCollection>& result);
+// The host's field collection of a table's fields, in order. Of very many fields it asks for those
+// that are wanted, as long as it lives, if the host's collection can. `*result` is left alone, and
+// the failure of the host's object is answered, when one cannot be made. May throw std::bad_alloc.
+HRESULT NewFieldCollection(const std::shared_ptr<const TextFile::FieldList>& fields,
+                           ComPtr<HostFieldCollection>& result);
 
 }  // namespace quenra

@@ -119,7 +119,9 @@ HRESULT STDMETHODCALLTYPE TextFileDatasetHelper::DescribeFields(LONG,
   *fields = nullptr;
   if (!fields_) {
     if (const HRESULT result = EnsureOpen(); FAILED(result)) return result;
-    if (const HRESULT result = NewFieldCollection(description_->fields, fields_); FAILED(result))
+    // The fields live in the description.
+    const std::shared_ptr<const TextFile::FieldList> fieldList(description_, &description_->fields);
+    if (const HRESULT result = NewFieldCollection(fieldList, fields_); FAILED(result))
       return result;
   }
   *fields = ComPtr<HostFieldCollection>(fields_).Detach();

@@ -5,9 +5,10 @@
 namespace TextFile {
 
 std::u16string GeneratedFieldName(std::size_t position) {
-  char digits[24];
-  auto* const end = std::to_chars(digits, digits + sizeof(digits), position + 1).ptr;
-  return u"Field" + std::u16string(digits, end);
+  char text[32] = "Field";
+  constexpr std::size_t kPrefix = 5;
+  auto* const end = std::to_chars(text + kPrefix, text + sizeof(text), position + 1).ptr;
+  return {text, end};
 }
 
 const FieldDefinition* FieldList::StoredBehind(std::size_t index) const noexcept {

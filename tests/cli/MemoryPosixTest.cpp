@@ -76,6 +76,31 @@ TEST_F(MemoryTest, ColumnsThatNoRowHasCostNothing) {
   EXPECT_LT(cost.memory, Idle() + kMegabyte);
 }
 
+TEST_F(MemoryTest, DescribingColumnsThatNoRowHasCostsNothing) {
+  Write("a.csv", "Id,Name\n1,Ann\n2,Bob\n");
+  Write("schema.ini", "[a.csv]\nCol1000000=z Text\n");
+  for (const char* const form : {"--json", "--quiet"}) {
+    SCOPED_TRACE(form);
+    const Cost cost = CostOf({form, "describe", Path("a.csv")});
+    EXPECT_EQ(cost.exitCode, 0);
+    EXPECT_LT(cost.memory, Idle() + kMegabyte);
+  }
+}
+
+TEST_F(MemoryTest, RowsOfColumnsThatNoRowHasCostTheirSlots) {
+  Write("a.csv", "Id,Name\n1,Ann\n2,Bob\n");
+  Write("schema.ini", "[a.csv]\nCol1000000=z Text\n");
+  // A slot of 40 bytes, a column of the output of 12, what the converter has of a field, 16, and
+  // two maps of 4.
+  constexpr std::uint64_t kField = 40 + 12 + 16 + 2 * 4;
+  for (const char* const format : {"none", "csv", "typed"}) {
+    SCOPED_TRACE(format);
+    const Cost cost = CostOf({"rows", "--format", format, "--limit", "1", Path("a.csv")});
+    EXPECT_EQ(cost.exitCode, 0);
+    EXPECT_LT(cost.memory, Idle() + 1000000 * kField + 2 * kMegabyte);
+  }
+}
+
 TEST_F(MemoryTest, OneLongLineCostsThreeTimesItsSize) {
   constexpr std::uint64_t kSize = 32 * kMegabyte;
   const std::string line(kSize, 'x');

@@ -1,5 +1,6 @@
 // One table: what it is, its fields, its row count, its file.
 #include "host/CoreSupport/Components.h"
+#include "host/com/Implements.h"
 #include "host/interfaces/HostClasses.h"
 #include "module/ModuleTest.h"
 
@@ -7,6 +8,32 @@ namespace quenra::test {
 namespace {
 
 using ::testing::ElementsAre;
+
+// A collection of an application's own that holds all its fields.
+class PlainCollection final : public Implements<HostFieldCollection, HostFieldCollectionEdit> {
+ public:
+  std::u16string_view ClassName() const noexcept override { return u"PlainCollection"; }
+  HRESULT STDMETHODCALLTYPE GetFieldCount(LONG* count) override {
+    *count = static_cast<LONG>(fields_.size());
+    return S_OK;
+  }
+  HRESULT STDMETHODCALLTYPE GetField(LONG index, HostField** field) override {
+    *field = ComPtr<HostField>(fields_.at(static_cast<std::size_t>(index))).Detach();
+    return S_OK;
+  }
+  HRESULT STDMETHODCALLTYPE FindField(BSTR, LONG*) override { return E_NOTIMPL; }
+  HRESULT STDMETHODCALLTYPE AddField(HostField* field) override {
+    fields_.emplace_back(field);
+    return S_OK;
+  }
+
+ private:
+  std::vector<ComPtr<HostField>> fields_;
+};
+
+HRESULT CreatePlainCollection(IUnknown*, const IID& interfaceId, void** object) {
+  return MakeObject<PlainCollection>()->QueryInterface(interfaceId, object);
+}
 
 class DatasetHelperTest : public ModuleTest {
  protected:
@@ -161,6 +188,34 @@ TEST_F(DatasetHelperTest, FieldsOutliveTheTable) {
   LONG count = 0;
   EXPECT_EQ(fields->GetFieldCount(&count), S_OK);
   EXPECT_EQ(count, 2);
+}
+
+TEST_F(DatasetHelperTest, ManyFieldsAreMadeWhenAskedFor) {
+  folder_.Write(u"schema.ini", "[a.csv]\nCol100000=Last Short\n");
+  const auto table = Table(u"a.csv", "Id,Name\n1,a\n");
+  const LONG before = LiveComponentCount();
+  ComPtr<HostFieldCollection> fields;
+  ASSERT_EQ(table->DescribeFields(0, fields.Receive()), S_OK);
+  EXPECT_LT(LiveComponentCount(), before + 10);
+  LONG index = -1;
+  EXPECT_EQ(fields->FindField(BString(u"LAST").Get(), &index), S_OK);
+  EXPECT_EQ(index, 99999);
+  const auto seen = Fields(table);
+  ASSERT_EQ(seen.size(), 100000u);
+  EXPECT_EQ(seen[1], (FieldSeen{"Name", 4, 8000, 0, ""}));
+  EXPECT_EQ(seen[2], (FieldSeen{"Field3", 4, 8000, 0, ""}));
+  EXPECT_EQ(seen[99999], (FieldSeen{"Last", 0, 2, 0, ""}));
+}
+
+TEST_F(DatasetHelperTest, ManyFieldsAreAddedToACollectionThatHoldsThem) {
+  folder_.Write(u"schema.ini", "[a.csv]\nCol5000=Last Short\n");
+  const auto table = Table(u"a.csv", "Id,Name\n1,a\n");
+  SetComponentCreator(CLSID_HostFieldCollection, &CreatePlainCollection);
+  const auto seen = Fields(table);
+  SetComponentCreator(CLSID_HostFieldCollection, nullptr);
+  ASSERT_EQ(seen.size(), 5000u);
+  EXPECT_EQ(seen[4998], (FieldSeen{"Field4999", 4, 8000, 0, ""}));
+  EXPECT_EQ(seen[4999], (FieldSeen{"Last", 0, 2, 0, ""}));
 }
 
 TEST_F(DatasetHelperTest, FieldsFollowTheInferredTypes) {

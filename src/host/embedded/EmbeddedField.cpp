@@ -44,6 +44,7 @@ HRESULT STDMETHODCALLTYPE EmbeddedField::GetPrecision(LONG* precision) {
 }
 
 HRESULT STDMETHODCALLTYPE EmbeddedField::SetName(BSTR name) {
+  changed_ = true;
   if (aliasIsName_ && ViewOf(name) != name_) {
     // The alias stays what it is.
     if (const HRESULT result = CopyIn(name_, otherAlias_); FAILED(result)) return result;
@@ -53,6 +54,7 @@ HRESULT STDMETHODCALLTYPE EmbeddedField::SetName(BSTR name) {
 }
 
 HRESULT STDMETHODCALLTYPE EmbeddedField::SetAliasName(BSTR name) {
+  changed_ = true;
   const bool isName = ViewOf(name) == name_;
   if (const HRESULT result = CopyIn(isName ? std::u16string_view() : ViewOf(name), otherAlias_);
       FAILED(result))
@@ -61,20 +63,28 @@ HRESULT STDMETHODCALLTYPE EmbeddedField::SetAliasName(BSTR name) {
   return S_OK;
 }
 
-HRESULT STDMETHODCALLTYPE EmbeddedField::SetType(LONG type) { return SetCount(type, type_); }
+HRESULT STDMETHODCALLTYPE EmbeddedField::SetType(LONG type) {
+  changed_ = true;
+  return SetCount(type, type_);
+}
 
 // Any number: a data source passes on what a file says of itself.
 HRESULT STDMETHODCALLTYPE EmbeddedField::SetLength(LONG length) {
+  changed_ = true;
   length_ = length;
   return S_OK;
 }
 
 HRESULT STDMETHODCALLTYPE EmbeddedField::SetPrecision(LONG precision) {
+  changed_ = true;
   return SetCount(precision, precision_);
 }
 
 HRESULT STDMETHODCALLTYPE EmbeddedField::GetTag(BSTR* tag) { return CopyToBstr(TextOf(tag_), tag); }
 
-HRESULT STDMETHODCALLTYPE EmbeddedField::SetTag(BSTR tag) { return CopyIn(ViewOf(tag), tag_); }
+HRESULT STDMETHODCALLTYPE EmbeddedField::SetTag(BSTR tag) {
+  changed_ = true;
+  return CopyIn(ViewOf(tag), tag_);
+}
 
 }  // namespace quenra

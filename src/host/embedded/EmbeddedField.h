@@ -10,7 +10,21 @@
 
 namespace quenra {
 
-class EmbeddedField final : public Implements<HostField, HostFieldEdit, HostFieldTag> {
+class EmbeddedField;
+
+// By which the embedded collection tells the embedded fields among those of a table. It never
+// leaves the host.
+struct EmbeddedFieldSelf : public IUnknown {
+  virtual EmbeddedField& Self() noexcept = 0;
+};
+
+inline constexpr IID IID_EmbeddedFieldSelf = {
+    0x1c7d94e8, 0x6b20, 0x4f5a, {0x93, 0x8e, 0xd4, 0x17, 0x52, 0xc6, 0xb0, 0x3f}};
+template <>
+inline constexpr const IID& kInterfaceId<EmbeddedFieldSelf> = IID_EmbeddedFieldSelf;
+
+class EmbeddedField final
+    : public Implements<HostField, HostFieldEdit, HostFieldTag, EmbeddedFieldSelf> {
  public:
   std::u16string_view ClassName() const noexcept override { return u"EmbeddedField"; }
   const CLSID* ClassId() const noexcept override { return &CLSID_HostField; }
@@ -33,10 +47,18 @@ class EmbeddedField final : public Implements<HostField, HostFieldEdit, HostFiel
   HRESULT STDMETHODCALLTYPE GetTag(BSTR* tag) override;
   HRESULT STDMETHODCALLTYPE SetTag(BSTR tag) override;
 
+  // EmbeddedFieldSelf
+  EmbeddedField& Self() noexcept override { return *this; }
+
+  // Whether anybody has set anything since; at first as if somebody had.
+  bool HasChanged() const noexcept { return changed_; }
+  void ForgetChanges() noexcept { changed_ = false; }
+
  private:
   std::u16string name_;
   // Few fields have another alias than their name, or a tag, and tables may have a million fields.
   bool aliasIsName_ = false;
+  bool changed_ = true;
   std::unique_ptr<std::u16string> otherAlias_;  // null: empty, unless the alias is the name
   std::unique_ptr<std::u16string> tag_;         // null: empty
   LONG type_ = 0;

@@ -73,4 +73,34 @@ inline constexpr IID IID_HostFieldCollectionEdit = {
 template <>
 inline constexpr const IID& kInterfaceId<HostFieldCollectionEdit> = IID_HostFieldCollectionEdit;
 
+// The fields of a table that has very many: they are made when somebody asks for them. A data
+// source offers it to the collection; indexes from 0.
+struct HostFieldSource : public IUnknown {
+  // Always the same.
+  virtual HRESULT STDMETHODCALLTYPE GetSourceFieldCount(LONG* count) = 0;
+  // A new field at each call, which the caller releases. E_INVALIDARG when `index` is outside.
+  virtual HRESULT STDMETHODCALLTYPE MakeSourceField(LONG index, HostField** field) = 0;
+  // The name that the field is made with.
+  virtual HRESULT STDMETHODCALLTYPE GetSourceFieldName(LONG index, BSTR* name) = 0;
+};
+
+inline constexpr IID IID_HostFieldSource = {
+    0xb41e7c93, 0x58da, 0x4d02, {0xa6, 0xf7, 0x0c, 0x9e, 0x2d, 0x85, 0x14, 0xa6}};
+template <>
+inline constexpr const IID& kInterfaceId<HostFieldSource> = IID_HostFieldSource;
+
+// A collection that need not hold all its fields. Others get every field added.
+struct HostFieldCollectionFilling : public IUnknown {
+  // Lets the empty collection have the fields of the source, to which it takes a reference; fields
+  // that are added stand behind them. E_INVALIDARG for a null source, E_FAIL for a collection that
+  // is not empty.
+  virtual HRESULT STDMETHODCALLTYPE FillFrom(HostFieldSource* source) = 0;
+};
+
+inline constexpr IID IID_HostFieldCollectionFilling = {
+    0xe86f2a15, 0x9c47, 0x4b3e, {0x8d, 0x10, 0x73, 0x5b, 0xa9, 0xf0, 0xc2, 0xe4}};
+template <>
+inline constexpr const IID& kInterfaceId<HostFieldCollectionFilling> =
+    IID_HostFieldCollectionFilling;
+
 }  // namespace quenra

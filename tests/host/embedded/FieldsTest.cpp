@@ -1,11 +1,49 @@
 #include <string>
+#include <vector>
 
+#include "host/com/Implements.h"
 #include "host/interfaces/HostClasses.h"
 #include "host/interfaces/HostFields.h"
 #include "tests/host/HostTest.h"
 
 namespace quenra {
 namespace {
+
+// Fields that are named by their index.
+class NumberedFields final : public Implements<HostFieldSource> {
+ public:
+  explicit NumberedFields(LONG count) : count_(count) {}
+
+  std::u16string_view ClassName() const noexcept override { return u"NumberedFields"; }
+  HRESULT STDMETHODCALLTYPE GetSourceFieldCount(LONG* count) override {
+    *count = count_;
+    return S_OK;
+  }
+  HRESULT STDMETHODCALLTYPE MakeSourceField(LONG index, HostField** field) override {
+    ++made_;
+    ComPtr<HostFieldEdit> edit;
+    const HRESULT result = CreateComponentInstance(CLSID_HostField, edit.Receive());
+    if (FAILED(result)) return result;
+    edit->SetName(BString(NameOf(index)).Get());
+    *field = edit.As<HostField>().Detach();
+    return S_OK;
+  }
+  HRESULT STDMETHODCALLTYPE GetSourceFieldName(LONG index, BSTR* name) override {
+    *name = BString(NameOf(index)).Detach();
+    return S_OK;
+  }
+
+  int Made() const noexcept { return made_; }
+
+ private:
+  static std::u16string NameOf(LONG index) {
+    const std::string digits = std::to_string(index);
+    return u"N" + std::u16string(digits.begin(), digits.end());
+  }
+
+  const LONG count_;
+  int made_ = 0;
+};
 
 class FieldsTest : public HostTest {
  protected:
@@ -137,6 +175,98 @@ TEST_F(FieldsTest, FindsTheFirstFieldOfAName) {
   EXPECT_EQ(index, -1);
   EXPECT_EQ(fields->FindField(nullptr, &index), S_FALSE);
   EXPECT_EQ(fields->FindField(BString(u"Id").Get(), nullptr), E_POINTER);
+}
+
+class SourceOfFieldsTest : public FieldsTest {
+ protected:
+  static constexpr LONG kFields = 100000;
+
+  void SetUp() override {
+    FieldsTest::SetUp();
+    fields_ = MakeCollection();
+    source_ = MakeObject<NumberedFields>(kFields);
+    ASSERT_EQ(fields_.As<HostFieldCollectionFilling>()->FillFrom(source_.Get()), S_OK);
+  }
+
+  ComPtr<HostField> At(LONG index) const {
+    ComPtr<HostField> field;
+    EXPECT_EQ(fields_->GetField(index, field.Receive()), S_OK);
+    return field;
+  }
+  static std::u16string NameOf(const ComPtr<HostField>& field) {
+    BString name;
+    EXPECT_EQ(field->GetName(name.Receive()), S_OK);
+    return std::u16string(name.View());
+  }
+  LONG Find(std::u16string_view name) const {
+    LONG index = -2;
+    fields_->FindField(BString(name).Get(), &index);
+    return index;
+  }
+  void WalkThroughAll() const {
+    for (LONG i = 0; i < kFields; ++i) At(i);
+  }
+
+  ComPtr<HostFieldCollection> fields_;
+  ComPtr<NumberedFields> source_;
+};
+
+TEST_F(SourceOfFieldsTest, FieldsAreMadeWhenAskedFor) {
+  LONG count = 0;
+  EXPECT_EQ(fields_->GetFieldCount(&count), S_OK);
+  EXPECT_EQ(count, kFields);
+  EXPECT_EQ(Find(u"n99999"), 99999);
+  EXPECT_EQ(Find(u"N100000"), -1);
+  EXPECT_EQ(source_->Made(), 0) << "names are found without fields";
+  EXPECT_EQ(NameOf(At(99999)), u"N99999");
+  EXPECT_EQ(source_->Made(), 1);
+}
+
+TEST_F(SourceOfFieldsTest, FieldsThatNobodyHoldsAreForgotten) {
+  const LONG before = LiveComponentCount();
+  WalkThroughAll();
+  EXPECT_LT(LiveComponentCount(), before + 100);
+}
+
+TEST_F(SourceOfFieldsTest, AnIndexGivesTheSameFieldToWhoHoldsIt) {
+  std::vector<ComPtr<HostField>> held;
+  for (LONG i = 0; i < 1000; ++i) held.push_back(At(i * 7));
+  WalkThroughAll();
+  for (LONG i = 0; i < 1000; ++i) EXPECT_EQ(At(i * 7).Get(), held[static_cast<size_t>(i)].Get());
+}
+
+TEST_F(SourceOfFieldsTest, ChangedFieldsStay) {
+  EXPECT_EQ(At(5).As<HostFieldEdit>()->SetName(BString(u"Changed").Get()), S_OK);
+  EXPECT_EQ(At(6).As<HostFieldTag>()->SetTag(BString(u"tag").Get()), S_OK);
+  EXPECT_EQ(At(7).As<HostFieldEdit>()->SetLength(70), S_OK);
+  WalkThroughAll();
+  EXPECT_EQ(NameOf(At(5)), u"Changed");
+  EXPECT_EQ(Find(u"changed"), 5);
+  EXPECT_EQ(Find(u"N5"), -1);
+  BString tag;
+  EXPECT_EQ(At(6).As<HostFieldTag>()->GetTag(tag.Receive()), S_OK);
+  EXPECT_EQ(tag.View(), u"tag");
+  LONG length = 0;
+  EXPECT_EQ(At(7)->GetLength(&length), S_OK);
+  EXPECT_EQ(length, 70);
+}
+
+TEST_F(SourceOfFieldsTest, AddedFieldsStandBehindThem) {
+  const ComPtr<HostField> added = MakeField(u"Added");
+  EXPECT_EQ(fields_.As<HostFieldCollectionEdit>()->AddField(added.Get()), S_OK);
+  EXPECT_EQ(At(kFields).Get(), added.Get());
+  EXPECT_EQ(Find(u"ADDED"), kFields);
+  ComPtr<HostField> none;
+  EXPECT_EQ(fields_->GetField(kFields + 1, none.Receive()), E_INVALIDARG);
+}
+
+TEST_F(SourceOfFieldsTest, OnlyAnEmptyCollectionIsFilled) {
+  const auto other = MakeObject<NumberedFields>(1);
+  EXPECT_EQ(fields_.As<HostFieldCollectionFilling>()->FillFrom(other.Get()), E_FAIL);
+  const ComPtr<HostFieldCollection> fields = MakeCollection();
+  EXPECT_EQ(fields.As<HostFieldCollectionFilling>()->FillFrom(nullptr), E_INVALIDARG);
+  EXPECT_EQ(fields.As<HostFieldCollectionEdit>()->AddField(MakeField(u"A").Get()), S_OK);
+  EXPECT_EQ(fields.As<HostFieldCollectionFilling>()->FillFrom(other.Get()), E_FAIL);
 }
 
 TEST_F(FieldsTest, CollectionRefusesBadArguments) {
