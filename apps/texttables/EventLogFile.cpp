@@ -1,6 +1,9 @@
 #include "EventLogFile.h"
 
 #include <filesystem>
+#include <fstream>
+#include <string>
+#include <string_view>
 #include <utility>
 
 #include "Failures.h"
@@ -65,12 +68,29 @@ std::string LineOf(const EventLogRecord& record) {
   return line.Take();
 }
 
+// The log takes the place of an older one. Any other file is somebody's, perhaps needed by this very
+// command: a table, the module, a library.
+void RequireEventLogOrNothing(std::u16string_view fileName) {
+  constexpr std::string_view kBeginning = R"({"event":")";
+  const std::filesystem::path path(NativeFromFileName(fileName));
+  std::error_code ignored;
+  if (!std::filesystem::is_regular_file(path, ignored)) return;
+  std::string beginning(kBeginning.size(), '\0');
+  std::ifstream file(path, std::ios::binary);
+  file.read(beginning.data(), static_cast<std::streamsize>(beginning.size()));
+  if (file.is_open() && (file.gcount() == 0 || beginning == kBeginning)) return;
+  throw UsageError("the event log would replace " + Shown(fileName) +
+                       ", which is there and holds no event log",
+                   kGeneralHelp);
+}
+
 }  // namespace
 
 EventLogFile* EventLogFile::current_ = nullptr;
 
-EventLogFile::EventLogFile(std::u16string_view fileName)
-    : file_(std::filesystem::path(NativeFromFileName(fileName)), std::ios::binary) {
+EventLogFile::EventLogFile(std::u16string_view fileName) {
+  RequireEventLogOrNothing(fileName);
+  file_.open(std::filesystem::path(NativeFromFileName(fileName)), std::ios::binary);
   if (!file_) throw UsageError("cannot write the event log " + Shown(fileName), kGeneralHelp);
   current_ = this;
   quenra::EventLog::SetSink([this](const EventLogRecord& record) { Write(record); });

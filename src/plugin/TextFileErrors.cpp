@@ -95,7 +95,7 @@ HRESULT HResultFromTableException() noexcept try {
   try {
     throw;
   } catch (const TextFile::TableFailure& failure) {
-    ChainTextFileError(failure.taken ? kFileExists : E_FAIL, failure.text);
+    ChainTextFileError(failure.taken ? kFileExists : E_FAIL, failure.message);
     return E_FAIL;
   }
 } catch (const std::bad_alloc&) {

@@ -37,7 +37,7 @@ TextFileLoader::TextFileLoader(std::unique_ptr<TextFile::RowWriter> writer)
     : writer_(std::move(writer)) {}
 
 TextFileLoader::~TextFileLoader() {
-  if (!writer_->Close()) EventLog::Write(writer_->failure());
+  if (!writer_->Close()) EventLog::Write(writer_->failure().text);
 }
 
 std::u16string_view TextFileLoader::ErrorSource() const noexcept { return kErrorSource; }

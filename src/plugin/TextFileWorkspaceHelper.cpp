@@ -152,7 +152,7 @@ HRESULT TextFileWorkspaceHelper::Create(BSTR name, HostFieldCollection* fields,
 } catch (const TextFile::TableFailure& failure) {
   if (!failure.taken || existing != TextFile::ExistingFile::kKept)
     return HResultFromTableException();
-  return ChainTextFileError(kFileExists, failure.text);
+  return ChainTextFileError(kFileExists, failure.message);
 } catch (...) {
   return HResultFromTableException();
 }

@@ -17,6 +17,7 @@
 #include "platform/OleText.h"
 #include "reading/TextDecoding.h"
 #include "schema/SchemaIniPaths.h"
+#include "schema/TableFailure.h"
 #include "schema/TableMetadata.h"
 #include "schema/TableNames.h"
 #include "schema/Utf8.h"
@@ -233,7 +234,7 @@ RowWriter::~RowWriter() {
 }
 
 bool RowWriter::Fail(std::u16string_view reason) {
-  failure_ = table_.path + u": " + std::u16string(reason);
+  failure_ = FileMessage(table_.path, reason);
   return false;
 }
 
@@ -268,8 +269,11 @@ class RowWriter::LockedFile {
 // What the file is encoded in decides how rows are added to it.
 bool RowWriter::FindEncoding() {
   TextLineStream stream;
-  if (!stream.Open(table_.path, TextLineStream::kPlainLines))
-    return Fail(u"the file cannot be read");
+  if (!stream.Open(table_.path, TextLineStream::kPlainLines)) {
+    RegularFile probe;
+    probe.Open(NativeFromFileName(table_.path), RegularFile::Access::kRead);
+    return Fail(WithReason(u"the file cannot be read", probe.error()));
+  }
   encoding_ = stream.encoding();
   switch (encoding_) {
     case TextEncoding::kUtf16BE:
@@ -308,7 +312,7 @@ bool RowWriter::RequireItsRows(std::uint64_t size) {
 bool RowWriter::Open() {
   if (!FindEncoding()) return false;
   if (!file_.Open(NativeFromFileName(table_.path), RegularFile::Access::kAppend))
-    return Fail(u"the file cannot be written");
+    return Fail(WithReason(u"the file cannot be written", file_.error()));
   if (!RequireTable()) return false;
   const LockedFile locked(*this);
   return locked.IsTable() && LookAtEnd(0);
@@ -336,7 +340,7 @@ bool RowWriter::LookAtEnd(std::uint64_t from) {
     case TextEnd::State::kHalfCharacter:
       return Fail(u"the file ends in half a character: what is added would not be read");
     default:
-      return Fail(u"the file cannot be read");
+      return Fail(WithReason(u"the file cannot be read", file_.error()));
   }
 }
 
@@ -344,16 +348,16 @@ bool RowWriter::LookAtEnd(std::uint64_t from) {
 // read. The file is locked.
 bool RowWriter::PrepareEnd() {
   std::uint64_t size = 0;
-  if (!file_.Size(size)) return Fail(u"the file cannot be read");
+  if (!file_.Size(size)) return Fail(WithReason(u"the file cannot be read", file_.error()));
   if (!RequireItsRows(size)) return false;
   // Another writer has been here.
   const bool rowBegins = textEnd_.endsLine && size > end_;
   if (size != end_ && !LookAtEnd(rowBegins ? textEnd_.size : 0)) return false;
   if (textEnd_.size < end_ && !file_.CutTo(textEnd_.size))
-    return Fail(u"the file cannot be written");
+    return Fail(WithReason(u"the file cannot be written", file_.error()));
   end_ = textEnd_.size;
   if (!textEnd_.endsLine && WriteRows(lineEnd_) != RegularFile::Appended::kWhole)
-    return Fail(u"the rows could not be written");
+    return Fail(WithReason(u"the rows could not be written", file_.error()));
   return true;
 }
 
@@ -479,7 +483,7 @@ bool RowWriter::WriteInPieces(std::string_view rows) {
       begin = end;
     }
   }
-  return written == RegularFile::Appended::kWhole || Fail(u"the rows could not be written");
+  return written == RegularFile::Appended::kWhole || Fail(WithReason(u"the rows could not be written", file_.error()));
 }
 
 // Whole rows, in front of which a row may begin.

@@ -17,6 +17,7 @@
 #include <string_view>
 #include <vector>
 
+#include "host/CoreSupport/MessageText.h"
 #include "inference/DateFormatting.h"
 #include "platform/OleAutomation.h"
 #include "platform/RegularFile.h"
@@ -52,7 +53,7 @@ class RowWriter {
   bool Close();
 
   // Which file could not be written, and why.
-  const std::u16string& failure() const noexcept { return failure_; }
+  const quenra::MessageText& failure() const noexcept { return failure_; }
 
  private:
   // How the values of a column become bytes: straight into the buffer, or the general way.
@@ -137,7 +138,7 @@ class RowWriter {
   std::size_t markCount_ = 0;
   std::string value_;          // the value that is being formatted
   bool leadingQuote_ = false;  // its first character that is not white space is a text delimiter
-  std::u16string failure_;
+  quenra::MessageText failure_;
 };
 
 }  // namespace TextFile

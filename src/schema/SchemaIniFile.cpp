@@ -91,10 +91,18 @@ bool HasName(const std::u16string& path) {
   return fs::exists(fs::symlink_status(fs::path(NativeFromFileName(path)), ignored));
 }
 
-// Regular files only, as the line reader has it. A file that breaks off is not to be rewritten.
+// As HasName, but fails when the system does not tell: a schema.ini that is taken for none would be
+// replaced by the new section alone.
+bool IsThere(const std::u16string& schemaIni) {
+  boost::system::error_code error;
+  const fs::file_type type =
+      fs::symlink_status(fs::path(NativeFromFileName(schemaIni)), error).type();
+  if (type == fs::status_error) Fail(kCouldNotRead);
+  return type != fs::file_not_found;
+}
+
+// A file that breaks off is not to be rewritten.
 bool ReadWhole(const NativeFileName& path, std::string& bytes) {
-  boost::system::error_code ignored;
-  if (!fs::is_regular_file(fs::path(path), ignored)) return false;
   std::filebuf file;
   if (file.open(fs::path(path).c_str(), std::ios::in | std::ios::binary) == nullptr) return false;
   constexpr std::size_t kBlockBytes = 64 * 1024;
@@ -133,18 +141,11 @@ SchemaIniFile::SchemaIniFile(SchemaIniPaths paths, Access access)
     : paths_(std::move(paths)),
       finished_(JoinPath(FolderOf(paths_.schemaIni), TemporaryNameOf(u"schema.ini", u".tmp"))),
       access_(access) {
-  exists_ = HasName(paths_.schemaIni);
+  exists_ = IsThere(paths_.schemaIni);
   // The lock comes first: what is read behind it is what the writer before has left.
   if (access != Access::kRead) TakeHold();
-  exists_ = HasName(paths_.schemaIni);
-  if (!exists_) return;
-  try {
-    Read();
-  } catch (const SchemaIniFailure&) {
-    if (access == Access::kRead) throw;
-    text_ = SchemaIniText();
-    isRead_ = false;
-  }
+  exists_ = IsThere(paths_.schemaIni);
+  if (exists_) Read();
 }
 
 void SchemaIniFile::TakeHold() {
@@ -168,9 +169,16 @@ ExclusiveFile::InPlace SchemaIniFile::MayWriteInPlace() const noexcept {
 }
 
 void SchemaIniFile::Read() {
+  const NativeFileName native = NativeFromFileName(paths_.schemaIni);
+  boost::system::error_code error;
+  const fs::file_type type = fs::status(fs::path(native), error).type();
   std::string bytes;
-  if (!ReadWhole(NativeFromFileName(paths_.schemaIni), bytes) || !text_.Parse(bytes))
+  if (type == fs::status_error || (type == fs::regular_file && !ReadWhole(native, bytes)))
     Fail(kCouldNotRead);
+  if (type == fs::regular_file && text_.Parse(bytes)) return;
+  // Those who open tables read no sections there either.
+  text_ = SchemaIniText();
+  isRead_ = false;
 }
 
 const SectionLines* SchemaIniFile::Find(std::u16string_view name) const noexcept {

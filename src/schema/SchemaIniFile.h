@@ -53,11 +53,12 @@ class SchemaIniFile {
     bool stood = false;  // sections of the new name stand behind the new one now
   };
 
-  // Reads schema.ini; one that does not exist has no sections. Throws SchemaIniFailure (kRead) when
-  // it cannot be read or is in an encoding that is not read, or (otherwise) when the temporary file
-  // cannot be made; the reason then names it and, where that is known, who has it. For writing, a
-  // file that cannot be read has no sections and is never saved. Writing into schema.ini that a
-  // process has left half-way is completed first, or (kUpdate) a reason to fail.
+  // Reads schema.ini; one that does not exist has no sections. One that nobody reads, since it is
+  // no regular file or in an encoding that is not read, has none either and is never saved. Throws
+  // SchemaIniFailure when it cannot be read this time or by this user, or (but for kRead) when the
+  // temporary file cannot be made; the reason then names it and, where that is known, who has it.
+  // Writing into schema.ini that a process has left half-way is completed first, or (kUpdate) a
+  // reason to fail.
   SchemaIniFile(SchemaIniPaths paths, Access access);
 
   // The section that reading takes for that name; null when there is none. The pointer lives until

@@ -217,6 +217,8 @@ void AddSchemaColumns(const SchemaIniPaths& paths, std::u16string_view sectionNa
         file.ReadsAnothers(sectionName))
       return;
     SchemaOptions options = read();
+    // It could not be read this time: nothing of it would stay.
+    if (options.sectionName.empty() && file.Find(sectionName) != nullptr) return;
     RequireReadableColumns(options);
     std::vector<ColumnToAdd*> added;
     for (ColumnToAdd& column : columns) {

@@ -140,6 +140,9 @@ void CreateWhenHeld(const TableLocation& table, std::vector<FieldDefinition>& fi
                     ExclusiveFile& file, bool replaces, SchemaIniFile& sections) {
   const std::u16string path = table.Path();
   SchemaOptions options = OptionsOf(SchemaIniPaths(table.folder), table.name, fields);
+  // It could not be read this time: the columns would not be those that the user has described.
+  if (options.sectionName.empty() && sections.Find(table.name) != nullptr)
+    FailTable(SchemaIniPaths(table.folder).schemaIni, u"the table's section could not be read");
   SetColumns(fields, options);
   RequireReadableColumns(options);
   if (!file.Write(HeaderLine(options, fields))) FailTable(path, file);

@@ -89,11 +89,11 @@ class FinishedCopy {
   // Measures the file while nobody adds rows: it can only grow then, and it may.
   void OpenSource() {
     if (!source_.Open(NativeFromFileName(from_), RegularFile::Access::kRead))
-      FailTable(from_, u"the file cannot be read");
+      FailTable(from_, WithReason(u"the file cannot be read", source_.error()));
     if (!source_.Lock()) FailTable(from_, u"rows are being added to the table");
     const bool isKnown = source_.Size(size_);
     source_.Unlock();
-    if (!isKnown) FailTable(from_, u"the file cannot be read");
+    if (!isKnown) FailTable(from_, WithReason(u"the file cannot be read", source_.error()));
   }
 
   void CopyBytes() {
@@ -102,7 +102,7 @@ class FinishedCopy {
       const auto wanted =
           static_cast<std::size_t>(std::min<std::uint64_t>(size_ - done, block.size()));
       const std::ptrdiff_t count = source_.ReadAt(done, block.data(), wanted);
-      if (count < 0) FailTable(from_, u"the file cannot be read");
+      if (count < 0) FailTable(from_, WithReason(u"the file cannot be read", source_.error()));
       if (count == 0) return;  // somebody has cut it
       if (!file_.Write({block.data(), static_cast<std::size_t>(count)})) FailTable(to_, file_);
       done += static_cast<std::uint64_t>(count);
@@ -166,8 +166,8 @@ std::optional<SectionLines> OwnLines(const TableLocation& table) {
     const SchemaIniFile file(SchemaIniPaths(table.folder), SchemaIniFile::Access::kRead);
     if (const SectionLines* own = file.FindOwn(table.name)) lines = *own;
     if (file.TellsAll(table.name)) return lines;
-  } catch (const SchemaIniFailure&) {
-    return std::nullopt;
+  } catch (const SchemaIniFailure& failure) {
+    FailTable(SchemaIniPaths(table.folder).schemaIni, failure.reason);
   }
   FailTable(SchemaIniPaths(table.folder).schemaIni,
             u"the section holds text that its encoding does not show");
@@ -270,6 +270,7 @@ std::u16string RenameTableFiles(const TableLocation& table, std::u16string_view 
 
 void DeleteTableFiles(const TableLocation& table) {
   RequireTable(table);
+  RequireNoMetadataName(table);
   RunOperation(table.folder, [&] {
     FileHold hold;
     const auto sections = HoldTable(table, hold);

@@ -32,6 +32,15 @@ bool IsDevice(std::u16string_view name) noexcept {
                      });
 }
 
+// Files of such names come and go while tables are made, and one that is left is removed.
+bool IsTemporary(std::u16string_view name) noexcept {
+  const auto endsIn = [&](std::u16string_view extension) {
+    return name.size() > extension.size() &&
+           DataCoreUtil::CompareFoldCase(name.substr(name.size() - extension.size()), extension);
+  };
+  return name.front() == u'~' && (endsIn(u".tmp") || endsIn(u".old"));
+}
+
 }  // namespace
 
 bool IsReservedFile(std::u16string_view name) noexcept {
@@ -45,7 +54,7 @@ std::u16string_view WhyNotATableName(std::u16string_view name) noexcept {
   if (name.find_first_of(u"/\\") != std::u16string_view::npos)
     return u"the name holds a path separator";
   if (name == u"." || name == u"..") return u"the name means a folder";
-  if (IsReservedFile(name) || IsDevice(name)) return u"the name is reserved";
+  if (IsReservedFile(name) || IsTemporary(name) || IsDevice(name)) return u"the name is reserved";
   const bool control =
       std::any_of(name.begin(), name.end(), [](char16_t unit) { return unit < 32; });
   if (control || name.find_first_of(kForbidden) != std::u16string_view::npos)

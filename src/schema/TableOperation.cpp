@@ -19,7 +19,7 @@ bool HasName(const std::u16string& path) {
 }
 
 void FailBecauseTaken(const std::u16string& path) {
-  throw TableFailure{path + u": the file exists already", true};
+  throw TableFailure{FileMessage(path, u"the file exists already"), true};
 }
 
 void RequireFree(const std::u16string& path) {

@@ -106,7 +106,7 @@ void Run(const std::vector<std::string>& words) {
   if (words[0] == "mismatch")
     return AddMismatch(table, static_cast<std::size_t>(std::stoi(words.at(3))));
   if (words[0] == "sections") return WriteSections(table, std::stoi(words.at(3)));
-  throw TableFailure{u"unknown operation"};
+  throw TableFailure{FileMessage(u"", u"unknown operation")};
 }
 
 // FILE_LIMIT=BYTES: no file grows beyond that, as on a full disk.
@@ -128,7 +128,7 @@ int main(int count, char** arguments) {
     Run(std::vector<std::string>(arguments + 1, arguments + count));
     return 0;
   } catch (const TableFailure& failure) {
-    std::printf("%s\n", ToUtf8(failure.text).c_str());
+    std::printf("%s\n", ToUtf8(failure.message.text).c_str());
   } catch (const SchemaIniFailure& failure) {
     std::printf("schema.ini: %s\n", ToUtf8(failure.reason).c_str());
   } catch (const ParseError& error) {

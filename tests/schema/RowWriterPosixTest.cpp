@@ -38,7 +38,7 @@ class RowWriterPosixTest : public EnglishTest {
 
   void ExpectExchanged(RowWriter& writer) const {
     EXPECT_FALSE(writer.Close());
-    EXPECT_EQ(ToUtf8(writer.failure()),
+    EXPECT_EQ(ToUtf8(writer.failure().text),
               ToUtf8(table_.path) + ": the file has been removed or replaced meanwhile");
   }
 
@@ -98,7 +98,7 @@ TEST_F(RowWriterPosixTest, ATableThatIsCreatedAnewInItsFileIsTold) {
     }
     CreateTableFiles({folder_.Path(), u"t.csv"}, {other});
     EXPECT_FALSE(writer.Close());
-    EXPECT_EQ(ToUtf8(writer.failure()),
+    EXPECT_EQ(ToUtf8(writer.failure().text),
               ToUtf8(table_.path) +
                   ": the file has been cut or created anew meanwhile, and its rows are gone");
     EXPECT_EQ(folder_.Read(u"t.csv"), created);

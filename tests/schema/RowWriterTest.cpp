@@ -107,7 +107,7 @@ class RowWriterTest : public testing::Test {
   std::string Added(const TextDatasetDescription& table, const Rows&... rows) {
     const std::string before = folder_.Read(u"t.csv");
     RowWriter writer(table);
-    EXPECT_TRUE(writer.Open()) << ToUtf8(writer.failure());
+    EXPECT_TRUE(writer.Open()) << ToUtf8(writer.failure().text);
     EXPECT_TRUE((writer.Write(rows.View()) && ...));
     EXPECT_TRUE(writer.Close());
     const std::string after = folder_.Read(u"t.csv");
@@ -446,7 +446,7 @@ TEST_F(RowWriterTest, EncodingsThatAreNotReadGetNoRows) {
   folder_.Write(u"t.csv", std::string_view("\xFE\xFF\0a", 4));
   RowWriter writer(table);
   EXPECT_FALSE(writer.Open());
-  EXPECT_EQ(ToUtf8(writer.failure()),
+  EXPECT_EQ(ToUtf8(writer.failure().text),
             ToUtf8(table.path) + ": rows cannot be added to a file in this encoding");
   EXPECT_EQ(folder_.Read(u"t.csv"), std::string("\xFE\xFF\0a", 4));
 }
@@ -476,9 +476,9 @@ TEST_F(RowWriterTest, RowsThatNobodyWouldReadAreRefused) {
     folder_.Write(u"schema.ini", "");
     RowWriter writer(Table(c.section, c.bytes));
     EXPECT_FALSE(writer.Open());
-    EXPECT_TRUE(ToUtf8(writer.failure())
+    EXPECT_TRUE(ToUtf8(writer.failure().text)
                     .starts_with(ToUtf8(folder_.Path(u"t.csv")) + ": " + std::string(c.reason)))
-        << ToUtf8(writer.failure());
+        << ToUtf8(writer.failure().text);
     EXPECT_EQ(folder_.Read(u"t.csv"), c.bytes);
   }
 }
@@ -489,7 +489,7 @@ TEST_F(RowWriterTest, Utf16FilesEndInWholeCharacters) {
   const std::string before = folder_.Read(u"t.csv");
   RowWriter writer(table);
   EXPECT_FALSE(writer.Open());
-  EXPECT_NE(ToUtf8(writer.failure()).find("half a character"), std::string::npos);
+  EXPECT_NE(ToUtf8(writer.failure().text).find("half a character"), std::string::npos);
   EXPECT_EQ(folder_.Read(u"t.csv"), before);
 }
 
@@ -522,7 +522,7 @@ TEST_F(RowWriterTest, WhatAnotherProgramAddsMeanwhileCounts) {
     ASSERT_TRUE(writer.Open() && writer.Write(row.View()));
     folder_.Append(u"t.csv", added);
     EXPECT_FALSE(writer.Close());
-    EXPECT_NE(writer.failure(), u"");
+    EXPECT_NE(writer.failure().text, u"");
     EXPECT_EQ(folder_.Read(u"t.csv"), "Id,Name\n1,a\n" + std::string(added));
   }
 }
@@ -540,7 +540,7 @@ TEST_F(RowWriterTest, TheFileOfTheSectionsIsNoTable) {
     other.path = folder_.Path(name);
     RowWriter writer(other);
     EXPECT_FALSE(writer.Open());
-    EXPECT_EQ(ToUtf8(writer.failure()), ToUtf8(other.path) + ": the file is no table");
+    EXPECT_EQ(ToUtf8(writer.failure().text), ToUtf8(other.path) + ": the file is no table");
     EXPECT_EQ(folder_.Read(u"schema.ini"), ini);
   }
 }
@@ -550,7 +550,7 @@ TEST_F(RowWriterTest, AFileThatIsGoneIsNotMadeAnew) {
   folder_.Remove(u"t.csv");
   RowWriter writer(table);
   EXPECT_FALSE(writer.Open());
-  EXPECT_NE(ToUtf8(writer.failure()).find("t.csv: "), std::string::npos);
+  EXPECT_NE(ToUtf8(writer.failure().text).find("t.csv: "), std::string::npos);
   EXPECT_FALSE(folder_.Exists(u"t.csv"));
 }
 

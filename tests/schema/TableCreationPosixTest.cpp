@@ -20,7 +20,7 @@ TEST(TableCreationPosixTest, ATableThatCouldNotBeOpenedReplacesNothing) {
   try {
     CreateTableFiles({folder.Path(), u"t.csv"}, {});
   } catch (const TableFailure& failure) {
-    refusal = quenra::test::ToUtf8(failure.text);
+    refusal = quenra::test::ToUtf8(failure.message.text);
   }
   EXPECT_TRUE(
       refusal.ends_with("t.csv: the new table could not be opened with its section of schema.ini"))

@@ -48,7 +48,7 @@ class TableCreationTest : public testing::Test {
       Create(name, std::move(fields));
       return "";
     } catch (const TableFailure& failure) {
-      std::string text = ToUtf8(failure.text);
+      std::string text = ToUtf8(failure.message.text);
       const std::string path = ToUtf8(folder_.Path(u""));
       if (text.starts_with(path)) text.erase(0, path.size());
       return text;
@@ -217,7 +217,7 @@ TEST_F(TableCreationTest, AFileIsKeptWhenThatIsAskedFor) {
     ADD_FAILURE() << "replaced";
   } catch (const TableFailure& failure) {
     EXPECT_TRUE(failure.taken);
-    EXPECT_EQ(ToUtf8(failure.text), ToUtf8(table.Path()) + ": the file exists already");
+    EXPECT_EQ(ToUtf8(failure.message.text), ToUtf8(table.Path()) + ": the file exists already");
   }
   EXPECT_EQ(folder_.Read(u"t.csv"), Header("A"));
   EXPECT_EQ(Ini(), ini);
@@ -228,8 +228,8 @@ TEST_F(TableCreationTest, AMissingFolderIsNamed) {
     CreateTableFiles({folder_.Path(u"none"), u"t.csv"}, {Field(u"A", FieldType::kInteger)});
     ADD_FAILURE();
   } catch (const TableFailure& failure) {
-    EXPECT_EQ(failure.text.find(folder_.Path(u"none")), 0u);
-    EXPECT_GT(failure.text.size(), folder_.Path(u"none/t.csv: ").size());
+    EXPECT_EQ(failure.message.text.find(folder_.Path(u"none")), 0u);
+    EXPECT_GT(failure.message.text.size(), folder_.Path(u"none/t.csv: ").size());
   }
 }
 

@@ -32,7 +32,7 @@ class TableFilesTest : public testing::Test {
       action();
       return "";
     } catch (const TableFailure& failure) {
-      return ToUtf8(failure.text);
+      return ToUtf8(failure.message.text);
     }
   }
   // Nothing of the table `a.csv` has changed, and nothing has been added.

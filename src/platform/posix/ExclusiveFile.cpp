@@ -286,7 +286,9 @@ bool ExclusiveFile::Take(const NativeFileName& path, milliseconds patience) {
   path_ = path;
   holder_.clear();
   firstMode_ = 0;
-  // Others have been quicker so often in a row only if something is wrong.
+  // Without a pause, since the name has just become free; but not for ever: where each look takes
+  // long, others may be quicker every time.
+  constexpr int kLeastRounds = 10;
   constexpr int kMostRounds = 1000;
   const Clock::time_point end = Clock::now() + patience;
   std::chrono::microseconds pause{100};
@@ -294,7 +296,9 @@ bool ExclusiveFile::Take(const NativeFileName& path, milliseconds patience) {
     const Attempt attempt = TryToTake(path);
     if (attempt == Attempt::kDone) return Succeed();
     if (attempt == Attempt::kFailed) return false;
-    if (attempt == Attempt::kAgain && ++rounds < kMostRounds) continue;
+    if (attempt == Attempt::kAgain && ++rounds < kMostRounds &&
+        (rounds < kLeastRounds || Clock::now() < end))
+      continue;
     if (Clock::now() >= end) break;
     // The system wakes nobody who waits for a limited time.
     std::this_thread::sleep_for(pause);
