@@ -37,7 +37,7 @@ void InputLines::Fill() {
   const std::size_t before = buffer_.size();
   // A long line doubles the block, so that it is not copied once for every block.
   buffer_.resize(before + (before > kBlock ? before : kBlock));
-  const std::size_t count = input_.Read(buffer_.data() + before, buffer_.size() - before);
+  const std::size_t count = source_(buffer_.data() + before, buffer_.size() - before);
   buffer_.resize(before + count);
   ended_ = count == 0;
 }

@@ -7,8 +7,10 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "Terminal.h"
 
@@ -19,10 +21,15 @@ namespace TextTables {
 // have any length.
 class InputLines {
  public:
-  // `input` must outlive this.
-  explicit InputLines(Terminal::Input& input) : input_(input) {}
+  // Fills at most `count` bytes and answers how many; 0 at the end.
+  using Source = std::function<std::size_t(char* bytes, std::size_t count)>;
 
-  // False at the end. Lets pass what the input throws.
+  explicit InputLines(Source source) : source_(std::move(source)) {}
+  // `input` must outlive this.
+  explicit InputLines(Terminal::Input& input)
+      : InputLines([&input](char* bytes, std::size_t count) { return input.Read(bytes, count); }) {}
+
+  // False at the end. Lets pass what the source throws.
   bool Next();
 
   // Without its end; valid until the next call of Next.
@@ -35,7 +42,7 @@ class InputLines {
  private:
   void Fill();
 
-  Terminal::Input& input_;
+  Source source_;
   std::string buffer_;     // read and not yet passed
   std::size_t start_ = 0;  // of the next line
   bool ended_ = false;

@@ -6,17 +6,19 @@
 #include <cstdint>
 #include <iterator>
 #include <map>
-#include <string>
+#include <memory>
+#include <string_view>
+#include <utility>
 #include <vector>
 
 #include "inference/DateParsing.h"
 #include "schema/FieldDefinition.h"
+#include "schema/NameTexts.h"
 
 namespace TextFile {
 
 struct ColumnState {
   const FieldDefinition* declared = nullptr;  // schema.ini's definition; null when there is none
-  std::u16string name;                        // empty until schema.ini or the header gives one
   FieldType type = FieldType::kUndetermined;
   // The type that the column would have if the decimal symbol were the other one.
   FieldType alternative = FieldType::kUndetermined;
@@ -30,7 +32,6 @@ struct ColumnState {
   ColumnState() = default;
   explicit ColumnState(const FieldDefinition& definition)
       : declared(&definition),
-        name(definition.name),
         type(definition.type),
         alternative(definition.type),
         coordinateCandidate(false) {}
@@ -51,6 +52,7 @@ class ColumnStates {
   void Start(const Declared& declared) {
     declared_ = &declared;
     held_.clear();
+    names_.reset();
     withoutCandidates_ = 0;
     size_ = declared.empty() ? 0 : static_cast<std::size_t>(declared.rbegin()->first) + 1;
     if (size_ <= kFew) Hold(size_);
@@ -66,7 +68,19 @@ class ColumnStates {
   }
   // Holds the first `count` columns, of those that there are.
   void Hold(std::size_t count) {
-    for (std::size_t i = held_.size(); i < std::min(count, size_); ++i) held_.push_back(Fresh(i));
+    const std::size_t end = std::min(count, size_);
+    if (end > held_.capacity()) held_.reserve(std::max(end, 2 * held_.size()));
+    for (std::size_t i = held_.size(); i < end; ++i) held_.push_back(Fresh(i));
+  }
+
+  // The names of the header row, for the columns that schema.ini gives none.
+  void SetNames(std::shared_ptr<const NameTexts> names) noexcept { names_ = std::move(names); }
+  const std::shared_ptr<const NameTexts>& names() const noexcept { return names_; }
+  // Of a column that is held; empty when it has none.
+  std::u16string_view NameOf(std::size_t index) const noexcept {
+    const FieldDefinition* const declared = held_[index].declared;
+    if (declared != nullptr && !declared->name.empty()) return declared->name;
+    return names_ == nullptr ? std::u16string_view() : (*names_)[index];
   }
 
   // Of a column that is held.
@@ -107,6 +121,7 @@ class ColumnStates {
 
   const Declared* declared_ = nullptr;
   std::vector<ColumnState> held_;
+  std::shared_ptr<const NameTexts> names_;
   std::size_t size_ = 0;
   std::size_t withoutCandidates_ = 0;  // so many columns were there when they were forbidden
 };

@@ -87,8 +87,12 @@ void DetectCoordinates(const quenra::LatLongFormat& format, const Record& record
   }
 }
 
+bool HasCoordinateColumns(const ColumnStates& columns) noexcept {
+  return std::any_of(columns.begin(), columns.end(), IsCoordinateColumn);
+}
+
 void InsertCoordinateFields(const ColumnStates& columns, FieldList& fields) {
-  if (std::none_of(columns.begin(), columns.end(), IsCoordinateColumn)) return;
+  if (!HasCoordinateColumns(columns)) return;
   const ColumnNames names(columns, fields);
   FieldList laidOut;
   laidOut.reserve(fields.size() + 2);

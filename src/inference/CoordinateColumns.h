@@ -15,8 +15,11 @@ namespace TextFile {
 void DetectCoordinates(const quenra::LatLongFormat& format, const Record& record,
                        ColumnStates& columns) noexcept;
 
+// Whether there are columns of coordinates, by all rows tested.
+bool HasCoordinateColumns(const ColumnStates& columns) noexcept;
+
 // Puts the virtual coordinate fields behind the fields of the candidates: `fields` holds one
-// field a column, and `columns` their states.
+// field a column, and `columns` their states. Without candidates it is left alone.
 //   one text:   Location, Location_X, Location_Y
 //   two texts:  Lat, Lon, Lat_D, Lon_D
 void InsertCoordinateFields(const ColumnStates& columns, FieldList& fields);

@@ -1,6 +1,7 @@
 #include "inference/TypeInference.h"
 
 #include <algorithm>
+#include <memory>
 #include <string>
 
 #include "host/CoreSupport/CharacterClasses.h"
@@ -17,7 +18,7 @@ constexpr std::size_t kDefaultUpperLimit = 100;  // rows
 constexpr std::size_t kLowerLimit = 10;          // rows, while a column is still open
 constexpr std::size_t kLowerLimitWhenDeclared = 1;
 
-constexpr std::size_t kLongName = 1 << 16;  // UTF-16 code units; beyond those of any real column
+constexpr std::size_t kLongLine = 1 << 16;  // UTF-16 code units
 
 // How dates with an offset are written, whatever the table's dates look like.
 constexpr std::u16string_view kTimestampPattern = u"yyyy-MM-ddTHH:mm:ss";
@@ -137,17 +138,21 @@ bool TypeInference::IsHeader() const {
 
 void TypeInference::NameColumns() {
   const Record& record = reader_.record();
-  columns_.Extend(record.size());
-  if (record.size() == 1 && columns_[0].name.empty()) {
-    // A name that is a file as a whole must not need its memory twice.
-    const std::u16string_view name = quenra::TrimBlanks(record[0]);
-    if (name.size() >= kLongName && reader_.CanRelease(name)) {
-      columns_[0].name = reader_.ReleaseField(name);
-      return;
+  const std::size_t count = record.size();
+  const auto names = std::make_shared<NameTexts>();
+  names->Reserve(count);
+  // Names that are a file as a whole must not need its memory twice.
+  if (reader_.LineSize() >= kLongLine && reader_.CanReleaseLine()) {
+    for (std::size_t i = 0; i < count; ++i) {
+      const std::u16string_view name = quenra::TrimBlanks(record[i]);
+      names->AddPlace(reader_.PlaceInLine(name), name.size());
     }
+    names->TakeText(reader_.ReleaseLine());
+  } else {
+    for (std::size_t i = 0; i < count; ++i) names->Add(quenra::TrimBlanks(record[i]));
   }
-  for (std::size_t i = 0; i < record.size(); ++i)
-    if (columns_[i].name.empty()) columns_[i].name = quenra::TrimBlanks(record[i]);
+  columns_.Extend(count);
+  columns_.SetNames(names);
 }
 
 // ---------------------------------------------------------------------------------------------
@@ -214,14 +219,12 @@ bool TypeInference::ClassifyRow() {
   const Record& record = reader_.record();
   // Coordinates look at the column behind each.
   columns_.Hold(record.size() + 1);
+  if (!options_.columnNameHeader) columns_.Extend(record.size());
   for (std::size_t i = 0; i < record.size(); ++i) {
     const std::u16string_view text = record[i];
     if (i >= columns_.size()) {
-      if (options_.columnNameHeader) {
-        if (!text.empty()) return false;
-        continue;
-      }
-      columns_.Extend(i + 1);
+      if (!text.empty()) return false;
+      continue;
     }
     if (text.empty()) continue;
     columns_[i].hasValue = true;
@@ -314,26 +317,16 @@ void TypeInference::DecideDecimalSymbol() {
 // ---------------------------------------------------------------------------------------------
 
 void TypeInference::WriteFields(FieldList& fields) const {
+  const std::size_t stored = FieldsToStore();
   fields.clear();
-  fields.reserve(columns_.held());
-  for (std::size_t i = 0; i < columns_.held(); ++i)
-    fields.push_back(MakeField(columns_[i], i, columns_[i].name));
-  CompleteFields(fields);
-}
-
-void TypeInference::MoveFields(FieldList& fields) {
-  fields.clear();
-  fields.reserve(columns_.held());
-  for (std::size_t i = 0; i < columns_.held(); ++i)
-    fields.push_back(MakeField(columns_[i], i, std::move(columns_[i].name)));
-  CompleteFields(fields);
-}
-
-// Adds the fields of columns that are not held, and those of coordinates, which stand before them.
-void TypeInference::CompleteFields(FieldList& fields) const {
+  fields.reserve(stored);
+  for (std::size_t i = 0; i < stored; ++i)
+    fields.push_back(MakeField(columns_[i], i, columns_.NameOf(i)));
+  // Those of coordinates stand before the fields of columns that are not stored.
   InsertCoordinateFields(columns_, fields);
-  const std::size_t virtualFields = fields.size() - columns_.held();
-  fields.ResizeWithTexts(columns_.size() + virtualFields, virtualFields);
+  const std::size_t virtualFields = fields.size() - stored;
+  fields.ResizeWithTexts(columns_.size() + virtualFields, virtualFields,
+                         stored < columns_.held() ? columns_.names() : nullptr);
   for (auto it = columns_.BehindBegin(); it != columns_.BehindEnd(); ++it) {
     const auto position = static_cast<std::size_t>(it->first);
     fields[position + virtualFields] =
@@ -341,11 +334,26 @@ void TypeInference::CompleteFields(FieldList& fields) const {
   }
 }
 
+// How many columns at the start become fields that are stored: all that are held, or those up to
+// the last one that is not a mere text, when the names of such texts have much memory already.
+std::size_t TypeInference::FieldsToStore() const {
+  std::size_t count = columns_.held();
+  if (columns_.names() == nullptr || !columns_.names()->HasTakenText() ||
+      HasCoordinateColumns(columns_))
+    return count;
+  const auto isText = [](const ColumnState& column) {
+    return column.declared == nullptr &&
+           (column.type == FieldType::kString || column.type == FieldType::kUndetermined);
+  };
+  while (count > 0 && isText(columns_[count - 1])) --count;
+  return count;
+}
+
 FieldDefinition TypeInference::MakeField(const ColumnState& column, std::size_t position,
-                                         std::u16string name) const {
+                                         std::u16string_view name) const {
   FieldDefinition field;
   if (column.declared != nullptr) field = *column.declared;
-  field.name = name.empty() ? GeneratedFieldName(position) : std::move(name);
+  field.name = name.empty() ? GeneratedFieldName(position) : std::u16string(name);
   field.type = column.type == FieldType::kUndetermined ? FieldType::kString : column.type;
   if (IsDateType(field.type) || field.type == FieldType::kTimeOnly) {
     field.dateFormat.version = openOptions_.fieldTypeVersion;

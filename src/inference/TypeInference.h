@@ -2,7 +2,7 @@
 //
 //   TypeInference inference(reader, options, openOptions);
 //   inference.ReadHeader();
-//   if (inference.Scan()) inference.MoveFields(fields);
+//   if (inference.Scan()) inference.WriteFields(fields);
 //
 // Columns that schema.ini declares keep their type, apart from their date kind and the decimal
 // symbol. Everything else is inferred: the header row, types, date orders, the decimal symbol of
@@ -51,9 +51,6 @@ class TypeInference {
   // Replaces `fields` by the columns as they are now, coordinate fields included.
   void WriteFields(FieldList& fields) const;
 
-  // The same at the end of the inference, whose columns give their names away.
-  void MoveFields(FieldList& fields);
-
   // Why Scan has answered false, or what there is of the last record that was read.
   LayoutMisfit Misfit() const noexcept;
 
@@ -75,9 +72,9 @@ class TypeInference {
   FieldType TypeWithOtherDecimalSymbol(std::u16string_view text) const;
   bool MoreRowsWouldTell() const;
   void DecideDecimalSymbol();
-  void CompleteFields(FieldList& fields) const;
+  std::size_t FieldsToStore() const;
   FieldDefinition MakeField(const ColumnState& column, std::size_t position,
-                            std::u16string name) const;
+                            std::u16string_view name) const;
 
   Reader& reader_;
   SchemaOptions& options_;

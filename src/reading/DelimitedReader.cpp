@@ -277,7 +277,7 @@ bool DelimitedReader::Attempt(Single single, SchemaOptions& options, FieldList& 
     NoteMisfit(misfit);
     return false;
   }
-  inference.MoveFields(fields);
+  inference.WriteFields(fields);
   return true;
 }
 

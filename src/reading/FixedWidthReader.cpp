@@ -101,7 +101,7 @@ bool FixedWidthReader::Scan(SchemaOptions& options, FieldList& fields,
     return false;
   }
   const bool scanned = inference.Scan();
-  if (scanned) inference.MoveFields(fields);
+  if (scanned) inference.WriteFields(fields);
   if (scanned && fields.size() == inference.lastRecordSize()) return true;
   LayoutMisfit misfit = inference.Misfit();
   if (scanned) misfit.columns = fields.size();

@@ -43,10 +43,18 @@ void Reader::ReadHeader(TypeInference& inference, SchemaOptions& options) {
   inference.ReadHeader();
 }
 
-std::u16string Reader::ReleaseField(std::u16string_view part) {
-  const auto begin = static_cast<std::size_t>(part.data() - line_.data());
-  record_.Clear();
-  return line_.Release(begin, part.size());
+bool Reader::CanReleaseLine() const noexcept {
+  if (!lineUsedUp_) return false;
+  const char16_t* const begin = line_.data();
+  for (std::size_t i = 0; i < record_.size(); ++i)
+    if (record_[i].data() < begin || record_[i].data() + record_[i].size() > begin + line_.size())
+      return false;
+  return true;
+}
+
+std::u16string Reader::ReleaseLine() {
+  record_ = Record();
+  return line_.Release();
 }
 
 bool Reader::ReadNextLine() {

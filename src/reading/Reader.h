@@ -47,13 +47,16 @@ class Reader {
 
   const Record& record() const noexcept { return record_; }
 
-  // Whether a part of the record may be released: nothing of its line is still to be read.
-  bool CanRelease(std::u16string_view part) const noexcept {
-    return lineUsedUp_ && part.data() >= line_.data() &&
-           part.data() + part.size() <= line_.data() + line_.size();
+  // Whether the line of the record may be released: all fields are parts of it, and nothing of it
+  // is still to be read.
+  bool CanReleaseLine() const noexcept;
+  // Where a part of the record stands in that line.
+  std::size_t PlaceInLine(std::u16string_view part) const noexcept {
+    return part.empty() ? 0 : static_cast<std::size_t>(part.data() - line_.data());
   }
-  // Gives away a part of the record with the memory of its line. No record is held then.
-  std::u16string ReleaseField(std::u16string_view part);
+  std::size_t LineSize() const noexcept { return line_.size(); }
+  // Gives away the memory of the line, and that of the record. No record is held then.
+  std::u16string ReleaseLine();
 
   // No record is held, and the file has no more.
   bool AtEnd() const noexcept { return record_.empty() && stream_.AtEnd(); }

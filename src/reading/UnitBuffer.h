@@ -4,7 +4,7 @@
 //   char16_t* const units = line.Overwrite(bytes.size());
 //   line.Shorten(Widen(bytes, units));
 //   Use(line.View());
-//   std::u16string part = line.Release(begin, length);  // of a long line, without a second copy
+//   std::u16string text = line.Release();  // of a long line, without a second copy
 //
 // Unlike a string it does not fill what is about to be overwritten, but for what it has never had.
 #pragma once
@@ -53,11 +53,9 @@ class UnitBuffer {
     std::fill_n(units_.data() + size_, count, u'\0');
   }
 
-  // Gives away the memory with [begin, begin + length) of the contents in it. The buffer is empty
-  // then.
-  std::u16string Release(std::size_t begin, std::size_t length) {
-    units_.resize(begin + length);
-    units_.erase(0, begin);
+  // Gives away the contents with their memory. The buffer is empty then.
+  std::u16string Release() {
+    units_.resize(size_);
     size_ = 0;
     return std::exchange(units_, {});
   }

@@ -19,7 +19,9 @@ const FieldDefinition* FieldList::StoredBehind(std::size_t index) const noexcept
 FieldDefinition FieldList::operator[](std::size_t index) const {
   if (const FieldDefinition* const stored = Stored(index)) return *stored;
   FieldDefinition text;
-  text.name = GeneratedFieldName(index - virtualFields_);
+  const std::size_t position = index - virtualFields_;
+  if (names_ != nullptr) text.name = (*names_)[position];
+  if (text.name.empty()) text.name = GeneratedFieldName(position);
   return text;
 }
 

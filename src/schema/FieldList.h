@@ -6,17 +6,20 @@
 //
 // schema.ini may declare the millionth column alone. The fields between the columns that the file
 // has and those that are declared behind them are all alike, and are made when they are asked for.
+// So are the texts of a header row that has taken much memory, in which their names then stay.
 #pragma once
 
 #include <cstddef>
 #include <initializer_list>
 #include <iterator>
 #include <map>
+#include <memory>
 #include <string>
 #include <utility>
 #include <vector>
 
 #include "schema/FieldDefinition.h"
+#include "schema/NameTexts.h"
 
 namespace TextFile {
 
@@ -48,11 +51,14 @@ class FieldList {
   FieldDefinition& back() { return (*this)[size_ - 1]; }
   FieldDefinition front() const { return (*this)[0]; }
 
-  // Lets the list have `size` fields: behind the stored ones texts named by their position, of
-  // which `virtualFields` that stand before them are not counted.
-  void ResizeWithTexts(std::size_t size, std::size_t virtualFields) {
+  // Lets the list have `size` fields: behind the stored ones texts that have the name of their
+  // position among `names`, or else one made from their position, in which `virtualFields` that
+  // stand before them are not counted.
+  void ResizeWithTexts(std::size_t size, std::size_t virtualFields,
+                       std::shared_ptr<const NameTexts> names = nullptr) {
     size_ = size;
     virtualFields_ = virtualFields;
+    names_ = std::move(names);
   }
 
   // The field, and one that is stored from then on.
@@ -104,6 +110,7 @@ class FieldList {
   std::map<std::size_t, FieldDefinition> behind_;
   std::size_t size_ = 0;
   std::size_t virtualFields_ = 0;
+  std::shared_ptr<const NameTexts> names_;  // of texts that are not stored; null: they have none
 };
 
 }  // namespace TextFile

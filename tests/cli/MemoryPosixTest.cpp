@@ -115,6 +115,36 @@ TEST_F(MemoryTest, OneLongLineCostsThreeTimesItsSize) {
   }
 }
 
+TEST_F(MemoryTest, OneLongLineOfSeveralFieldsCostsThreeTimesItsSize) {
+  constexpr std::uint64_t kSize = 32 * kMegabyte;
+  for (const std::size_t fields : {2, 1024, 65536}) {
+    SCOPED_TRACE(fields);
+    std::string line;
+    line.reserve(kSize);
+    while (line.size() < kSize) line.append(kSize / fields - 1, 'x') += ',';
+    line.back() = '\n';
+    Write("a.csv", line);
+    const Cost cost = CostOf({"count", Path("a.csv")});
+    EXPECT_EQ(cost.exitCode, 0);
+    // What is known of a column, and where its name stands: 100 bytes.
+    EXPECT_LT(cost.memory, 3 * kSize + Idle() + fields * 100);
+    EXPECT_LT(cost.read, 2 * kSize + 4 * kMegabyte);
+  }
+}
+
+TEST_F(MemoryTest, AMillionNamesCostAHundredMegabytes) {
+  std::string line;
+  for (int i = 0; i < 1000000; ++i) line += "name" + std::to_string(10000 + i % 90000) + ",";
+  line.back() = '\n';
+  Write("a.csv", line);
+  for (const char* const command : {"count", "describe"}) {
+    SCOPED_TRACE(command);
+    const Cost cost = CostOf({command, Path("a.csv")});
+    EXPECT_EQ(cost.exitCode, 0);
+    EXPECT_LT(cost.memory, 100 * kMegabyte);
+  }
+}
+
 }  // namespace
 
 #endif

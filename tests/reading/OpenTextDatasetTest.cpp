@@ -269,6 +269,40 @@ TEST_F(OpenTextDatasetTest, LocaleCompletesTheOptionsWithAndWithoutASection) {
   EXPECT_EQ(Open(u"b.csv", "a;b\n1;2\n").options.dateTimeFormat, u"dd.MM.yyyy HH:mm:ss");
 }
 
+// So long a row of names is not copied name by name.
+TEST_F(OpenTextDatasetTest, LongHeaderGivesTheSameFieldsAsAShortOne) {
+  const std::string longName(70000, 'n');
+  for (const std::string& last : {"n"s, longName}) {
+    SCOPED_TRACE(last.size());
+    folder_.Write(u"schema.ini", "[a.csv]\nCol4=Declared Text Width 7\n");
+    const TextDatasetDescription table =
+        Open(u"a.csv", "  id ,\"a name\",,x,\xC3\xA9t\xC3\xA9," + last + "\n1,a,b,c,d,e\n2,b\n");
+    EXPECT_EQ(NamesOf(table), (Texts{u"id", u"a name", u"Field3", u"Declared", u"\u00E9t\u00E9",
+                                     std::u16string(last.begin(), last.end())}));
+    ASSERT_EQ(table.fields.size(), 6u);
+    EXPECT_EQ(table.fields[0].type, FieldType::kInteger);
+    EXPECT_EQ(table.fields[3].width, 7);
+    EXPECT_EQ(table.fields[5].type, FieldType::kString);
+    EXPECT_TRUE(table.options.columnNameHeader);
+  }
+}
+
+TEST_F(OpenTextDatasetTest, LongHeaderOfCoordinatesGetsVirtualFields) {
+  const std::string longName(70000, 'n');
+  const TextDatasetDescription table =
+      Open(u"a.csv", "Place,b," + longName + "\n47.3769N 8.5417E,x,y\n46.2044N 6.1432E,x,y\n");
+  EXPECT_EQ(NamesOf(table), (Texts{u"Place", u"Place_X", u"Place_Y", u"b",
+                                   std::u16string(longName.begin(), longName.end())}));
+}
+
+TEST_F(OpenTextDatasetTest, LongHeaderWithDoubledQuotesKeepsItsNames) {
+  const std::string longName(70000, 'n');
+  const TextDatasetDescription table = Open(u"a.csv", "\"a\"\"b\"," + longName + ",c\n1,x,2\n");
+  EXPECT_EQ(NamesOf(table),
+            (Texts{u"a\"b", std::u16string(longName.begin(), longName.end()), u"c"}));
+  EXPECT_EQ(table.fields[2].type, FieldType::kInteger);
+}
+
 TEST_F(OpenTextDatasetTest, ReadsUtf16AndAnsiAlike) {
   const TextDatasetDescription wide = Open(u"a.csv", Utf16File(u"n\u00E9,b\r\n1,\u0142\r\n"));
   EXPECT_EQ(NamesOf(wide), (Texts{u"n\u00E9", u"b"}));

@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <memory>
 #include <string>
 #include <utility>
 
@@ -36,6 +37,28 @@ TEST(FieldListTest, VirtualFieldsAreNotCountedInNames) {
   fields.ResizeWithTexts(5, 2);
   EXPECT_EQ(std::as_const(fields)[3].name, u"Field2");
   EXPECT_EQ(std::as_const(fields)[4].name, u"Field3");
+}
+
+TEST(FieldListTest, TextsThatAreNotStoredHaveTheirNames) {
+  const auto names = std::make_shared<NameTexts>();
+  names->AddPlace(0, 2);
+  names->AddPlace(3, 4);
+  names->AddPlace(8, 0);
+  names->AddPlace(9, 3);
+  names->TakeText(u"id,name,,end");
+  FieldList fields = {Named(u"id", FieldType::kInteger)};
+  fields.ResizeWithTexts(6, 0, names);
+  const FieldList copy = fields;
+  fields[1].width = 5;
+  EXPECT_EQ(std::as_const(fields)[1].name, u"name");
+  for (const FieldList& seen : {fields, copy}) {
+    EXPECT_EQ(seen[0].name, u"id");
+    EXPECT_EQ(seen[1].name, u"name");
+    EXPECT_EQ(seen[2].name, u"Field3") << "an empty name is none";
+    EXPECT_EQ(seen[3].name, u"end");
+    EXPECT_EQ(seen[3].type, FieldType::kString);
+    EXPECT_EQ(seen[4].name, u"Field5") << "there are no more names";
+  }
 }
 
 TEST(FieldListTest, AFieldThatIsWrittenToIsStored) {

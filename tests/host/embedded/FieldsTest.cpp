@@ -188,6 +188,12 @@ class SourceOfFieldsTest : public FieldsTest {
     ASSERT_EQ(fields_.As<HostFieldCollectionFilling>()->FillFrom(source_.Get()), S_OK);
   }
 
+  void TearDown() override {
+    fields_.Reset();
+    source_.Reset();
+    FieldsTest::TearDown();
+  }
+
   ComPtr<HostField> At(LONG index) const {
     ComPtr<HostField> field;
     EXPECT_EQ(fields_->GetField(index, field.Receive()), S_OK);
