@@ -75,7 +75,9 @@ std::optional<Variant> Read(const std::string& json, LONG type) {
 std::string Typed(const Variant& value, LONG type) {
   StringOutput output;
   const auto writer = MakeTypedRowWriter(output);
-  writer->Begin({{u"v", type, 0}});
+  const OutputColumn column{0, type, 0};
+  const TableFields nameless;
+  writer->Begin({&column, 1}, nameless);
   quenra::HostFieldValue slot{};
   slot.value = value.Get();  // borrowed
   writer->Write(&slot);

@@ -23,6 +23,8 @@ struct Field {
 // Every method throws a Refusal where the data source refuses.
 class TableFields {
  public:
+  // No fields.
+  TableFields() = default;
   // `table` is for the texts of refusals.
   TableFields(quenra::IPlugInDatasetHelper& dataset, std::u16string table);
 
