@@ -178,10 +178,10 @@ bool IsCompactPlain(const Pair& pair) noexcept {
   return !(IsWhole(a) || IsWhole(b)) || IsWholeCompactPlain(pair, latitudeDigits, longitudeDigits);
 }
 
-// Whether the only hemisphere letter belongs to its half without doubt: a separator keeps it from
-// the other half, or it touches its own, or stands at an end of the text.
+// Whether the only hemisphere letter belongs to its half without doubt: a separator or another text
+// keeps it from the other half, or it touches its own, or stands at an end of the text.
 bool IsLoneLetterClear(const Pair& pair) noexcept {
-  if (pair.separator != '\0') return true;
+  if (pair.twoTexts || pair.separator != '\0') return true;
   if (!pair.blank) return false;
   const bool first = HasLetter(pair.first);
   const Coordinate& half = first ? pair.first : pair.second;
@@ -190,13 +190,16 @@ bool IsLoneLetterClear(const Pair& pair) noexcept {
 }
 
 // Whether a hemisphere letter on one half alone is plain: both halves have degree marks, or three
-// groups with the same separators.
+// groups with the same separators. In two texts as well: seconds, watts or newtons stand beside
+// angles and numbers in many tables.
 bool IsLoneLetterPlain(const Pair& pair) noexcept {
   const Coordinate& a = pair.first;
   const Coordinate& b = pair.second;
-  if (pair.twoTexts) return true;
-  const bool smallS = a.letterIsSmallS || b.letterIsSmallS;  // or the mark of the seconds
-  if (smallS && a.groups == 3) return false;
+  // Behind the third group it is the south or the mark of the seconds, unless they have theirs.
+  const auto mayBeSeconds = [](const Coordinate& half) {
+    return half.letterIsSmallS && half.groups == 3 && half.secondMark == Mark::kNone;
+  };
+  if (mayBeSeconds(a) || mayBeSeconds(b)) return false;
   if (a.secondMark == Mark::kLetter || !IsLoneLetterClear(pair)) return false;
   if (TellsDegrees(a) && TellsDegrees(b)) return true;
   return a.groups == 3 && a.joint != Joint::kMark && a.joint != Joint::kCompact &&
@@ -259,13 +262,16 @@ bool HaveDecimals(const Pair& pair, int decimals) noexcept {
   return !IsWhole(a) && !IsWhole(b) && (a.decimals >= decimals || b.decimals >= decimals);
 }
 
-// Whether degrees with degree marks and without letters are plain; `known` as above.
+// Whether degrees with degree marks and without letters are plain; `known` as above. Of two texts
+// one can do without a mark, but not with one that says nothing: "12.5d" is days.
 bool AreMarksPlain(const Pair& pair, bool known) noexcept {
   const Coordinate& a = pair.first;
   const Coordinate& b = pair.second;
   const bool both = TellsDegrees(a) && TellsDegrees(b);
   if (a.groups > 1) return both;
-  if (!(both || pair.twoTexts) || !IsDecimalCommaClear(pair)) return false;
+  const bool oneUnmarked = a.degreeMark == Mark::kNone || b.degreeMark == Mark::kNone;
+  if (!both && !(pair.twoTexts && oneUnmarked)) return false;
+  if (!IsDecimalCommaClear(pair)) return false;
   return known || (!LooksGrouped(pair) && HaveDecimals(pair, kMarkedDecimals));
 }
 

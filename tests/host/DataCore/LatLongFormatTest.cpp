@@ -182,7 +182,7 @@ void CheckFile(const std::string& name, std::size_t atLeast) {
 
 TEST(LatLongFormatTest, FollowsTheCommonCases) { CheckFile("latlong-cases.tsv", 245); }
 
-TEST(LatLongFormatTest, FollowsFurtherCasesOfEachRule) { CheckFile("latlong-more-cases.tsv", 600); }
+TEST(LatLongFormatTest, FollowsFurtherCasesOfEachRule) { CheckFile("latlong-more-cases.tsv", 680); }
 
 TEST(LatLongFormatTest, ExampleOfTheHeader) {
   const Reading r = Read(u"40°26'46\"N 79°58'56\"W");
@@ -475,6 +475,11 @@ TEST(LatLongFormatTest, ColumnsFormatMakesShortValuesPlain) {
       {u"46,1234; 8,4567", u"46,5; 8", true, 8, 46.5, "few decimals, decimal comma"},
       {u"46,1234; 8,4567", u"1,234; 5,678", true, 5.678, 1.234, "the column's comma is decimal"},
       {u"40.123/-74.123", u"40.5/74.1", true, 74.1, 40.5, "the column's solidus separates"},
+      {u"40.1234 74.1234", u"40.0 74.0", true, 74, 40, "few decimals"},
+      {u"40.1234 74.1234", u"40.5 74", true, 74, 40.5, "a whole number behind the blank"},
+      {u"40.1234 74.1234", u"40 34", false, 0, 0, "degrees and minutes of half a pair"},
+      {u"40.1234 74.1234", u"40 74", false, 0, 0, "a whole number before the blank"},
+      {u"40.1234 74.1234", u"40 74.1234", false, 0, 0, "a whole number before the blank"},
       {u"40.123, -74.123", u"1.0850/1.0852", false, 0, 0, "prices in a column of commas"},
       {u"40.123/-74.123", u"40.5, 74.1", false, 0, 0,
        "another separator than the column's solidus"},
