@@ -68,8 +68,8 @@ std::string LineOf(const EventLogRecord& record) {
   return line.Take();
 }
 
-// The log takes the place of an older one. Any other file is somebody's, perhaps needed by this very
-// command: a table, the module, a library.
+// The log takes the place of an older one. Any other file is somebody's, perhaps needed by this
+// very command: a table, the module, a library.
 void RequireEventLogOrNothing(std::u16string_view fileName) {
   constexpr std::string_view kBeginning = R"({"event":")";
   const std::filesystem::path path(NativeFromFileName(fileName));
@@ -79,9 +79,9 @@ void RequireEventLogOrNothing(std::u16string_view fileName) {
   std::ifstream file(path, std::ios::binary);
   file.read(beginning.data(), static_cast<std::streamsize>(beginning.size()));
   if (file.is_open() && (file.gcount() == 0 || beginning == kBeginning)) return;
-  throw UsageError("the event log would replace " + Shown(fileName) +
-                       ", which is there and holds no event log",
-                   kGeneralHelp);
+  throw UsageError(
+      "the event log would replace " + Shown(fileName) + ", which is there and holds no event log",
+      kGeneralHelp);
 }
 
 }  // namespace

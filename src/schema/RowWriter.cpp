@@ -483,7 +483,8 @@ bool RowWriter::WriteInPieces(std::string_view rows) {
       begin = end;
     }
   }
-  return written == RegularFile::Appended::kWhole || Fail(WithReason(u"the rows could not be written", file_.error()));
+  return written == RegularFile::Appended::kWhole ||
+         Fail(WithReason(u"the rows could not be written", file_.error()));
 }
 
 // Whole rows, in front of which a row may begin.

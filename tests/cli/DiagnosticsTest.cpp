@@ -198,7 +198,7 @@ TEST_F(EventLogTest, TellsMessagesAndErrors) {
 }
 
 TEST_F(EventLogTest, TellsRefusalsAndReplacesTheFile) {
-  Write("log", "old\n");
+  Write("log", "{\"event\":\"message\",\"text\":\"old\"}\n");
   Run({"--event-log", "log", "list", "nowhere"});
   EXPECT_EQ(Read("log"), "{\"event\":\"error\",\"code\":\"0x80040258\",\"text\":\"nowhere\"}\n");
 }
@@ -261,11 +261,26 @@ TEST_F(EventLogTest, NoFileOfTheStandardStreamsIsReplaced) {
   ExpectUsageError(RunProcess(rows), "the event log cannot be out");
 }
 
-TEST_F(EventLogTest, AnyOtherFileIs) {
+TEST_F(EventLogTest, AFileThatHoldsNoLogIsKept) {
   Write("a.csv", "Id\n1\n");
   Write("b.csv", "Id\n1\n");
-  Output({"count", "a.csv", "--event-log", "b.csv"});
-  EXPECT_NE(Read("b.csv").find("\"begin\""), std::string::npos);
+  Write("short", "{");
+  for (const char* name : {"b.csv", "short"}) {
+    const std::string before = Read(name);
+    for (const char* command : {"count", "describe"})
+      ExpectUsageError(Run({command, "a.csv", "--event-log", name}), "holds no event log");
+    ExpectUsageError(Run({"list", ".", "--event-log", name}), "holds no event log");
+    EXPECT_EQ(Read(name), before);
+  }
+}
+
+TEST_F(EventLogTest, AnEmptyFileAndAnOlderLogAreReplaced) {
+  Write("a.csv", "Id\n1\n");
+  Write("log", "");
+  for (int run = 0; run < 2; ++run) {
+    Output({"count", "a.csv", "--event-log", "log"});
+    EXPECT_NE(Read("log").find("\"begin\""), std::string::npos);
+  }
 }
 
 TEST_F(EventLogTest, FileThatCannotBeWrittenIsAWrongCommandLine) {

@@ -126,7 +126,7 @@ TEST_F(GeoJsonTest, PlacesInOtherScriptsAndFieldsArePoints) {
 
 TEST_F(GeoJsonTest, OneLetterTellsWhichOfTwoTextsIsTheLatitude) {
   Write("a.csv",
-        "Pole,Equator\n79 15.0 W,40 30.0\n79 15.0,40 30.0 N\n"
+        "Pole,Equator\n79°15.0' W,40°30.0'\n79°15.0',40°30.0' N\n"
         "W79.25,40.5N\n\"07915.000,W\",\"4030.000,N\"\n");
   EXPECT_EQ(Points(Features("a.csv")),
             (std::vector<std::string>{"[-79.25,40.5]", "[79.25,40.5]", "[-79.25,40.5]",

@@ -508,10 +508,11 @@ TEST_F(LoadTest, FullDiskKeepsWholeRowsAndCountsThem) {
   EXPECT_EQ(result.exitCode, 1);
   const std::string table = ReadTable("a.csv");
   const auto count = std::count(table.begin(), table.end(), '\n') - 1;
-  EXPECT_EQ(result.errors,
-            "texttables: error: 0x80004005: ./a.csv: the rows could not be written; "
-            "the table has " +
-                std::to_string(count) + " rows\n");
+  EXPECT_EQ(
+      result.errors,
+      "texttables: error: 0x80004005: ./a.csv: the rows could not be written (File too large); "
+      "the table has " +
+          std::to_string(count) + " rows\n");
   EXPECT_EQ(table.substr(table.size() - 9), "7,abcdef\n");
 }
 

@@ -7,8 +7,9 @@
 // process that ends by itself before its fault has come exits with 42, so that a test knows when it
 // has been through all of them. FAULT_DELAY=800 has each call wait for up to 800 microseconds
 // instead, now and then 16 times as long, differently in each process, so that processes come in
-// between each other's steps. Definitions in a program take the place of the libraries' own, also
-// for the other libraries.
+// between each other's steps. FAULT_STATUS=schema.ini has the system refuse to tell the status of
+// files of that name, with "input/output error". Definitions in a program take the place of the
+// libraries' own, also for the other libraries.
 #include <dlfcn.h>
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -22,6 +23,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <random>
+#include <string_view>
 
 #define SEEN_BY_LIBRARIES extern "C" __attribute__((visibility("default")))
 
@@ -56,6 +58,16 @@ void Delay() {
 bool FailsOn() {
   static const char* const value = std::getenv("FAULT_MODE");
   return value != nullptr && std::strcmp(value, "fail-on") == 0;
+}
+
+// True when nothing is to be told of that file.
+bool HidesStatusOf(const char* path) {
+  static const char* const name = std::getenv("FAULT_STATUS");
+  if (name == nullptr || path == nullptr) return false;
+  const std::string_view whole(path);
+  if (!whole.ends_with(name)) return false;
+  errno = EIO;
+  return true;
 }
 
 // True when this call is to fail.
@@ -114,6 +126,19 @@ SEEN_BY_LIBRARIES int open64(const char* path, int flags, ...) {
 SEEN_BY_LIBRARIES int openat(int folder, const char* path, int flags, ...) {
   OPEN_MODE(flags);
   return OpenAt(folder, path, flags, mode);
+}
+SEEN_BY_LIBRARIES int stat(const char* path, struct stat* status) noexcept {
+  if (HidesStatusOf(path)) return -1;
+  return static_cast<int>(::syscall(SYS_newfstatat, AT_FDCWD, path, status, 0));
+}
+SEEN_BY_LIBRARIES int lstat(const char* path, struct stat* status) noexcept {
+  if (HidesStatusOf(path)) return -1;
+  return static_cast<int>(::syscall(SYS_newfstatat, AT_FDCWD, path, status, AT_SYMLINK_NOFOLLOW));
+}
+SEEN_BY_LIBRARIES int statx(int folder, const char* path, int flags, unsigned mask,
+                            struct statx* status) noexcept {
+  if (HidesStatusOf(path)) return -1;
+  return static_cast<int>(::syscall(SYS_statx, folder, path, flags, mask, status));
 }
 SEEN_BY_LIBRARIES FILE* fopen(const char* path, const char* mode) {
   return OpenStream("fopen", path, mode);

@@ -29,6 +29,8 @@ constexpr RefusedName kRefusedNames[] = {
     {u"..", u"the name means a folder"},
     {u"Schema.INI", u"the name is reserved"},
     {u"~scheam.ini", u"the name is reserved"},
+    {u"~a.csv.tmp", u"the name is reserved"},
+    {u"~A.CSV.Old", u"the name is reserved"},
     {u"nul", u"the name is reserved"},
     {u"Con.csv", u"the name is reserved"},
     {u"aux .csv", u"the name is reserved"},

@@ -276,13 +276,29 @@ TEST_F(WritingFaultsTest, AFullDiskIsToldAndTakenBack) {
   }
 }
 
+// A schema.ini of which nothing is told is not taken for none, and all its sections for lost.
+TEST_F(WritingFaultsTest, ASchemaIniWhoseStatusIsNotToldIsKept) {
+  for (const std::vector<std::string>& words :
+       {std::vector<std::string>{"create", "FOLDER", "new.csv"},
+        std::vector<std::string>{"rename", "FOLDER", "a.csv", "b.csv"},
+        std::vector<std::string>{"delete", "FOLDER", "a.csv"}}) {
+    SCOPED_TRACE(words.front());
+    TemporaryFolder folder;
+    Fill(folder);
+    const auto before = Everything(folder);
+    EXPECT_EQ(Run(folder, words, {{"FAULT_STATUS", "schema.ini"}}).exitCode, 1);
+    EXPECT_EQ(Everything(folder), before);
+  }
+}
+
 TEST_F(WritingFaultsTest, AFullDiskKeepsTheRowsThatFitWhole) {
   TemporaryFolder folder;
   Fill(folder);
   const ProcessResult result =
       Run(folder, {"load", "FOLDER", "a.csv", "20000"}, {{"FILE_LIMIT", "150000"}});
   EXPECT_EQ(result.exitCode, 1);
-  EXPECT_EQ(result.output, ToUtf8(folder.Path(u"a.csv")) + ": the rows could not be written\n");
+  EXPECT_EQ(result.output,
+            ToUtf8(folder.Path(u"a.csv")) + ": the rows could not be written (File too large)\n");
   const std::string bytes = folder.Read(u"a.csv");
   EXPECT_GT(bytes.size(), 60000u);
   EXPECT_LE(bytes.size(), 150000u);
