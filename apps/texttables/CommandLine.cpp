@@ -344,12 +344,22 @@ std::string Typed(const std::string& argument) {
   return argument.empty() || argument.find(' ') != std::string::npos ? "\"" + shown + "\"" : shown;
 }
 
-// Options and arguments that the command does not know, in the order in which they were given.
-UsageError UnexpectedArguments(const std::string& command,
-                               const std::vector<std::string>& arguments) {
-  std::string text = command + " does not take";
+bool HasOption(const CLI::App& command, std::string_view argument) {
+  const std::string name(argument.substr(0, argument.find('=')));
+  return name.starts_with("-") && command.get_option_no_throw(name) != nullptr;
+}
+
+// Options and arguments that the command does not know, in the order in which they were given, or
+// an option of its own that stands in front of it.
+UsageError UnexpectedArguments(const CLI::App& command, const std::vector<std::string>& arguments) {
+  const std::string name = command.get_name();
+  if (HasOption(command, Unmarked(arguments.front())))
+    return UsageError(Typed(arguments.front()) + " stands behind the command: " + name + " ... " +
+                          Typed(arguments.front()),
+                      name);
+  std::string text = name + " does not take";
   for (const std::string& argument : arguments) text += " " + Typed(argument);
-  return UsageError(text, command);
+  return UsageError(text, name);
 }
 
 // The page that tells of the option which the parser complains of: its words begin with the name of
@@ -372,7 +382,7 @@ UsageError UsageErrorOf(const CLI::App& app, const CLI::ParseError& error) {
   if (!app.get_subcommands().empty()) {
     const std::string command = app.get_subcommands().front()->get_name();
     if (dynamic_cast<const CLI::ExtrasError*>(&error) != nullptr && !others.empty())
-      return UnexpectedArguments(command, others);
+      return UnexpectedArguments(*app.get_subcommands().front(), others);
     return UsageError(Shown(complaint), HelpPageOf(app, complaint, command));
   }
   for (const std::string& argument : others)

@@ -253,6 +253,8 @@ TEST_F(CommandLineTest, UsageErrorsTellThePageThatHasTheOption) {
 
 TEST_F(CommandLineTest, UnexpectedArgumentsAreNamedAsTheyWereGiven) {
   ExpectUsageError(Run({"count", "a.csv", "--limit", "5"}), "count does not take --limit 5\n");
+  ExpectUsageError(Run({"--limit", "5", "rows", "a.csv"}),
+                   "--limit stands behind the command: rows ... --limit\n");
   ExpectUsageError(Run({"rows", "a.csv", "b.csv", "[c", "d e"}),
                    "rows does not take b.csv [c \"d e\"\n");
   ExpectUsageError(Run({"--limit", "5", "count", "a.csv"}), "--limit");

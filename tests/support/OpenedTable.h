@@ -31,9 +31,7 @@ class OpenedTable {
   const std::shared_ptr<TextFile::TextDatasetDescription>& shared() const noexcept {
     return table_;
   }
-  TextFile::FieldDefinition field(std::size_t index) const {
-    return table_->fields.at(index);
-  }
+  TextFile::FieldDefinition field(std::size_t index) const { return table_->fields.at(index); }
   char16_t decimalSymbol() const noexcept { return table_->options.number.decimalSymbol; }
 
   // "not opened" after a failure. Names are shown as ASCII.
