@@ -457,14 +457,14 @@ TEST_F(TypeInferenceTest, AColumnDeclaredFarBehindTheOthersChangesNothingElse) {
       for (const OpenOptions& options : {OpenOptions(), noCoordinates}) {
         SCOPED_TRACE(c.why + line);
         const OpenedTable held = open(c.bytes, c.section, 50, line, options);
-        const OpenedTable far = open(c.bytes, c.section, 9050, line, options);
-        ASSERT_TRUE(held.opened() && far.opened());
-        const FieldList& near = held.shared()->fields;
-        const FieldList& all = far.shared()->fields;
-        ASSERT_EQ(all.size(), near.size() + 9000);
-        const std::size_t last = near.size() - 1;
+        const OpenedTable distant = open(c.bytes, c.section, 9050, line, options);
+        ASSERT_TRUE(held.opened() && distant.opened());
+        const FieldList& few = held.shared()->fields;
+        const FieldList& all = distant.shared()->fields;
+        ASSERT_EQ(all.size(), few.size() + 9000);
+        const std::size_t last = few.size() - 1;
         for (std::size_t i = 0; i <= last; ++i) {
-          const FieldDefinition expected = near[i];
+          const FieldDefinition expected = few[i];
           const FieldDefinition found = all[i == last ? all.size() - 1 : i];
           EXPECT_EQ(found.name, expected.name);
           EXPECT_EQ(found.type, expected.type) << i;
