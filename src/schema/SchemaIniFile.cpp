@@ -3,13 +3,13 @@
 #include <algorithm>
 #include <boost/filesystem.hpp>
 #include <chrono>
-#include <fstream>
 #include <iterator>
 #include <map>
 #include <utility>
 
 #include "host/DataCore/DataCoreUtil.h"
 #include "platform/FileNames.h"
+#include "platform/RegularFile.h"
 #include "schema/TableNames.h"
 #include "schema/Utf8.h"
 
@@ -101,20 +101,17 @@ bool IsThere(const std::u16string& schemaIni) {
   return type != fs::file_not_found;
 }
 
-// A file that breaks off is not to be rewritten.
+// Regular files only, whatever has taken the name since it was looked at. A file that breaks off is
+// not to be rewritten.
 bool ReadWhole(const NativeFileName& path, std::string& bytes) {
-  std::filebuf file;
-  if (file.open(fs::path(path).c_str(), std::ios::in | std::ios::binary) == nullptr) return false;
+  RegularFile file;
+  if (!file.Open(path, RegularFile::Access::kRead)) return false;
   constexpr std::size_t kBlockBytes = 64 * 1024;
   std::string block(kBlockBytes, '\0');
-  try {
-    for (;;) {
-      const std::streamsize count = file.sgetn(block.data(), kBlockBytes);
-      if (count <= 0) return true;
-      bytes.append(block, 0, static_cast<std::size_t>(count));
-    }
-  } catch (const std::ios_base::failure&) {
-    return false;
+  for (;;) {
+    const std::ptrdiff_t count = file.ReadAt(bytes.size(), block.data(), kBlockBytes);
+    if (count <= 0) return count == 0;
+    bytes.append(block, 0, static_cast<std::size_t>(count));
   }
 }
 
